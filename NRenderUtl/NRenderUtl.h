@@ -1,0 +1,8 @@
+// Includes every public header of the library.
+#pragma once
+
+#include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/host/nhost.h"
+#include "NRenderUtl/markers/nmarkers.h"
+#include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/ntypes.h"

@@ -1,0 +1,298 @@
+// The GL layer: the host's view record, colours, view state and conversions, framebuffers, clip planes, lights
+// and host callbacks. Every call comes from the thread that owns the current GL context.
+#pragma once
+
+#include "NRenderUtl/ntypes.h"
+
+class RenderTextureAttributes;
+
+// --- records ------------------------------------------------------------------------------------------------
+
+/// One fixed-function light.
+struct NglLightParams {
+    std::int32_t enabled; ///< what glIsEnabled returned for the light; 0 = off
+    float ambient[4];
+    float diffuse[4];
+    float specular[4];
+    float position[4];
+    float constantAttenuation;
+    float linearAttenuation;
+    float quadraticAttenuation;
+};
+
+/// One side of a material.
+struct NglMatParams {
+    float emission[4];
+    float ambient[4];
+    float diffuse[4];
+    float specular[4];
+    float shininess;
+};
+
+/// The view record that host and library share. It is copied as one block, so field order and widths are part of
+/// the interface.
+struct _NglInfoStr {
+    double modelView[4][4]; ///< column-major, as OpenGL returns it
+    float modelViewF[4][4];
+    double projection[4][4];
+    float projectionF[4][4];
+    float textureMatrix[4][4]; ///< written by NglEnableTexture
+    double inverseModelView[4][4];
+    std::int32_t viewport[4];    ///< x, y, width, height in pixels
+    _NgPoint3Str viewY;          ///< unit vector, model space, up on the screen
+    _NgPoint3Str viewX;          ///< unit vector, model space, right on the screen
+    _NgPoint3Str view;           ///< unit vector, model space, of increasing window depth
+    _NgPoint3Str orthoMin;       ///< current orthographic box
+    _NgPoint3Str orthoMax;
+    float pixelSize;             ///< model-space length of one pixel
+    _NgPoint3Str screenOrigin;   ///< model point under window pixel (0, 0) at depth 0
+    std::int32_t colorCount;     ///< entries of palette
+    const NgColorLong* palette;  ///< the host's; null when it gave none
+    NgColorLong backgroundColor; ///< 0x00BBGGRR
+    std::int32_t reserved;       ///< not used by the library
+    std::int32_t colorIndex;     ///< becomes current when the record is loaded
+    std::int32_t optimizedDisplayMode; ///< non-zero: ngl_mesh draws silhouette and feature edges only
+    _NgPoint3Str pushDelta;      ///< depth offset of the view-point pushes
+    std::int32_t transformed;    ///< 1 while a transformation lies on top of the view
+    std::int32_t perspective;    ///< 1 = perspective projection
+    std::int32_t noComplement;   ///< colour table: 0 complement table, 1 the record's palette
+    std::int32_t viewPushCount;  ///< view-point pushes in force
+    std::int32_t zoomedOrFit;    ///< set by the host after a zoom or fit
+    NglLightParams lights[8];
+    NglMatParams frontMaterial;
+    NglMatParams backMaterial;
+    _NgPoint3Str cameraPosition;
+};
+
+/// An off-screen framebuffer, filled by NglCreateFBO.
+struct _NglFBOInfoStr {
+    std::uint32_t* pixels;       ///< client buffer of width x height packed pixels, owned by the record
+    std::uint32_t framebuffer;   ///< GL name; 0 = none
+    std::uint32_t colorTexture;
+    std::uint32_t depthTexture;  ///< depth and stencil
+    std::uint32_t width;
+    std::uint32_t height;
+    std::uint32_t pixelCount;    ///< width x height
+};
+
+/// Callbacks of the host.
+using NglPromptFunc = int (*)(const char* message);
+using NglClipPlaneFunc = int (*)();
+using NglGetActiveTextureAttribProc = RenderTextureAttributes* (*)(unsigned int unit, float a, float b);
+
+// --- scope objects ------------------------------------------------------------------------------------------
+
+/// Loads the host's clip planes for the length of a block.
+class NRENDERUTL_API NglLoadClipPlanes {
+public:
+    NglLoadClipPlanes();
+    ~NglLoadClipPlanes();
+    NglLoadClipPlanes(const NglLoadClipPlanes&) = delete;
+    NglLoadClipPlanes& operator=(const NglLoadClipPlanes&) = delete;
+};
+
+/// Unloads the host's clip planes for the length of a block.
+class NRENDERUTL_API NglUnloadClipPlanes {
+public:
+    NglUnloadClipPlanes();
+    ~NglUnloadClipPlanes();
+    NglUnloadClipPlanes(const NglUnloadClipPlanes&) = delete;
+    NglUnloadClipPlanes& operator=(const NglUnloadClipPlanes&) = delete;
+};
+
+/// Installs matrices (16 doubles each, column-major) for the length of a block, in GL and in the view record. It
+/// uses the save slot of NglPushNglInfo, so the two must not be nested.
+class NRENDERUTL_API NglSetCustomMatrices {
+public:
+    NglSetCustomMatrices(const double* projection, const double* modelView);
+    ~NglSetCustomMatrices();
+    NglSetCustomMatrices(const NglSetCustomMatrices&) = delete;
+    NglSetCustomMatrices& operator=(const NglSetCustomMatrices&) = delete;
+};
+
+// --- view record and initialisation -------------------------------------------------------------------------
+
+NRENDERUTL_API int NglInitGLExtensions();
+NRENDERUTL_API int NglIsFBOSupported();
+NRENDERUTL_API int NglIsVBOSupported();
+NRENDERUTL_API int NglIsShaderSupported();
+NRENDERUTL_API int NglInitMatrices(_NglInfoStr* info);
+NRENDERUTL_API int NglSetMatrices(_NglInfoStr* info);
+NRENDERUTL_API _NglInfoStr* NglGetNglInfo();
+NRENDERUTL_API _NglInfoStr* NglPushNglInfo();
+NRENDERUTL_API void NglPopNglInfo();
+NRENDERUTL_API void NglUpdateNglInfo();
+NRENDERUTL_API int ngl_initialize_view(double* nearPlane, double* farPlane);
+
+NRENDERUTL_API void NglSetBeingDrawnState(bool beingDrawn);
+NRENDERUTL_API bool NglIsBeingDrawn();
+NRENDERUTL_API void NglSetTransformedState();
+NRENDERUTL_API void NglClearTransformedState();
+NRENDERUTL_API int NglIsTransformed();
+NRENDERUTL_API int NglIsPerspective();
+NRENDERUTL_API int NglIsZoomedOrFit();
+NRENDERUTL_API void NglSetOptimizedDisplayMode(int mode);
+NRENDERUTL_API int NglCheckOptimizedDisplayMode();
+NRENDERUTL_API void NglSetViewOperationMode(int mode);
+NRENDERUTL_API int NglIsViewOperationMode();
+NRENDERUTL_API void NglSetMeshScaleFactor(double factor);
+NRENDERUTL_API int NglGetScaleFactorAndFlag(double* factor);
+NRENDERUTL_API void NglResetScaleFactorAndFlag(int flag, double factor);
+
+NRENDERUTL_API void NglRegisterPromptFunction(NglPromptFunc func);
+NRENDERUTL_API void NglRegisterNoPumpPromptFunction(NglPromptFunc func);
+NRENDERUTL_API void PromptSetSimple(const char* message);
+NRENDERUTL_API void SetPromptNoUpdate(const char* message);
+NRENDERUTL_API void NglBlockPrompts();
+NRENDERUTL_API void NglUnBlockPrompts();
+
+// --- colours ------------------------------------------------------------------------------------------------
+
+/// Number of entries that NglSetColorScheme copies into the library table; 64 at start.
+extern NRENDERUTL_API std::int32_t NglMaxColor;
+
+NRENDERUTL_API void ngl_set_color(int index);
+NRENDERUTL_API void ngl_set_color_no_complement(int index);
+NRENDERUTL_API void ngl_set_color_based_on_win_color(int index);
+NRENDERUTL_API int ngl_get_color();
+NRENDERUTL_API void NglResetLastColor();
+NRENDERUTL_API NgColorLong NglGetColorGivenIndex(int index);
+NRENDERUTL_API int NglGetIndexGivenColor(NgColorLong color);
+NRENDERUTL_API NgColorLong* NglGetColors();
+NRENDERUTL_API void NglSetColorScheme(int scheme);
+NRENDERUTL_API void NglUpdateColor(int count, const NgColorLong* colors);
+NRENDERUTL_API void NglUpdateComplementColor(int count, const NgColorLong* colors);
+NRENDERUTL_API void NglSetForceComplement();
+NRENDERUTL_API void NglBeginNoComplementMode();
+NRENDERUTL_API void NglEndNoComplementMode();
+NRENDERUTL_API int ngl_get_rgb(int index, unsigned char& red, unsigned char& green, unsigned char& blue);
+NRENDERUTL_API int ngl_get_rgb_floats(int index, float& red, float& green, float& blue);
+NRENDERUTL_API NgColorLong NglSetHighlightColor(NgColorLong color);
+NRENDERUTL_API void NglSetSelectionColor(NgColorLong color);
+NRENDERUTL_API NgColorLong NglSetWindowBackGroundColor(NgColorLong color);
+NRENDERUTL_API NgColorLong NglGetWindowBackGroundColor();
+NRENDERUTL_API int NglIsWinBGBlackish();
+NRENDERUTL_API NgColorLong NglGetColorBasedOnWinColor(NgColorLong color);
+NRENDERUTL_API void NglUpdateHiddenColor();
+NRENDERUTL_API int NglGetHiddenColor();
+NRENDERUTL_API NgColorLong NglGetHiddenColorRGB();
+NRENDERUTL_API void NglSetShadedWFColor1(int index);
+NRENDERUTL_API int NglGetShadedWFColor1();
+NRENDERUTL_API int NglGetShadedWFColor2();
+
+NRENDERUTL_API void ngl_set_color_long(NgColorLong color);
+NRENDERUTL_API void ngl_set_color_rgb(NgColorLong color);
+NRENDERUTL_API NgColorLong ngl_get_color_long();
+NRENDERUTL_API NgColorLong ngl_get_color_long_from_rgb(unsigned char red, unsigned char green, unsigned char blue);
+NRENDERUTL_API void ngl_get_rgb_from_color_long(NgColorLong color, unsigned char& red, unsigned char& green,
+                                                unsigned char& blue);
+NRENDERUTL_API void ngl_get_floats_from_color_long(NgColorLong color, float& red, float& green, float& blue);
+NRENDERUTL_API NgColorLong ngl_add_transparency_into_rgb_color(NgColorLong color);
+NRENDERUTL_API void ngl_set_blending_value(int alpha);
+NRENDERUTL_API int ngl_get_blending_value();
+NRENDERUTL_API NgColorLong VbNglGetColorFromRGB(int red, int green, int blue);
+NRENDERUTL_API void VbNglGetRGBAFromColor(NgColorLong color, int* red, int* green, int* blue, int* alpha);
+
+// --- matrix stack and view point ----------------------------------------------------------------------------
+
+NRENDERUTL_API void ngl_push_3d_matrix();
+NRENDERUTL_API void ngl_pop_3d_matrix();
+NRENDERUTL_API void ngl_push_view_matrices(int flag);
+NRENDERUTL_API void ngl_pop_view_matrices(int flag);
+NRENDERUTL_API void ngl_mult_3d_matrix(double matrix[4][4]);
+NRENDERUTL_API void ngl_set_3d_matrix(double matrix[4][4]);
+NRENDERUTL_API void ngl_init_3d_matrix();
+NRENDERUTL_API void ngl_nullify_view();
+NRENDERUTL_API void ngl_rotate_3d(double angle, int axis);
+NRENDERUTL_API void ngl_scale_3d(double x, double y, double z);
+NRENDERUTL_API void ngl_translate_3d(double x, double y, double z);
+NRENDERUTL_API void ngl_get_3d_matrix(double matrix[4][4]);
+NRENDERUTL_API void ngl_get_global_matrix(double matrix[4][4]);
+NRENDERUTL_API void ngl_get_view_matrix(double matrix[4][4]);
+NRENDERUTL_API void nglGetSilhoutteMatrix(double matrix[4][4]);
+NRENDERUTL_API int NglGetPushCount();
+NRENDERUTL_API void NglGetPushDelta(_NgPoint3Str* delta);
+
+NRENDERUTL_API void UtlPushViewPoint();
+NRENDERUTL_API void UtlPopViewPoint();
+NRENDERUTL_API void UtlPushViewPointDelta(_NgPoint3Str* delta);
+NRENDERUTL_API void UtlPopViewPointDelta(_NgPoint3Str* delta);
+NRENDERUTL_API void NglResetViewPush();
+NRENDERUTL_API void UtlComputeViewDelta(_NgPoint3Str* delta, int n);
+
+// --- view queries and conversions ---------------------------------------------------------------------------
+
+NRENDERUTL_API void ngl_get_ortho_2d(double* minX, double* minY, double* maxX, double* maxY);
+NRENDERUTL_API void ngl_get_ortho_3d(double* minX, double* minY, double* minZ, double* maxX, double* maxY,
+                                     double* maxZ);
+NRENDERUTL_API void ngl_get_ortho_3d_p(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
+NRENDERUTL_API void ngl_get_ortho_scale(double* scale);
+NRENDERUTL_API double ngl_get_ortho_scale_given_point(_NgPoint3Str* point);
+NRENDERUTL_API double ngl_get_model_dist_for_screen_distance(double distance);
+NRENDERUTL_API int ngl_compute_current_ortho_3d(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
+NRENDERUTL_API void UtlRecomputeOrthoScale(double* scale);
+NRENDERUTL_API void ngl_get_view_vector(_NgPoint3Str* vector);
+NRENDERUTL_API void ngl_get_view_x_vector(_NgPoint3Str* vector);
+NRENDERUTL_API void ngl_get_view_y_vector(_NgPoint3Str* vector);
+NRENDERUTL_API void ngl_get_viewport(int* x, int* y, int* width, int* height);
+NRENDERUTL_API void ngl_set_viewport(int x0, int y0, int x1, int y1);
+NRENDERUTL_API void ngl_get_camera_position(_NgPoint3Str* position);
+NRENDERUTL_API void ngl_set_camera_position(_NgPoint3Str* position);
+NRENDERUTL_API void ngl_get_std_matrices(double modelView[16], double projection[16], int viewport[4]);
+
+NRENDERUTL_API void ngl_transform_33(double x, double y, double z, double* sx, double* sy, double* sz);
+NRENDERUTL_API void ngl_transform_33_s(_NgPoint3Str* point, _NgPoint3Str* screen);
+NRENDERUTL_API void ngl_transform_32(double x, double y, double z, double* sx, double* sy);
+NRENDERUTL_API void ngl_transform_32_s(_NgPoint3Str* point, _NgPoint2Str* screen);
+NRENDERUTL_API void ngl_transform_33_s_with_mat(_NgPoint3Str* point, double modelView[16], double projection[16],
+                                                int viewport[4], _NgPoint3Str* screen);
+NRENDERUTL_API double UtlTransform33Zp(_NgPoint3Str* point, double matrix[4][4]);
+NRENDERUTL_API void ngl_convert_model_to_ortho(_NgPoint3Str* model, _NgPoint3Str* ortho);
+NRENDERUTL_API void ngl_convert_ortho_to_model(_NgPoint3Str* ortho, _NgPoint3Str* model);
+NRENDERUTL_API void ngl_convert_screen_to_model(int sx, int sy, int sz, _NgPoint3Str* model);
+NRENDERUTL_API void ngl_convert_screen_to_view(int sx, int sy, double* vx, double* vy);
+NRENDERUTL_API void ngl_convert_view_to_screen(double vx, double vy, int* sx, int* sy);
+NRENDERUTL_API int NglGetViewVector(int sx, int sy, double* px, double* py, double* pz, double* qx, double* qy,
+                                    double* qz);
+NRENDERUTL_API int ngl_get_3D_clip_pt_at_given_depth(_NgPoint3Str* point, double* depth, _NgPoint3Str* out);
+NRENDERUTL_API void ngl_get_offset_pt_in_screen(_NgPoint3Str* point, int dx, int dy, _NgPoint3Str* out);
+NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy, _NgPoint3Str* out);
+
+// --- framebuffers -------------------------------------------------------------------------------------------
+
+NRENDERUTL_API int NglCreateFBO(unsigned int width, unsigned int height, unsigned int format, unsigned int type,
+                                _NglFBOInfoStr* info);
+NRENDERUTL_API int NglDestroyFBO(_NglFBOInfoStr* info);
+NRENDERUTL_API void NglBindFrameBuffer(unsigned int framebuffer);
+NRENDERUTL_API int NglGetBoundFBO();
+NRENDERUTL_API int NglReadPixelsFromFBO(int x, int y, int width, int height, unsigned int format,
+                                        unsigned int type, void* pixels);
+
+// --- clip planes, lights, depth -----------------------------------------------------------------------------
+
+NRENDERUTL_API void NglRegisterLoadClipPlaneFunc(NglClipPlaneFunc func);
+NRENDERUTL_API void NglRegisterUnloadClipPlaneFunc(NglClipPlaneFunc func);
+NRENDERUTL_API int ngl_load_clip_planes();
+NRENDERUTL_API int ngl_unload_clip_planes();
+
+NRENDERUTL_API void ngl_enable_light();
+NRENDERUTL_API void ngl_disable_light();
+NRENDERUTL_API int ngl_is_light_enabled();
+NRENDERUTL_API int ngl_enable_given_light(int light);
+NRENDERUTL_API int ngl_disable_given_light(int light);
+NRENDERUTL_API void ngl_enable_depth_test();
+NRENDERUTL_API void ngl_disable_depth_test();
+NRENDERUTL_API int ngl_is_depth_test_enabled();
+
+// --- contour texture ----------------------------------------------------------------------------------------
+
+NRENDERUTL_API void NglRegisterGetActiveTextureAttribProc(NglGetActiveTextureAttribProc proc);
+NRENDERUTL_API void NglSetActiveTextureInfo(unsigned int unit, float a, float b);
+NRENDERUTL_API RenderTextureAttributes* NglGetActiveTextureInfo();
+NRENDERUTL_API int NglEnableTexture(int target);
+NRENDERUTL_API void NglDisableTexture(int target);
+NRENDERUTL_API void NglSetActiveTextureUnit(unsigned int unit);
+NRENDERUTL_API void NglWrapBindTexture(int target, unsigned int texture);
+NRENDERUTL_API void NglWrapEnableTexture(int target);
+NRENDERUTL_API void NglWrapDisableTexture(int target);
+NRENDERUTL_API void NglWrapSetTextureColor(float s, float t);

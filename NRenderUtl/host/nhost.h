@@ -1,0 +1,121 @@
+// What the library needs from its host application: messages, diagnostics, settings, memory and images, each
+// with a working default that an embedding application may replace.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "NRenderUtl/ntypes.h"
+
+/// Kind of a console message.
+enum NHostMessageKind {
+    NHostMessageNote = 0,   ///< a refusal or a data problem
+    NHostMessageAdvice = 1, ///< advice to the user, such as a driver update
+    NHostMessageStatus = 2, ///< a decision taken, or a driver's own log
+};
+
+/// Level of a posted diagnostic.
+enum NHostDiagnosticLevel {
+    NHostDiagnosticMisuse = 1, ///< the interface was called in the wrong order or state
+    NHostDiagnosticCount = 2,  ///< house-keeping figures
+};
+
+/// Services that the host may supply. A null member keeps the library's default. All texts are UTF-8.
+struct NHostServices {
+    void* context; ///< handed back as first argument of every function
+
+    /// Shows a console message; kind is an NHostMessageKind. Default: standard error.
+    void (*message)(void* context, int kind, const char* text);
+    /// Receives a diagnostic; level is an NHostDiagnosticLevel. Default: standard error.
+    void (*diagnostic)(void* context, int level, const char* text);
+    /// Value of a named setting, or null where the host has none (the environment is asked next).
+    const char* (*setting)(void* context, const char* name);
+
+    /// Memory, given and taken back together: both members or neither. allocate may return null.
+    void* (*allocate)(void* context, std::size_t bytes, const char* file, int line);
+    void (*release)(void* context, void* block);
+
+    /// Images, all three members or none. Rows run from top to bottom, channels interleaved; null on failure.
+    unsigned char* (*loadImage)(void* context, const char* path, int channels, int* width, int* height);
+    float* (*loadFloatImage)(void* context, const char* path, int channels, int* width, int* height);
+    void (*freeImage)(void* context, void* pixels);
+};
+
+/// Installs the host's services; null restores every default. The record is copied.
+/// Returns 0; -1, with nothing changed, when only a part of the memory or image functions is given or when
+/// memory functions would change while blocks of the library are alive.
+NRENDERUTL_API int NHostSetServices(const NHostServices* services);
+
+/// Allocates a block tagged with its source position; null when there is no memory. Free it with NHostFree.
+NRENDERUTL_API void* NHostAllocate(std::size_t bytes, const char* file, int line);
+/// Frees a block of NHostAllocate; null is ignored.
+NRENDERUTL_API void NHostFree(void* block);
+/// Number of blocks allocated through NHostAllocate and not yet freed.
+NRENDERUTL_API std::size_t NHostLiveBlocks();
+/// Posts one diagnostic per live block of the default allocator: its size, file and line. Returns their number.
+NRENDERUTL_API std::size_t NHostReportLiveBlocks();
+
+/// Allocation tagged with the caller's file and line.
+#define NHOST_ALLOCATE(bytes) NHostAllocate((bytes), __FILE__, __LINE__)
+
+/// Turns on the console message that is written when the library is detached while the process still runs.
+NRENDERUTL_API void NHostEnableUnloadWarning(bool enable);
+
+/// Anchor that keeps the library mapped for the life of the process; it does nothing.
+extern "C" NRENDERUTL_API void __localFnToKeepNRenderUtlDllLoaded();
+
+/// Wide string of the interface. Narrow text is UTF-8; bytes that are not become U+FFFD.
+class NRENDERUTL_API GuString {
+public:
+    GuString() = default;
+    GuString(const wchar_t* text);
+    GuString(std::wstring text);
+    GuString(const char* utf8);
+    GuString(std::string_view utf8);
+
+    bool IsEmpty() const { return m_text.empty(); }
+    std::size_t GetLength() const { return m_text.size(); }
+    const wchar_t* c_str() const { return m_text.c_str(); }
+    const std::wstring& Wide() const { return m_text; }
+    std::string Utf8() const;
+
+    GuString& operator+=(const GuString& tail);
+    friend GuString operator+(GuString head, const GuString& tail) { return head += tail; }
+    friend bool operator==(const GuString&, const GuString&) = default;
+
+private:
+    std::wstring m_text;
+};
+
+/// A file name: a GuString with path operations.
+class NRENDERUTL_API GuStringFileName : public GuString {
+public:
+    using GuString::GuString;
+    GuStringFileName() = default;
+    GuStringFileName(const GuString& text) : GuString(text) {}
+
+    /// The name with both kinds of separator made the platform's own, and ".", ".." and doubled separators resolved.
+    GuStringFileName Normalized() const;
+    bool Exists() const;
+};
+
+/// Strict weak order of strings: code point by code point, case matters.
+struct NRENDERUTL_API GuStringPredicate {
+    bool operator()(const GuString& a, const GuString& b) const;
+};
+
+/// An error that a function returns. A null NErrorPtr means success.
+class NRENDERUTL_API NError {
+public:
+    explicit NError(GuString text);
+    const wchar_t* GetText() const { return m_text.c_str(); }
+    const char* GetTextUtf8() const { return m_utf8.c_str(); }
+
+private:
+    GuString m_text;
+    std::string m_utf8;
+};
+using NErrorPtr = std::unique_ptr<NError>;

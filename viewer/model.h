@@ -1,0 +1,80 @@
+// A finite-element model as read from a file: nodes, elements and result fields. Checked when it is made.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nruview {
+
+using Point = std::array<double, 3>;
+
+/// Element shapes; the node order of each is VTK's (https://docs.vtk.org, file formats).
+enum class CellType : std::uint8_t {
+    Vertex,
+    Line,
+    Line3, ///< two ends, then the middle
+    PolyLine,
+    Triangle,
+    Triangle6,
+    Triangle7,
+    Quad,
+    Quad8,
+    Quad9,
+    Polygon,
+    TriangleStrip,
+    Pixel,
+    Tetra,
+    Tetra10,
+    Voxel,
+    Hexa,
+    Hexa20,
+    Hexa27,
+    Wedge,
+    Wedge15,
+    Wedge18,
+    Pyramid,
+    Pyramid13,
+};
+
+enum class FieldLocation : std::uint8_t { Node, Cell };
+
+/// One result field: components values for every node or cell, interleaved.
+struct Field {
+    std::string name;
+    FieldLocation location = FieldLocation::Node;
+    int components = 1;
+    std::vector<double> values;
+};
+
+/// Nodes, cells and fields. Cell i has nodes connectivity[offsets[i]] to connectivity[offsets[i + 1] - 1].
+struct Model {
+    std::vector<Point> nodes;
+    std::vector<CellType> types;
+    std::vector<std::uint32_t> offsets{0};
+    std::vector<std::uint32_t> connectivity;
+    std::vector<Field> fields;
+    std::vector<std::string> notes; ///< what was skipped on reading, a line each
+
+    std::size_t cellCount() const { return types.size(); }
+    std::span<const std::uint32_t> cellNodes(std::size_t cell) const {
+        return {connectivity.data() + offsets[cell], offsets[cell + 1] - offsets[cell]};
+    }
+    void addCell(CellType type, std::span<const std::uint32_t> cellNodes);
+};
+
+/// Number of nodes of a cell type; 0 for the types of any number.
+int nodeCount(CellType type);
+std::string_view cellTypeName(CellType type);
+
+/// Throws ViewerError(subject, ...) when indices, counts or coordinates are out of order: a node index out of range, a
+/// wrong number of nodes, a field of wrong length, NaN or infinite coordinates, no nodes at all.
+void checkModel(const Model& model, const std::string& subject);
+
+/// Reads a .vtu or .vtk file; throws ViewerError naming the file and the reason.
+Model readModel(const std::string& path);
+
+} // namespace nruview

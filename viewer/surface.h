@@ -1,0 +1,35 @@
+// The drawable skin of a model: outer faces of solids, faces of shells, lines of beams, single points.
+#pragma once
+
+#include "viewer/model.h"
+
+namespace nruview {
+
+/// Triangles and quads with the cell each belongs to. Quadratic faces are split at their mid-side nodes, polygons into
+/// triangles; every node is a node of the model but for the centres of quadratic quads without one (see centres).
+struct Surface {
+    std::vector<std::array<std::uint32_t, 3>> triangles;
+    std::vector<std::array<std::uint32_t, 4>> quads;
+    std::vector<std::uint32_t> triangleCells; ///< cell of each triangle
+    std::vector<std::uint32_t> quadCells;
+    std::vector<std::array<std::uint32_t, 2>> lines; ///< pieces of beams and polylines
+    std::vector<std::uint32_t> lineCells;
+    std::vector<std::uint32_t> points; ///< single-node elements
+    std::vector<std::uint32_t> pointCells;
+    /// Outlines of the faces as the elements have them: pairs of nodes, each once, mid-side pieces included, no inner
+    /// edge of a split.
+    std::vector<std::array<std::uint32_t, 2>> edges;
+    std::size_t faceCount = 0; ///< element faces before splitting
+
+    /// Additional points: point nodeCount + i is the mean of the nodes of centres[i], with the shape-function weights.
+    struct Centre {
+        std::array<std::uint32_t, 8> nodes;
+        std::array<double, 8> weights;
+    };
+    std::vector<Centre> centres;
+};
+
+/// Outer faces point outward, shell faces keep their own order.
+Surface extractSurface(const Model& model);
+
+} // namespace nruview
