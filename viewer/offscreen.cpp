@@ -1,5 +1,5 @@
-// EGL surfaceless context. libepoxy has no provider for the core platform entry point before eglInitialize, so the
-// EXT one is used.
+// EGL surfaceless context. libepoxy has no provider for the core platform entry point before eglInitialize,
+// so the EXT one is used.
 #include "viewer/offscreen.h"
 
 #include <epoxy/egl.h>
@@ -12,7 +12,8 @@ namespace {
 
 EGLDisplay openDisplay() {
     if (epoxy_has_egl_extension(EGL_NO_DISPLAY, "EGL_MESA_platform_surfaceless")) {
-        EGLDisplay display = eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+        EGLDisplay display =
+            eglGetPlatformDisplayEXT(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
         if (display != EGL_NO_DISPLAY && eglInitialize(display, nullptr, nullptr))
             return display;
     }
@@ -49,10 +50,22 @@ std::string OffscreenContext::create(int width, int height) {
         return "no EGL display could be opened";
     if (!eglBindAPI(EGL_OPENGL_API))
         return "EGL offers no OpenGL";
-    const std::array<EGLint, 17> wanted = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT,
-                                           EGL_RED_SIZE,     8,               EGL_GREEN_SIZE,      8,
-                                           EGL_BLUE_SIZE,    8,               EGL_ALPHA_SIZE,      8,
-                                           EGL_DEPTH_SIZE,   24,              EGL_STENCIL_SIZE,    8,
+    const std::array<EGLint, 17> wanted = {EGL_SURFACE_TYPE,
+                                           EGL_PBUFFER_BIT,
+                                           EGL_RENDERABLE_TYPE,
+                                           EGL_OPENGL_BIT,
+                                           EGL_RED_SIZE,
+                                           8,
+                                           EGL_GREEN_SIZE,
+                                           8,
+                                           EGL_BLUE_SIZE,
+                                           8,
+                                           EGL_ALPHA_SIZE,
+                                           8,
+                                           EGL_DEPTH_SIZE,
+                                           24,
+                                           EGL_STENCIL_SIZE,
+                                           8,
                                            EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
@@ -61,7 +74,8 @@ std::string OffscreenContext::create(int width, int height) {
     const std::array<EGLint, 5> size = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
     m_surface = eglCreatePbufferSurface(m_display, config, size.data());
     if (m_surface == EGL_NO_SURFACE)
-        return "EGL cannot make a surface of " + std::to_string(width) + " x " + std::to_string(height) + " pixels";
+        return "EGL cannot make a surface of " + std::to_string(width) + " x " + std::to_string(height) +
+               " pixels";
     m_context = createContext(m_display, config);
     if (m_context == EGL_NO_CONTEXT)
         return "EGL cannot make an OpenGL compatibility context";

@@ -13,7 +13,8 @@ public:
     OffscreenContext(const OffscreenContext&) = delete;
     OffscreenContext& operator=(const OffscreenContext&) = delete;
 
-    /// Makes the context and its surface, of a size in pixels, current. Returns an empty text, or the reason why not.
+    /// Makes the context and its surface, of a size in pixels, current. Returns an empty text, or the reason
+    /// why not.
     std::string create(int width, int height);
     void destroy();
 

@@ -68,9 +68,9 @@ PictureDifference compare(const Picture& a, const Picture& b) {
     const PictureDifference d = compare(a, b);
     if (d.largest <= tolerance)
         return ::testing::AssertionSuccess();
-    return ::testing::AssertionFailure() << d.pixels << " pixels differ, worst by " << d.largest << " at (" << d.x
-                                         << ", " << d.y << "): " << hex(a.at(d.x, d.y)) << " against "
-                                         << hex(b.at(d.x, d.y));
+    return ::testing::AssertionFailure()
+           << d.pixels << " pixels differ, worst by " << d.largest << " at (" << d.x << ", " << d.y
+           << "): " << hex(a.at(d.x, d.y)) << " against " << hex(b.at(d.x, d.y));
 }
 
 std::string hex(std::uint32_t color) {

@@ -1,4 +1,5 @@
-// Fixture of every test that draws: an off-screen context per case and a trap for GL errors, with pixel helpers.
+// Fixture of every test that draws: an off-screen context per case and a trap for GL errors, with pixel
+// helpers.
 #pragma once
 
 #include <epoxy/gl.h>

@@ -1,5 +1,5 @@
-// Processes for tests: a program with its output captured, and the running case again under another environment,
-// to meet a driver without a feature or a setting that is read at load.
+// Processes for tests: a program with its output captured, and the running case again under another
+// environment, to meet a driver without a feature or a setting that is read at load.
 #pragma once
 
 #include <string>
@@ -19,8 +19,8 @@ struct ProcessResult {
 ProcessResult runProgram(const std::vector<std::string>& command, const Environment& environment = {});
 
 /// First line of a case that needs another environment: `if (ranInSubprocess({{"NAME", "value"}})) return;`.
-/// In the test's own process it runs the case again with these variables, expects it to pass, and returns true; in the
-/// process so started it returns false, and the case goes on.
+/// In the test's own process it runs the case again with these variables, expects it to pass, and returns
+/// true; in the process so started it returns false, and the case goes on.
 bool ranInSubprocess(const Environment& environment);
 
 } // namespace nrutest

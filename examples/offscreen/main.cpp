@@ -1,0 +1,107 @@
+// The smallest host: makes an OpenGL context without a window, hands its view to the library, lets it draw a
+// mesh, and writes the picture. Usage: offscreen FILE.ppm
+#include <NRenderUtl/NRenderUtl.h>
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+#include <GL/gl.h>
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int kSize = 256;
+
+// 1. The host owns the context.
+bool makeContext() {
+    const auto getDisplay =
+        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
+    EGLDisplay display = getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
+    if (!eglInitialize(display, nullptr, nullptr) || !eglBindAPI(EGL_OPENGL_API))
+        return false;
+    const EGLint wanted[] = {
+        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_DEPTH_SIZE, 24, EGL_NONE};
+    const EGLint size[] = {EGL_WIDTH, kSize, EGL_HEIGHT, kSize, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    if (!eglChooseConfig(display, wanted, &config, 1, &count) || count == 0)
+        return false;
+    EGLSurface surface = eglCreatePbufferSurface(display, config, size);
+    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+    return eglMakeCurrent(display, surface, surface, context);
+}
+
+// 2. The host sets its view up in OpenGL and lets the library read it back.
+void setView() {
+    NglInitGLExtensions();
+    glViewport(0, 0, kSize, kSize);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(-1, 1, -1, 1, -2, 2);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glRotated(-60, 1, 0, 0);
+    glRotated(30, 0, 0, 1);
+    NglSetWindowBackGroundColor(0x00FFFFFF);
+    NglUpdateColor(NglMaxColor, NglGetColors());
+    NglUpdateNglInfo();
+}
+
+// 3. The library draws: a pyramid with its edges.
+void drawMesh() {
+    double coords[] = {-0.6, -0.6, 0, 0.6, -0.6, 0, 0.6, 0.6, 0, -0.6, 0.6, 0, 0, 0, 0.8};
+    unsigned int sides[] = {0, 1, 4, 1, 2, 4, 2, 3, 4, 3, 0, 4};
+    unsigned int base[] = {0, 3, 2, 1};
+    _NgMeshStr* mesh = ngl_create_mesh(5, coords, nullptr, 0, 0, 1);
+    ngl_add_connect(mesh, 4, 3, sides, 1);
+    ngl_add_connect(mesh, 1, 4, base, 1);
+    glEnable(GL_DEPTH_TEST);
+    glEnable(GL_COLOR_MATERIAL);
+    glEnable(GL_LIGHT0);
+    ngl_set_color(10);
+    ngl_mesh(mesh, NglMeshFaces | NglMeshFlat);
+    ngl_set_color(0);
+    ngl_mesh(mesh, NglMeshEdges | NglMeshFlat);
+    NglDestroyMesh(mesh);
+    NHostFree(mesh);
+}
+
+// 4. The host takes the picture. Returns how many pixels differ from the background.
+int writePicture(const char* path) {
+    std::vector<unsigned char> pixels(kSize * kSize * 3);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadPixels(0, 0, kSize, kSize, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    std::FILE* file = std::fopen(path, "wb");
+    if (file == nullptr)
+        return 0;
+    std::fprintf(file, "P6\n%d %d\n255\n", kSize, kSize);
+    int drawn = 0;
+    for (int y = kSize - 1; y >= 0; --y)
+        for (int x = 0; x < kSize; ++x) {
+            const unsigned char* pixel = &pixels[(y * kSize + x) * 3];
+            drawn += pixel[0] != 255 || pixel[1] != 255 || pixel[2] != 255;
+            std::fwrite(pixel, 1, 3, file);
+        }
+    return std::fclose(file) == 0 ? drawn : 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s FILE.ppm\n", argv[0]);
+        return 2;
+    }
+    if (!makeContext()) {
+        std::fprintf(stderr, "%s: no OpenGL context\n", argv[0]);
+        return 2;
+    }
+    setView();
+    glClearColor(1, 1, 1, 1);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    drawMesh();
+    const int drawn = writePicture(argv[1]);
+    std::printf("%s: %d pixels drawn\n", argv[1], drawn);
+    return drawn > 0 ? 0 : 1;
+}
