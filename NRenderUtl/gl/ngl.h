@@ -193,70 +193,132 @@ NRENDERUTL_API int ngl_get_blending_value();
 NRENDERUTL_API NgColorLong VbNglGetColorFromRGB(int red, int green, int blue);
 NRENDERUTL_API void VbNglGetRGBAFromColor(NgColorLong color, int* red, int* green, int* blue, int* alpha);
 
-// --- matrix stack and view point ----------------------------------------------------------------------------
+// --- matrix stack and view point
+// ---------------------------------------------------------------------------- Matrices are 16 doubles in
+// OpenGL's column-major order. What touches GL needs the host's context and leaves model-view mode selected.
+// "The record follows" means that the record's model-view takes part, which it does only while the
+// being-drawn flag is clear and the setting NU_UPDATE_NGLMAT_ON_PICK (default true, read when the library is
+// loaded) is on; its inverse and single-precision copies never follow.
 
+/// Push and pop GL's model-view matrix, counted by NglGetPushCount. The record follows through a shadow
+/// stack, so that a pop also restores its model-view; pushes and pops must pair, also across changes of the
+/// being-drawn flag. A pop without a push is GL's error, and leaves the record's matrix as it is.
 NRENDERUTL_API void ngl_push_3d_matrix();
 NRENDERUTL_API void ngl_pop_3d_matrix();
+/// Push and pop GL's projection and model-view matrices. Non-zero flag: the record's matrices count as no
+/// longer current in GL.
 NRENDERUTL_API void ngl_push_view_matrices(int flag);
 NRENDERUTL_API void ngl_pop_view_matrices(int flag);
+/// Change GL's model-view matrix, and the record's with it where it follows: times a matrix; the record's
+/// model-view times a matrix; times the record's inverse model-view, which cancels the view.
+/// ngl_init_3d_matrix loads the record's model-view into GL. The argument may be the record's own matrix.
 NRENDERUTL_API void ngl_mult_3d_matrix(double matrix[4][4]);
 NRENDERUTL_API void ngl_set_3d_matrix(double matrix[4][4]);
 NRENDERUTL_API void ngl_init_3d_matrix();
 NRENDERUTL_API void ngl_nullify_view();
+/// Multiply GL's model-view matrix alone; the record does not follow. The angle is in degrees about the axis
+/// 'X', 'Y' or 'Z' (or lower case); for any other letter GL is given a zero axis.
 NRENDERUTL_API void ngl_rotate_3d(double angle, int axis);
 NRENDERUTL_API void ngl_scale_3d(double x, double y, double z);
 NRENDERUTL_API void ngl_translate_3d(double x, double y, double z);
+/// Write out, in this order: the record's model-view; the same without its translation; the view matrix,
+/// which stays the identity; GL's live model-view (the spelling is the interface's own).
 NRENDERUTL_API void ngl_get_3d_matrix(double matrix[4][4]);
 NRENDERUTL_API void ngl_get_global_matrix(double matrix[4][4]);
 NRENDERUTL_API void ngl_get_view_matrix(double matrix[4][4]);
 NRENDERUTL_API void nglGetSilhoutteMatrix(double matrix[4][4]);
+/// Pushes of ngl_push_3d_matrix in force since a record was loaded.
 NRENDERUTL_API int NglGetPushCount();
+/// The record's push delta: the model-space offset of one view-point push.
 NRENDERUTL_API void NglGetPushDelta(_NgPoint3Str* delta);
 
+/// Move GL's model-view towards the viewer by the record's push delta, so that what is drawn next lies on
+/// top, and back again; the record counts the pushes in force. NglResetViewPush undoes all of them.
 NRENDERUTL_API void UtlPushViewPoint();
 NRENDERUTL_API void UtlPopViewPoint();
+NRENDERUTL_API void NglResetViewPush();
+/// The same by a model-space offset of the caller's, uncounted.
 NRENDERUTL_API void UtlPushViewPointDelta(_NgPoint3Str* delta);
 NRENDERUTL_API void UtlPopViewPointDelta(_NgPoint3Str* delta);
-NRENDERUTL_API void NglResetViewPush();
+/// Writes n times the push delta of the live GL matrices, viewport and depth buffer.
 NRENDERUTL_API void UtlComputeViewDelta(_NgPoint3Str* delta, int n);
 
-// --- view queries and conversions ---------------------------------------------------------------------------
+// --- view queries and conversions
+// --------------------------------------------------------------------------- The record's viewport (x, y, w,
+// h): the third and fourth values are the right and top edges throughout this group, so that widths are w -
+// x, heights h - y, and the window y of a screen point is h - sy. Screen points are in pixels, y downward;
+// window points are OpenGL's, y upward, with depth 0 to 1 (GLU is given the viewport as it is); view (or
+// ortho) space is model space after the model-view matrix. Nothing here needs a context but what says "live",
+// which reads GL's matrices and viewport. A point without an image (on the eye plane, singular matrices) is
+// projected to window (0, 0, 0). A viewport without width or height divides by zero. In and out may be the
+// same point.
 
+/// The record's orthographic box, in model space.
 NRENDERUTL_API void ngl_get_ortho_2d(double* minX, double* minY, double* maxX, double* maxY);
 NRENDERUTL_API void ngl_get_ortho_3d(double* minX, double* minY, double* minZ, double* maxX, double* maxY,
                                      double* maxZ);
 NRENDERUTL_API void ngl_get_ortho_3d_p(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
+/// Model-space length of one pixel by the record.
 NRENDERUTL_API void ngl_get_ortho_scale(double* scale);
+/// The same at a model point: in a perspective view with a camera, a thousandth of the view's height at the
+/// point's distance from the camera. A camera within 9.87654321e-36 of that value in each coordinate is
+/// unset.
 NRENDERUTL_API double ngl_get_ortho_scale_given_point(_NgPoint3Str* point);
+/// Model-space distance between the window points (1, 0, 0) and (distance, 0, 0), by the record's
+/// single-precision matrices. 0 or NaN counts as 10.
 NRENDERUTL_API double ngl_get_model_dist_for_screen_distance(double distance);
+/// Writes the orthographic box of the live matrices; meaningful for orthographic projections. Returns 0.
 NRENDERUTL_API int ngl_compute_current_ortho_3d(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
+/// Writes a tenth of the live model-space distance from window (1, 0, 0) to (10, 0, 0), rounded to float:
+/// nine tenths of a pixel.
 NRENDERUTL_API void UtlRecomputeOrthoScale(double* scale);
+/// The record's unit vectors, model space: of increasing depth, rightward, upward.
 NRENDERUTL_API void ngl_get_view_vector(_NgPoint3Str* vector);
 NRENDERUTL_API void ngl_get_view_x_vector(_NgPoint3Str* vector);
 NRENDERUTL_API void ngl_get_view_y_vector(_NgPoint3Str* vector);
+/// The record's viewport.
 NRENDERUTL_API void ngl_get_viewport(int* x, int* y, int* width, int* height);
+/// Sets GL's viewport, in pixels, from two corners; the record keeps its own. Without width or height nothing
+/// happens; a negative size is GL's to refuse.
 NRENDERUTL_API void ngl_set_viewport(int x0, int y0, int x1, int y1);
+/// The record's camera position, model space.
 NRENDERUTL_API void ngl_get_camera_position(_NgPoint3Str* position);
 NRENDERUTL_API void ngl_set_camera_position(_NgPoint3Str* position);
+/// The live matrices, column-major, and viewport.
 NRENDERUTL_API void ngl_get_std_matrices(double modelView[16], double projection[16], int viewport[4]);
 
+/// Model point to screen point (y downward) by the record, with window depth or without.
 NRENDERUTL_API void ngl_transform_33(double x, double y, double z, double* sx, double* sy, double* sz);
 NRENDERUTL_API void ngl_transform_33_s(_NgPoint3Str* point, _NgPoint3Str* screen);
 NRENDERUTL_API void ngl_transform_32(double x, double y, double z, double* sx, double* sy);
 NRENDERUTL_API void ngl_transform_32_s(_NgPoint3Str* point, _NgPoint2Str* screen);
-NRENDERUTL_API void ngl_transform_33_s_with_mat(_NgPoint3Str* point, double modelView[16], double projection[16],
-                                                int viewport[4], _NgPoint3Str* screen);
+/// Model point to window point (y upward, the viewport's width and height as OpenGL means them) by given
+/// column-major matrices.
+NRENDERUTL_API void ngl_transform_33_s_with_mat(_NgPoint3Str* point, double modelView[16],
+                                                double projection[16], int viewport[4], _NgPoint3Str* screen);
+/// The z of a point transformed by a column-major matrix.
 NRENDERUTL_API double UtlTransform33Zp(_NgPoint3Str* point, double matrix[4][4]);
+/// Model space to view space by the record's model-view, and back by its inverse, computed on each call.
 NRENDERUTL_API void ngl_convert_model_to_ortho(_NgPoint3Str* model, _NgPoint3Str* ortho);
 NRENDERUTL_API void ngl_convert_ortho_to_model(_NgPoint3Str* ortho, _NgPoint3Str* model);
+/// Live window point (y upward, sz a depth of 0 or 1) to model space.
 NRENDERUTL_API void ngl_convert_screen_to_model(int sx, int sy, int sz, _NgPoint3Str* model);
+/// Screen point to the record's orthographic box and back; the way back truncates towards zero.
 NRENDERUTL_API void ngl_convert_screen_to_view(int sx, int sy, double* vx, double* vy);
 NRENDERUTL_API void ngl_convert_view_to_screen(double vx, double vy, int* sx, int* sy);
-NRENDERUTL_API int NglGetViewVector(int sx, int sy, double* px, double* py, double* pz, double* qx, double* qy,
-                                    double* qz);
+/// The ray through a screen point by the record, in model space: p at depth 0, and q at depth 1 in a
+/// perspective view or p plus the unit view vector in an orthographic one. Returns 0.
+NRENDERUTL_API int NglGetViewVector(int sx, int sy, double* px, double* py, double* pz, double* qx,
+                                    double* qy, double* qz);
+/// Model point that the live view shows where it shows `point`, at window depth *depth. Returns 0.
 NRENDERUTL_API int ngl_get_3D_clip_pt_at_given_depth(_NgPoint3Str* point, double* depth, _NgPoint3Str* out);
+/// Model point dx pixels left of and dy pixels above a model point on the screen, which is taken at whole
+/// pixels, and in the plane through that point across the ray.
 NRENDERUTL_API void ngl_get_offset_pt_in_screen(_NgPoint3Str* point, int dx, int dy, _NgPoint3Str* out);
-NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy, _NgPoint3Str* out);
+/// Model point under a screen point, in the plane through a reference point across the ray. Returns 1; 0,
+/// with the reference point as result, when the ray has no direction.
+NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy,
+                                                    _NgPoint3Str* out);
 
 // --- framebuffers -------------------------------------------------------------------------------------------
 
