@@ -193,12 +193,11 @@ NRENDERUTL_API int ngl_get_blending_value();
 NRENDERUTL_API NgColorLong VbNglGetColorFromRGB(int red, int green, int blue);
 NRENDERUTL_API void VbNglGetRGBAFromColor(NgColorLong color, int* red, int* green, int* blue, int* alpha);
 
-// --- matrix stack and view point
-// ---------------------------------------------------------------------------- Matrices are 16 doubles in
-// OpenGL's column-major order. What touches GL needs the host's context and leaves model-view mode selected.
-// "The record follows" means that the record's model-view takes part, which it does only while the
-// being-drawn flag is clear and the setting NU_UPDATE_NGLMAT_ON_PICK (default true, read when the library is
-// loaded) is on; its inverse and single-precision copies never follow.
+// --- matrix stack and view point ---------------------------------------------------------------------------
+// Matrices are 16 doubles in OpenGL's column-major order. What touches GL needs the host's context and leaves
+// model-view mode selected. "The record follows" means that the record's model-view takes part, which it does
+// only while the being-drawn flag is clear and the setting NU_UPDATE_NGLMAT_ON_PICK (default true, read when
+// the library is loaded) is on; its inverse and single-precision copies never follow.
 
 /// Push and pop GL's model-view matrix, counted by NglGetPushCount. The record follows through a shadow
 /// stack, so that a pop also restores its model-view; pushes and pops must pair, also across changes of the
@@ -243,15 +242,14 @@ NRENDERUTL_API void UtlPopViewPointDelta(_NgPoint3Str* delta);
 /// Writes n times the push delta of the live GL matrices, viewport and depth buffer.
 NRENDERUTL_API void UtlComputeViewDelta(_NgPoint3Str* delta, int n);
 
-// --- view queries and conversions
-// --------------------------------------------------------------------------- The record's viewport (x, y, w,
-// h): the third and fourth values are the right and top edges throughout this group, so that widths are w -
-// x, heights h - y, and the window y of a screen point is h - sy. Screen points are in pixels, y downward;
-// window points are OpenGL's, y upward, with depth 0 to 1 (GLU is given the viewport as it is); view (or
-// ortho) space is model space after the model-view matrix. Nothing here needs a context but what says "live",
-// which reads GL's matrices and viewport. A point without an image (on the eye plane, singular matrices) is
-// projected to window (0, 0, 0). A viewport without width or height divides by zero. In and out may be the
-// same point.
+// --- view queries and conversions --------------------------------------------------------------------------
+// The record's viewport (x, y, w, h): the third and fourth values are the right and top edges throughout this
+// group, so that widths are w - x, heights h - y, and the window y of a screen point is h - sy. Screen points
+// are in pixels, y downward; window points are OpenGL's, y upward, with depth 0 to 1 (GLU is given the
+// viewport as it is); view (or ortho) space is model space after the model-view matrix. Nothing here needs a
+// context but what says "live", which reads GL's matrices and viewport. A point without an image (on the eye
+// plane, singular matrices) is projected to window (0, 0, 0). A viewport without width or height divides by
+// zero. In and out may be the same point.
 
 /// The record's orthographic box, in model space.
 NRENDERUTL_API void ngl_get_ortho_2d(double* minX, double* minY, double* maxX, double* maxY);
