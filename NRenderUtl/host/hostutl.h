@@ -29,10 +29,12 @@ std::optional<int> hostEnvironmentInt(const char* name);
 /// Narrow (UTF-8) to wide and back; ill-formed input becomes U+FFFD.
 std::wstring hostWiden(std::string_view utf8);
 std::string hostNarrow(std::wstring_view wide);
-/// Leading decimal number of a wide text as a float, as wcstof reads it in the C locale; 0 when there is none.
+/// Leading decimal number of a wide text as a float, as wcstof reads it in the C locale; 0 when there is
+/// none.
 float hostWideToFloat(const wchar_t* text);
 
-/// Last-modification time of a file in nanoseconds of the file system's clock; nothing when it cannot be read.
+/// Last-modification time of a file in nanoseconds of the file system's clock; nothing when it cannot be
+/// read.
 std::optional<std::int64_t> hostFileDate(const GuStringFileName& path);
 
 /// The process-wide switch that suppresses prompts.

@@ -55,7 +55,8 @@ NRENDERUTL_API void* NHostAllocate(std::size_t bytes, const char* file, int line
 NRENDERUTL_API void NHostFree(void* block);
 /// Number of blocks allocated through NHostAllocate and not yet freed.
 NRENDERUTL_API std::size_t NHostLiveBlocks();
-/// Posts one diagnostic per live block of the default allocator: its size, file and line. Returns their number.
+/// Posts one diagnostic per live block of the default allocator: its size, file and line. Returns their
+/// number.
 NRENDERUTL_API std::size_t NHostReportLiveBlocks();
 
 /// Allocation tagged with the caller's file and line.
@@ -97,7 +98,8 @@ public:
     GuStringFileName() = default;
     GuStringFileName(const GuString& text) : GuString(text) {}
 
-    /// The name with both kinds of separator made the platform's own, and ".", ".." and doubled separators resolved.
+    /// The name with both kinds of separator made the platform's own, and ".", ".." and doubled separators
+    /// resolved.
     GuStringFileName Normalized() const;
     bool Exists() const;
 };
