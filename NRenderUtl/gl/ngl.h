@@ -1,12 +1,13 @@
-// The GL layer: the host's view record, colours, view state and conversions, framebuffers, clip planes, lights
-// and host callbacks. Every call comes from the thread that owns the current GL context.
+// The GL layer: the host's view record, colours, view state and conversions, framebuffers, clip planes,
+// lights and host callbacks. Every call comes from the thread that owns the current GL context.
 #pragma once
 
 #include "NRenderUtl/ntypes.h"
 
 class RenderTextureAttributes;
 
-// --- records ------------------------------------------------------------------------------------------------
+// --- records
+// ------------------------------------------------------------------------------------------------
 
 /// One fixed-function light.
 struct NglLightParams {
@@ -29,8 +30,8 @@ struct NglMatParams {
     float shininess;
 };
 
-/// The view record that host and library share. It is copied as one block, so field order and widths are part of
-/// the interface.
+/// The view record that host and library share. It is copied as one block, so field order and widths are part
+/// of the interface.
 struct _NglInfoStr {
     double modelView[4][4]; ///< column-major, as OpenGL returns it
     float modelViewF[4][4];
@@ -38,26 +39,26 @@ struct _NglInfoStr {
     float projectionF[4][4];
     float textureMatrix[4][4]; ///< written by NglEnableTexture
     double inverseModelView[4][4];
-    std::int32_t viewport[4];    ///< x, y, width, height in pixels
-    _NgPoint3Str viewY;          ///< unit vector, model space, up on the screen
-    _NgPoint3Str viewX;          ///< unit vector, model space, right on the screen
-    _NgPoint3Str view;           ///< unit vector, model space, of increasing window depth
-    _NgPoint3Str orthoMin;       ///< current orthographic box
+    std::int32_t viewport[4]; ///< x, y, width, height in pixels
+    _NgPoint3Str viewY;       ///< unit vector, model space, up on the screen
+    _NgPoint3Str viewX;       ///< unit vector, model space, right on the screen
+    _NgPoint3Str view;        ///< unit vector, model space, of increasing window depth
+    _NgPoint3Str orthoMin;    ///< current orthographic box
     _NgPoint3Str orthoMax;
-    float pixelSize;             ///< model-space length of one pixel
-    _NgPoint3Str screenOrigin;   ///< model point under window pixel (0, 0) at depth 0
-    std::int32_t colorCount;     ///< entries of palette
-    const NgColorLong* palette;  ///< the host's; null when it gave none
-    NgColorLong backgroundColor; ///< 0x00BBGGRR
-    std::int32_t reserved;       ///< not used by the library
-    std::int32_t colorIndex;     ///< becomes current when the record is loaded
+    float pixelSize;                   ///< model-space length of one pixel
+    _NgPoint3Str screenOrigin;         ///< model point under window pixel (0, 0) at depth 0
+    std::int32_t colorCount;           ///< entries of palette
+    const NgColorLong* palette;        ///< the host's; null when it gave none
+    NgColorLong backgroundColor;       ///< 0x00BBGGRR
+    std::int32_t reserved;             ///< not used by the library
+    std::int32_t colorIndex;           ///< becomes current when the record is loaded
     std::int32_t optimizedDisplayMode; ///< non-zero: ngl_mesh draws silhouette and feature edges only
-    _NgPoint3Str pushDelta;      ///< depth offset of the view-point pushes
-    std::int32_t transformed;    ///< 1 while a transformation lies on top of the view
-    std::int32_t perspective;    ///< 1 = perspective projection
-    std::int32_t noComplement;   ///< colour table: 0 complement table, 1 the record's palette
-    std::int32_t viewPushCount;  ///< view-point pushes in force
-    std::int32_t zoomedOrFit;    ///< set by the host after a zoom or fit
+    _NgPoint3Str pushDelta;            ///< depth offset of the view-point pushes
+    std::int32_t transformed;          ///< 1 while a transformation lies on top of the view
+    std::int32_t perspective;          ///< 1 = perspective projection
+    std::int32_t noComplement;         ///< colour table: 0 complement table, 1 the record's palette
+    std::int32_t viewPushCount;        ///< view-point pushes in force
+    std::int32_t zoomedOrFit;          ///< set by the host after a zoom or fit
     NglLightParams lights[8];
     NglMatParams frontMaterial;
     NglMatParams backMaterial;
@@ -66,13 +67,13 @@ struct _NglInfoStr {
 
 /// An off-screen framebuffer, filled by NglCreateFBO.
 struct _NglFBOInfoStr {
-    std::uint32_t* pixels;       ///< client buffer of width x height packed pixels, owned by the record
-    std::uint32_t framebuffer;   ///< GL name; 0 = none
+    std::uint32_t* pixels;     ///< client buffer of width x height packed pixels, owned by the record
+    std::uint32_t framebuffer; ///< GL name; 0 = none
     std::uint32_t colorTexture;
-    std::uint32_t depthTexture;  ///< depth and stencil
+    std::uint32_t depthTexture; ///< depth and stencil
     std::uint32_t width;
     std::uint32_t height;
-    std::uint32_t pixelCount;    ///< width x height
+    std::uint32_t pixelCount; ///< width x height
 };
 
 /// Callbacks of the host.
@@ -80,7 +81,8 @@ using NglPromptFunc = int (*)(const char* message);
 using NglClipPlaneFunc = int (*)();
 using NglGetActiveTextureAttribProc = RenderTextureAttributes* (*)(unsigned int unit, float a, float b);
 
-// --- scope objects ------------------------------------------------------------------------------------------
+// --- scope objects
+// ------------------------------------------------------------------------------------------
 
 /// Loads the host's clip planes for the length of a block.
 class NRENDERUTL_API NglLoadClipPlanes {
@@ -100,8 +102,8 @@ public:
     NglUnloadClipPlanes& operator=(const NglUnloadClipPlanes&) = delete;
 };
 
-/// Installs matrices (16 doubles each, column-major) for the length of a block, in GL and in the view record. It
-/// uses the save slot of NglPushNglInfo, so the two must not be nested.
+/// Installs matrices (16 doubles each, column-major) for the length of a block, in GL and in the view record.
+/// It uses the save slot of NglPushNglInfo, so the two must not be nested.
 class NRENDERUTL_API NglSetCustomMatrices {
 public:
     NglSetCustomMatrices(const double* projection, const double* modelView);
@@ -110,86 +112,150 @@ public:
     NglSetCustomMatrices& operator=(const NglSetCustomMatrices&) = delete;
 };
 
-// --- view record and initialisation -------------------------------------------------------------------------
+// --- view record and initialisation
+// -------------------------------------------------------------------------
 
+/// Reads what the current context can do. Returns 0. Call it once the first context is current.
 NRENDERUTL_API int NglInitGLExtensions();
+/// Whether the driver has framebuffer objects (EXT form), buffer objects, or all that the shader paths need:
+/// shader objects with GLSL 1.50, buffer objects and texture buffers. 0 before NglInitGLExtensions.
 NRENDERUTL_API int NglIsFBOSupported();
 NRENDERUTL_API int NglIsVBOSupported();
 NRENDERUTL_API int NglIsShaderSupported();
+/// Loads a record (not null): it is copied and its colour index becomes current. NglSetMatrices first loads
+/// its matrices and viewport into the current context and leaves the model-view mode selected;
+/// NglInitMatrices needs no context. Both return 0.
 NRENDERUTL_API int NglInitMatrices(_NglInfoStr* info);
 NRENDERUTL_API int NglSetMatrices(_NglInfoStr* info);
+/// The live record, to read and to write; valid for the life of the process.
 NRENDERUTL_API _NglInfoStr* NglGetNglInfo();
+/// Copies the live record into the one save slot, which a second push overwrites. Returns the live record.
 NRENDERUTL_API _NglInfoStr* NglPushNglInfo();
+/// Copies the save slot (zeros before the first push) back. GL's matrices stay as they are, but the line
+/// width becomes 1 and markers and managed text are refreshed.
 NRENDERUTL_API void NglPopNglInfo();
+/// Reads the record back from the current context: matrices, viewport, view vectors, box, pixel size, push
+/// delta, enabled lights and both materials. A disabled light keeps its values, a singular matrix its view
+/// vectors zero. Sets the colour index to -1 and the line width to 1; markers and managed text are refreshed.
 NRENDERUTL_API void NglUpdateNglInfo();
+/// Loads an identity model-view and an orthographic projection of one unit a pixel. Right and top edges are
+/// the viewport's width and height, also when it lies off the origin. Without both planes: near 0, far -1.
+/// Returns 0 and leaves the model-view mode selected.
 NRENDERUTL_API int ngl_initialize_view(double* nearPlane, double* farPlane);
 
+/// While set, matrix operations leave the record's model-view alone.
 NRENDERUTL_API void NglSetBeingDrawnState(bool beingDrawn);
 NRENDERUTL_API bool NglIsBeingDrawn();
+/// The record's marks: transformation on top of the view, perspective (exactly 1), after a zoom or fit.
 NRENDERUTL_API void NglSetTransformedState();
 NRENDERUTL_API void NglClearTransformedState();
 NRENDERUTL_API int NglIsTransformed();
 NRENDERUTL_API int NglIsPerspective();
 NRENDERUTL_API int NglIsZoomedOrFit();
+/// Mode numbers of the host. The view-operation mode is not part of the record.
 NRENDERUTL_API void NglSetOptimizedDisplayMode(int mode);
 NRENDERUTL_API int NglCheckOptimizedDisplayMode();
 NRENDERUTL_API void NglSetViewOperationMode(int mode);
 NRENDERUTL_API int NglIsViewOperationMode();
+/// Stores a mesh scale factor; its flag is 1 from a magnitude of 1e-7 on, else 0.
 NRENDERUTL_API void NglSetMeshScaleFactor(double factor);
+/// Writes the factor and returns the flag; sets both as given, without a threshold.
 NRENDERUTL_API int NglGetScaleFactorAndFlag(double* factor);
 NRENDERUTL_API void NglResetScaleFactorAndFlag(int flag, double factor);
 
+/// Prompt callbacks of the host; null keeps the one that is registered.
 NRENDERUTL_API void NglRegisterPromptFunction(NglPromptFunc func);
 NRENDERUTL_API void NglRegisterNoPumpPromptFunction(NglPromptFunc func);
+/// Pass a message to the prompt function and to the one that does not pump events. Nothing happens without
+/// one or while prompts are blocked.
 NRENDERUTL_API void PromptSetSimple(const char* message);
 NRENDERUTL_API void SetPromptNoUpdate(const char* message);
 NRENDERUTL_API void NglBlockPrompts();
 NRENDERUTL_API void NglUnBlockPrompts();
 
-// --- colours ------------------------------------------------------------------------------------------------
+// --- colours
+// ------------------------------------------------------------------------------------------------
+//
+// A colour is a palette index or a packed value. Index 32 is always the highlight colour and 33 the selection
+// colour. An index that the table in use does not have takes the entry of the library table, and from 256 on
+// white.
 
 /// Number of entries that NglSetColorScheme copies into the library table; 64 at start.
 extern NRENDERUTL_API std::int32_t NglMaxColor;
 
+/// Makes the colour of an index current in GL, with the blending alpha; index 15 is issued as 63, a negative
+/// one does nothing. The table is the complement table or, in no-complement mode, the record's palette, and
+/// the library's where there is none.
 NRENDERUTL_API void ngl_set_color(int index);
+/// ngl_set_color with the record's palette, whatever the mode.
 NRENDERUTL_API void ngl_set_color_no_complement(int index);
+/// The same as ngl_set_color.
 NRENDERUTL_API void ngl_set_color_based_on_win_color(int index);
+/// The index issued last (15 at start); NglResetLastColor makes it -1.
 NRENDERUTL_API int ngl_get_color();
 NRENDERUTL_API void NglResetLastColor();
+/// Entry of the record's palette; 0 for index 0 and for one that the palette does not have.
 NRENDERUTL_API NgColorLong NglGetColorGivenIndex(int index);
+/// First index of the record's palette with exactly this colour, alpha included; -1 when there is none.
 NRENDERUTL_API int NglGetIndexGivenColor(NgColorLong color);
+/// The library table of 256 entries, to read and to write.
 NRENDERUTL_API NgColorLong* NglGetColors();
+/// Copies a scheme, 0 to 3, over the first NglMaxColor entries of the library table (at most 256). Any other
+/// number is remembered only. A change makes the next NglUpdateColor compute the complement table afresh.
 NRENDERUTL_API void NglSetColorScheme(int scheme);
+/// Installs the host's palette, which stays the host's and must live on, and computes the complement table:
+/// up to 256 entries, of which those within 13 of the window background in every channel are inverted. The
+/// same pointer, count and background as last time keep the table, even when the entries changed.
 NRENDERUTL_API void NglUpdateColor(int count, const NgColorLong* colors);
+/// Uses a table of the host's as complement table as it is; null goes back to none.
 NRENDERUTL_API void NglUpdateComplementColor(int count, const NgColorLong* colors);
+/// Makes the next NglUpdateColor compute the complement table even when nothing seems changed.
 NRENDERUTL_API void NglSetForceComplement();
 NRENDERUTL_API void NglBeginNoComplementMode();
 NRENDERUTL_API void NglEndNoComplementMode();
+/// Red, green and blue of an index from the complement table, as bytes or as 0 to 1, whatever the mode.
+/// Without a complement table the library table first becomes the record's palette. Return 0.
 NRENDERUTL_API int ngl_get_rgb(int index, unsigned char& red, unsigned char& green, unsigned char& blue);
 NRENDERUTL_API int ngl_get_rgb_floats(int index, float& red, float& green, float& blue);
+/// The colours of index 32 and 33. NglSetHighlightColor returns the previous one.
 NRENDERUTL_API NgColorLong NglSetHighlightColor(NgColorLong color);
 NRENDERUTL_API void NglSetSelectionColor(NgColorLong color);
+/// The record's window background; its alpha is ignored. Setting returns the previous one and does not touch
+/// the complement table before the next NglUpdateColor.
 NRENDERUTL_API NgColorLong NglSetWindowBackGroundColor(NgColorLong color);
 NRENDERUTL_API NgColorLong NglGetWindowBackGroundColor();
+/// 1 when the background's red + green + blue is below 382, and always when the record has no palette.
 NRENDERUTL_API int NglIsWinBGBlackish();
+/// The colour on a dark background (sum below 382), its inverse with the same alpha on a light one.
 NRENDERUTL_API NgColorLong NglGetColorBasedOnWinColor(NgColorLong color);
+/// Chooses the colour of hidden lines: entry 15 on a light background (0 where the palette is shorter), else
+/// index and colour 0. The two getters return what was chosen last.
 NRENDERUTL_API void NglUpdateHiddenColor();
 NRENDERUTL_API int NglGetHiddenColor();
 NRENDERUTL_API NgColorLong NglGetHiddenColorRGB();
+/// Colour indices of shaded wireframes, kept for the host; the second has no setter and is 0.
 NRENDERUTL_API void NglSetShadedWFColor1(int index);
 NRENDERUTL_API int NglGetShadedWFColor1();
 NRENDERUTL_API int NglGetShadedWFColor2();
 
+/// Make a packed colour current in GL: as it is, or with the blending alpha. The current index stays.
 NRENDERUTL_API void ngl_set_color_long(NgColorLong color);
 NRENDERUTL_API void ngl_set_color_rgb(NgColorLong color);
+/// The packed colour issued last; after ngl_set_color with the alpha of its table.
 NRENDERUTL_API NgColorLong ngl_get_color_long();
-NRENDERUTL_API NgColorLong ngl_get_color_long_from_rgb(unsigned char red, unsigned char green, unsigned char blue);
+/// Packed colour from bytes, with alpha 255, and back as bytes or as 0 to 1.
+NRENDERUTL_API NgColorLong ngl_get_color_long_from_rgb(unsigned char red, unsigned char green,
+                                                       unsigned char blue);
 NRENDERUTL_API void ngl_get_rgb_from_color_long(NgColorLong color, unsigned char& red, unsigned char& green,
                                                 unsigned char& blue);
 NRENDERUTL_API void ngl_get_floats_from_color_long(NgColorLong color, float& red, float& green, float& blue);
+/// The colour with the blending alpha.
 NRENDERUTL_API NgColorLong ngl_add_transparency_into_rgb_color(NgColorLong color);
+/// Alpha of every issued colour, 0 to 255; only the low 8 bits count. 127 at start.
 NRENDERUTL_API void ngl_set_blending_value(int alpha);
+/// The whole blending word, with the alpha in bits 24 to 31; not the value that was set.
 NRENDERUTL_API int ngl_get_blending_value();
+/// Packed colour with alpha 255. Values above 255 spill into the higher bytes.
 NRENDERUTL_API NgColorLong VbNglGetColorFromRGB(int red, int green, int blue);
 NRENDERUTL_API void VbNglGetRGBAFromColor(NgColorLong color, int* red, int* green, int* blue, int* alpha);
 
@@ -318,40 +384,72 @@ NRENDERUTL_API void ngl_get_offset_pt_in_screen(_NgPoint3Str* point, int dx, int
 NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy,
                                                     _NgPoint3Str* out);
 
-// --- framebuffers -------------------------------------------------------------------------------------------
+// --- framebuffers
+// -------------------------------------------------------------------------------------------
 
-NRENDERUTL_API int NglCreateFBO(unsigned int width, unsigned int height, unsigned int format, unsigned int type,
-                                _NglFBOInfoStr* info);
+/// Makes a framebuffer of width x height pixels with an RGBA8 colour texture (format and type as of
+/// glTexImage2D) and a depth-stencil texture, and leaves it bound; the 2D texture binding becomes 0. Returns
+/// -1, with a zeroed record, when the driver has no framebuffer objects or NglInitGLExtensions was not
+/// called; else 0. An incomplete framebuffer (such as 0 x 0) is removed again: framebuffer is then 0 and the
+/// window is bound. The record need not be initialised; NglDestroyFBO frees what it holds.
+NRENDERUTL_API int NglCreateFBO(unsigned int width, unsigned int height, unsigned int format,
+                                unsigned int type, _NglFBOInfoStr* info);
+/// Deletes the framebuffer, its textures and its pixels and zeroes the record; harmless on a zeroed one.
+/// Returns 0.
 NRENDERUTL_API int NglDestroyFBO(_NglFBOInfoStr* info);
+/// Binds a framebuffer by name, 0 = the window, and returns the one that is bound. Without framebuffer
+/// objects nothing is bound and 0 is returned.
 NRENDERUTL_API void NglBindFrameBuffer(unsigned int framebuffer);
 NRENDERUTL_API int NglGetBoundFBO();
+/// Reads a rectangle of the current read buffer under the current pixel pack state. Returns GL's error code,
+/// 0 = none; an error that was pending before the call counts too.
 NRENDERUTL_API int NglReadPixelsFromFBO(int x, int y, int width, int height, unsigned int format,
                                         unsigned int type, void* pixels);
 
-// --- clip planes, lights, depth -----------------------------------------------------------------------------
+// --- clip planes, lights, depth
+// -----------------------------------------------------------------------------
 
+/// The host's callbacks that load its clip planes into GL and take them out; null keeps the one registered.
 NRENDERUTL_API void NglRegisterLoadClipPlaneFunc(NglClipPlaneFunc func);
 NRENDERUTL_API void NglRegisterUnloadClipPlaneFunc(NglClipPlaneFunc func);
+/// Call the host's callback and return its result; 0 when there is none.
 NRENDERUTL_API int ngl_load_clip_planes();
 NRENDERUTL_API int ngl_unload_clip_planes();
 
+/// Fixed-function lighting as a whole.
 NRENDERUTL_API void ngl_enable_light();
 NRENDERUTL_API void ngl_disable_light();
 NRENDERUTL_API int ngl_is_light_enabled();
+/// One light: 0 and 1 are lights 0 and 1, any other number is light 2. Enabling returns 0; disabling returns
+/// whether the light was enabled.
 NRENDERUTL_API int ngl_enable_given_light(int light);
 NRENDERUTL_API int ngl_disable_given_light(int light);
 NRENDERUTL_API void ngl_enable_depth_test();
 NRENDERUTL_API void ngl_disable_depth_test();
 NRENDERUTL_API int ngl_is_depth_test_enabled();
 
-// --- contour texture ----------------------------------------------------------------------------------------
+// --- contour texture
+// ----------------------------------------------------------------------------------------
 
+// A texture target is GL's; a negative one means GL_TEXTURE_2D.
+
+/// The host's provider of contour texture attributes; null takes it away.
 NRENDERUTL_API void NglRegisterGetActiveTextureAttribProc(NglGetActiveTextureAttribProc proc);
+/// Makes the attributes that the provider returns for the arguments active. They stay the host's and must
+/// live while active. Without a provider there is a console message and none are active.
 NRENDERUTL_API void NglSetActiveTextureInfo(unsigned int unit, float a, float b);
+/// The active attributes; null when there are none.
 NRENDERUTL_API RenderTextureAttributes* NglGetActiveTextureInfo();
+/// Binds and enables the active contour texture and loads the texture matrix, in GL and in the record, that
+/// maps its value range to s = 0 to 1 (only shifted when the range has no width). Leaves the model-view mode
+/// selected. Returns 1; 0 when GL reported an error; -1, with nothing changed, without active attributes or
+/// texture.
 NRENDERUTL_API int NglEnableTexture(int target);
+/// Unbinds the target's texture and disables the target; the texture matrix stays.
 NRENDERUTL_API void NglDisableTexture(int target);
+/// Selects the texture unit: GL_TEXTURE0 + n, or just n.
 NRENDERUTL_API void NglSetActiveTextureUnit(unsigned int unit);
+/// GL's own bind, enable, disable and texture coordinate.
 NRENDERUTL_API void NglWrapBindTexture(int target, unsigned int texture);
 NRENDERUTL_API void NglWrapEnableTexture(int target);
 NRENDERUTL_API void NglWrapDisableTexture(int target);
