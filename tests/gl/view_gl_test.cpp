@@ -117,6 +117,8 @@ TEST_F(View, OperationsChangeGlAndTheRecordAsTheyShould) {
         EXPECT_EQ(liveMatrix(), expected);
         EXPECT_EQ(recordMatrix(), operation.recordFollows ? expected : flat(kStart));
         EXPECT_EQ(nglRecord().matricesCurrent, operation.clearsCurrent ? 0 : 1);
+        while (NglGetPushCount() > 0)
+            ngl_pop_3d_matrix();
     }
 }
 
