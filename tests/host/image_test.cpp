@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <jpeglib.h>
 #include <png.h>
+#include <zlib.h>
 
 #include "NRenderUtl/host/hostimage.h"
 
@@ -24,8 +25,7 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr int kWidth = 5,
               kHeight = 9; // odd, so that rows end inside a byte and every interlace pass has pixels
 
-// ---------------------------------------------------------------------------------------------------- PNG
-// writing
+// PNG writing
 
 struct PngKind {
     const char* name;
@@ -35,8 +35,8 @@ struct PngKind {
 
 unsigned sampleOf(const PngKind& kind, int x, int y, int channel) {
     // Of 16 bits, steps of 11 leave many samples with equal upper bytes.
-    const unsigned value =
-        kind.depth == 16 ? 50000 + (37 * x + 61 * y + 5 * channel) * 11 : 7 * x + 13 * y + 59 * channel + 3;
+    const unsigned value = kind.depth == 16 ? 50000 + (37 * x + 61 * y + 5 * channel) * 11
+                                            : 7 * x + 13 * y + channel * (29 + 5 * x) + 3;
     return value & ((1U << kind.depth) - 1);
 }
 
@@ -104,17 +104,23 @@ Bytes pngFile(const PngKind& kind, bool interlaced) {
     return file;
 }
 
-/// A PNG whose header promises a size that its few bytes of data do not hold.
-Bytes pngOfSize(int width, int height) {
-    Bytes file, data(20, 7);
+/// A PNG of RGB pixels whose one data chunk holds these bytes, under a right checksum.
+Bytes pngOf(int width, int height, Bytes data) {
+    Bytes file;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
     png_set_write_fn(png, &file, append, nullptr);
     png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, 0, 0, 0);
     png_write_info(png, info);
     png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), data.data(), data.size());
+    png_write_chunk(png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
     png_destroy_write_struct(&png, &info);
     return file;
+}
+
+/// A PNG whose header promises a size that its few bytes of data do not hold.
+Bytes pngOfSize(int width, int height) {
+    return pngOf(width, height, Bytes(20, 7));
 }
 
 /// What a pixel of pngFile means, from the format's own definition.
@@ -187,6 +193,24 @@ TEST(Png, AnyDamagedOrMissingByteIsRefused) {
 }
 
 // --------------------------------------------------------------------------------------------------- JPEG
+TEST(Png, PixelDataThatDoNotAddUpAreRefused) {
+    const auto deflated = [](std::size_t rawBytes) {
+        const Bytes raw(rawBytes);
+        Bytes out(compressBound(raw.size()));
+        uLongf size = out.size();
+        compress(out.data(), &size, raw.data(), raw.size());
+        out.resize(size);
+        return out;
+    };
+    constexpr std::size_t kRaw = (1 + 3 * 20) * 20; // rows of a filter byte and 20 pixels
+    ASSERT_EQ(decodePng(pngOf(20, 20, deflated(kRaw))).error, "");
+    EXPECT_NE(decodePng(pngOf(20, 20, deflated(kRaw - 1))).error, "");
+    EXPECT_NE(decodePng(pngOf(20, 20, deflated(kRaw + 1))).error, "");
+    Bytes wrongSum = deflated(kRaw);
+    wrongSum.back() ^= 1;
+    EXPECT_NE(decodePng(pngOf(20, 20, wrongSum)).error, "");
+}
+
 // writing
 
 struct JpegKind {
@@ -288,8 +312,10 @@ TEST(Jpeg, HalfAPictureIsRefusedButPaddingIsNot) {
         ended.insert(ended.end(), {0xff, 0xd9});
         EXPECT_NE(decodeJpeg(ended).error, "");
         Bytes padded = whole; // as some cameras write it
-        padded.insert(padded.end() - 2, {0, 0});
+        padded.insert(padded.end() - 2, 64, 0);
         EXPECT_EQ(decodeJpeg(padded).rgba, decodeJpeg(whole).rgba);
+        padded.resize(padded.size() - 2);
+        EXPECT_NE(decodeJpeg(padded).error, "") << "no end marker";
     }
 }
 
@@ -323,8 +349,7 @@ TEST(Image, AFalseSizeTakesNoMemory) {
     EXPECT_LT(usage.ru_maxrss / 1024, 400) << "megabytes; the pixels alone would be 1024";
 }
 
-// ------------------------------------------------------------------------------------------------------ the
-// loader
+// the loader
 
 /// A folder of its own, and the console messages of the case.
 class ImageLoader : public ::testing::Test {
