@@ -1,0 +1,129 @@
+// GL state that mesh drawing changes for the length of a block.
+#pragma once
+
+#include <epoxy/gl.h>
+
+#include "NRenderUtl/gl/ngl.h"
+
+/// Switches lighting on or off.
+class LightingGuard {
+public:
+    explicit LightingGuard(bool on) : m_was(glIsEnabled(GL_LIGHTING)) { set(on); }
+    ~LightingGuard() { set(m_was); }
+    LightingGuard(const LightingGuard&) = delete;
+    LightingGuard& operator=(const LightingGuard&) = delete;
+
+private:
+    static void set(bool on) { on ? glEnable(GL_LIGHTING) : glDisable(GL_LIGHTING); }
+    const bool m_was;
+};
+
+/// Keeps the shade model and the two-sided lighting value.
+class ShadingGuard {
+public:
+    ShadingGuard() {
+        glGetIntegerv(GL_SHADE_MODEL, &m_shadeModel);
+        glGetIntegerv(GL_LIGHT_MODEL_TWO_SIDE, &m_twoSide);
+    }
+    ~ShadingGuard() {
+        glShadeModel(static_cast<GLenum>(m_shadeModel));
+        glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, m_twoSide);
+    }
+    ShadingGuard(const ShadingGuard&) = delete;
+    ShadingGuard& operator=(const ShadingGuard&) = delete;
+
+private:
+    GLint m_shadeModel, m_twoSide;
+};
+
+/// Keeps the matrix mode, and the current normal and texture coordinate of unit 0, which sending vertices
+/// changes.
+class CurrentStateGuard {
+public:
+    CurrentStateGuard() {
+        glGetIntegerv(GL_MATRIX_MODE, &m_matrixMode);
+        glGetFloatv(GL_CURRENT_NORMAL, m_normal);
+        GLint unit;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+        glActiveTexture(GL_TEXTURE0);
+        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, m_texCoord);
+        glActiveTexture(static_cast<GLenum>(unit));
+    }
+    ~CurrentStateGuard() {
+        glMatrixMode(static_cast<GLenum>(m_matrixMode));
+        glNormal3fv(m_normal);
+        glTexCoord4fv(m_texCoord);
+    }
+    CurrentStateGuard(const CurrentStateGuard&) = delete;
+    CurrentStateGuard& operator=(const CurrentStateGuard&) = delete;
+
+private:
+    GLint m_matrixMode;
+    GLfloat m_normal[3], m_texCoord[4];
+};
+
+/// Client memory as the only source of vertices: no vertex array object, no buffers, all arrays off, unit 0.
+class ClientArraysGuard {
+public:
+    ClientArraysGuard() : m_hasObjects(epoxy_gl_version() >= 30) {
+        if (m_hasObjects) {
+            glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &m_object);
+            glBindVertexArray(0);
+        }
+        glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
+        const int version = epoxy_gl_version();
+        if (version >= 15) {
+            glBindBuffer(GL_ARRAY_BUFFER, 0);
+            glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+        }
+        // Generic attribute 0 would take the place of the vertex array.
+        if (version >= 20)
+            glDisableVertexAttribArray(0);
+        glClientActiveTexture(GL_TEXTURE0);
+        for (GLenum array :
+             {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY, GL_INDEX_ARRAY,
+              GL_EDGE_FLAG_ARRAY, GL_SECONDARY_COLOR_ARRAY, GL_FOG_COORD_ARRAY})
+            glDisableClientState(array);
+    }
+    ~ClientArraysGuard() {
+        glPopClientAttrib();
+        if (m_hasObjects)
+            glBindVertexArray(static_cast<GLuint>(m_object));
+    }
+    ClientArraysGuard(const ClientArraysGuard&) = delete;
+    ClientArraysGuard& operator=(const ClientArraysGuard&) = delete;
+
+private:
+    const bool m_hasObjects;
+    GLint m_object = 0;
+};
+
+/// Pulls what is drawn towards the viewer.
+class DepthOffset {
+public:
+    enum Kind {
+        None,
+        ViewPush,  ///< by the record's push delta, counted as a view-point push
+        ViewDelta, ///< by the delta of the live view; the push count stays
+    };
+    explicit DepthOffset(Kind kind) : m_kind(kind) {
+        if (m_kind == ViewPush)
+            UtlPushViewPoint();
+        if (m_kind == ViewDelta) {
+            UtlComputeViewDelta(&m_delta, 1);
+            UtlPushViewPointDelta(&m_delta);
+        }
+    }
+    ~DepthOffset() {
+        if (m_kind == ViewPush)
+            UtlPopViewPoint();
+        if (m_kind == ViewDelta)
+            UtlPopViewPointDelta(&m_delta);
+    }
+    DepthOffset(const DepthOffset&) = delete;
+    DepthOffset& operator=(const DepthOffset&) = delete;
+
+private:
+    const Kind m_kind;
+    _NgPoint3Str m_delta{};
+};
