@@ -15,6 +15,7 @@ using Point = std::array<double, 3>;
 /// Element shapes; the node order of each is VTK's (https://docs.vtk.org, file formats).
 enum class CellType : std::uint8_t {
     Vertex,
+    PolyVertex, ///< any number of single points
     Line,
     Line3, ///< two ends, then the middle
     PolyLine,
