@@ -113,7 +113,7 @@ float hostWideToFloat(const wchar_t* text) {
         return 0;
 #ifdef _WIN32
     static const _locale_t kCLocale = _create_locale(LC_ALL, "C");
-    return _wcstof_l(text, nullptr, kCLocale);
+    return static_cast<float>(_wcstod_l(text, nullptr, kCLocale));
 #else
     static const locale_t kCLocale = newlocale(LC_ALL_MASK, "C", nullptr);
     return wcstof_l(text, nullptr, kCLocale);

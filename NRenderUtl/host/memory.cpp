@@ -78,10 +78,10 @@ std::size_t NHostLiveBlocks() {
 
 std::size_t NHostReportLiveBlocks() {
     std::size_t count = 0;
-    for (const BlockHeader* header = state().first; header != nullptr; header = header->next, ++count)
-        hostDiagnostic(NHostDiagnosticCount,
-                       hostFormat("%zu bytes allocated at %s:%d are still alive", header->bytes,
-                                  header->file != nullptr ? header->file : "?", header->line)
-                           .c_str());
+    for (const BlockHeader* header = state().first; header != nullptr; header = header->next, ++count) {
+        const std::string place = hostFormat("%s:%d", header->file != nullptr ? header->file : "?", header->line);
+        const std::string text = std::to_string(header->bytes) + " bytes allocated at " + place + " are still alive";
+        hostDiagnostic(NHostDiagnosticCount, text.c_str());
+    }
     return count;
 }

@@ -53,7 +53,7 @@ TEST(Radiance, EveryOrientationGivesRowsFromTheTopLeft) {
 
 TEST(Radiance, ValuesAreMantissaTimesTwoToTheExponentLess136) {
     const int mantissas[] = {1, 2, 255}, exponents[] = {0, 1, 9, 128, 136, 255};
-    std::string file = "#?RGBE\n\n-Y 6 +X 1\n"; // no FORMAT line is a Radiance picture too
+    std::string file = "#?RGBE\r\n\r\n-Y 6 +X 1\r\n"; // without FORMAT, and passed through a text editor
     for (const int exponent : exponents) {
         file += bytes({1, 2, 255, exponent});
     }
@@ -82,9 +82,9 @@ Forms sameScanline() {
     forms.oldRuns = p + q + runOf299 + r + bytes({1, 1, 1, 42, 1, 1, 1, 1});
     forms.newRuns = bytes({2, 2, 600 / 256, 600 % 256});
     for (int i = 0; i < 4; ++i) {
-        forms.newRuns += bytes({3, p[i], q[i], q[i]}); // 3 literal bytes, then 298 and 299 repeated
-        forms.newRuns += bytes({255, q[i], 255, q[i], 128 + 44, q[i], 255, r[i], 255, r[i], 128 + 44, r[i]});
-        forms.newRuns += bytes({1, r[i]});
+        forms.newRuns += bytes({3, p[i], q[i], q[i]}); // 3 literal bytes, then 298 and 171 repeated
+        forms.newRuns += bytes({255, q[i], 255, q[i], 128 + 44, q[i], 255, r[i], 128 + 44, r[i]});
+        forms.newRuns += bytes({128}) + std::string(128, r[i]); // the longest literal
     }
     return forms;
 }
@@ -120,6 +120,11 @@ TEST(Radiance, MalformedFilesAreRefusedWithTheirReason) {
     const std::string line8 = kHeader + "-Y 1 +X 8\n", pixel = bytes({9, 9, 9, 9}),
                       open = bytes({2, 2, 0, 8});
     const std::string pixels8 = pixel + pixel + pixel + pixel + pixel + pixel + pixel + pixel;
+    const std::string flat8 = bytes({136, 5, 136, 5, 136, 5, 136, 5}), line600 = kHeader + "-Y 1 +X 600\n";
+    std::string zeroRuns; // each doubles the next one's count eight times, and counts nothing itself
+    for (int i = 0; i < 8; ++i) {
+        zeroRuns += bytes({1, 1, 1, 0});
+    }
     const std::string lots(100000, '\x09');
     const struct {
         const char* name;
@@ -143,12 +148,14 @@ TEST(Radiance, MalformedFilesAreRefusedWithTheirReason) {
         {"huge and flat", kHeader + "-Y 8192 +X 32768\n" + lots, "too soon"},
         {"run before a pixel", line8 + bytes({1, 1, 1, 7}) + pixel + pixel, "corrupt"},
         {"old run too long", line8 + pixel + bytes({1, 1, 1, 8}) + pixel, "corrupt"},
-        {"old run far too long", line8 + pixel + bytes({1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 255}), "corrupt"},
-        {"another length", line8 + bytes({2, 2, 0, 9}) + pixels8, "corrupt"},
+        {"old run far too long", line8 + pixel + zeroRuns + bytes({1, 1, 1, 1}), "corrupt"},
+        {"third run fits no scanline", line600 + pixel + bytes({1, 1, 1, 0, 1, 1, 1, 0, 1, 1, 1, 1}),
+         "corrupt"},
+        {"another length", line8 + bytes({2, 2, 0, 9}) + flat8, "corrupt"},
         {"new run too long", line8 + open + bytes({128 + 9, 5}) + pixels8, "corrupt"},
         {"second run too long", line8 + open + bytes({128 + 7, 5, 128 + 2, 5}) + pixels8, "corrupt"},
         {"literals too long", line8 + open + bytes({9}) + pixels8, "corrupt"},
-        {"empty literal", line8 + open + bytes({0}) + pixels8, "corrupt"},
+        {"empty literal", line8 + open + bytes({0}) + flat8, "corrupt"},
     };
     const long before = peakMegabytes();
     for (const auto& row : rows) {

@@ -1,0 +1,87 @@
+// The capability table over drivers that lack a feature, pretended by the environment of a subprocess.
+#include "NRenderUtl/host/hostgl.h"
+#include "tests/support/gltest.h"
+#include "tests/support/subprocess.h"
+
+namespace {
+
+std::string capabilities() {
+    std::string bits;
+    for (int n = 0; n < GLeeCapabilityCount; ++n)
+        bits += GLeeEnabled(n) ? '1' : '0';
+    return bits;
+}
+
+struct Driver {
+    const char* name;
+    nrutest::Environment environment;
+    const char* expected; // capabilities 0 to 8
+};
+
+void PrintTo(const Driver& driver, std::ostream* out) {
+    *out << driver.name;
+}
+
+constexpr const char* kVersion = "MESA_GL_VERSION_OVERRIDE";
+constexpr const char* kGlsl = "MESA_GLSL_VERSION_OVERRIDE";
+constexpr const char* kExtensions = "MESA_EXTENSION_OVERRIDE";
+
+const Driver kDrivers[] = {
+    {"Everything", {}, "111111111"},
+    {"NoGeometryStage", {{kVersion, "3.1COMPAT"}}, "001111111"},
+    {"OnlyTheExtGeometryStage",
+     {{kVersion, "3.1COMPAT"}, {kExtensions, "+GL_EXT_geometry_shader4"}},
+     "011111111"},
+    {"ExtGeometryStageClaimed", {{kExtensions, "+GL_EXT_geometry_shader4"}}, "111111111"},
+    // The version still claims texture buffers: only drawing with one can tell that they do not work.
+    {"TextureBuffersClaimed",
+     {{kVersion, "4.5COMPAT"}, {kExtensions, "-GL_ARB_texture_buffer_object -GL_EXT_texture_buffer_object"}},
+     "111111111"},
+    {"NoTextureBuffers",
+     {{kVersion, "3.0COMPAT"},
+      {kGlsl, "150"},
+      {kExtensions, "-GL_ARB_texture_buffer_object -GL_EXT_texture_buffer_object"}},
+     "001111110"},
+    {"NoFramebufferObjects",
+     {{kExtensions, "-GL_ARB_framebuffer_object -GL_EXT_framebuffer_object"}},
+     "001000011"},
+    {"OnlyTheExtFramebufferForm", {{kExtensions, "-GL_ARB_framebuffer_object"}}, "001010011"},
+    {"OnlyTheCoreFramebufferForm", {{kExtensions, "-GL_EXT_framebuffer_object"}}, "111101111"},
+    {"NoBufferObjects", {{kVersion, "1.4"}, {kExtensions, "-GL_ARB_vertex_buffer_object"}}, "000001001"},
+    {"NoGlslObjects", {{kExtensions, "-GL_ARB_vertex_shader -GL_ARB_fragment_shader"}}, "000011011"},
+    {"Glsl120", {{kVersion, "2.1"}, {kGlsl, "120"}}, "001011011"},
+};
+
+class GLInterface : public nrutest::GlTest, public ::testing::WithParamInterface<Driver> {};
+
+TEST_P(GLInterface, TellsWhatTheDriverHas) {
+    if (nrutest::ranInSubprocess(GetParam().environment))
+        return;
+    EXPECT_EQ(capabilities(), "000000000") << "before GLeeInit";
+    EXPECT_EQ(GLeeInit(), 0);
+    EXPECT_EQ(capabilities(), GetParam().expected) << glGetString(GL_VERSION);
+    EXPECT_FALSE(GLeeEnabled(-1));
+    EXPECT_FALSE(GLeeEnabled(GLeeCapabilityCount));
+}
+
+INSTANTIATE_TEST_SUITE_P(Drivers, GLInterface, ::testing::ValuesIn(kDrivers),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+// The first GL call of this process: the loader must not abort it.
+TEST(GLInterfaceWithoutContext, LeavesTheTableFalse) {
+    EXPECT_FALSE(glContextIsCurrent());
+    EXPECT_EQ(GLeeInit(), 0);
+    EXPECT_EQ(capabilities(), "000000000");
+
+    nruview::OffscreenContext context;
+    ASSERT_EQ(context.create(4, 4), "");
+    EXPECT_TRUE(glContextIsCurrent());
+    GLeeInit();
+    EXPECT_TRUE(GLeeEnabled(GLeeBufferObjects));
+    context.destroy();
+    EXPECT_FALSE(glContextIsCurrent());
+    GLeeInit();
+    EXPECT_EQ(capabilities(), "000000000");
+}
+
+} // namespace

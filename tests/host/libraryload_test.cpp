@@ -1,0 +1,51 @@
+// The library's attachment to its process: it stays mapped, and complains only when it is detached too early.
+#include <dlfcn.h>
+
+#include <gtest/gtest.h>
+
+#include "NRenderUtl/host/hostutl.h"
+#include "tests/support/subprocess.h"
+
+namespace {
+
+const std::string kWarning = "'NRenderUtl' dll is getting unloaded with application still running!\n";
+
+std::string detachMessage(bool processIsEnding) {
+    ::testing::internal::CaptureStderr();
+    hostLibraryDetach(processIsEnding);
+    return ::testing::internal::GetCapturedStderr();
+}
+
+TEST(LibraryDetach, WarnsOnlyWhenAskedAndTooEarly) {
+    EXPECT_EQ(detachMessage(false), "") << "off by default";
+    NHostEnableUnloadWarning(true);
+    EXPECT_EQ(detachMessage(false), kWarning);
+    EXPECT_EQ(detachMessage(true), "");
+    NHostEnableUnloadWarning(false);
+    EXPECT_EQ(detachMessage(false), "");
+}
+
+// The two ways into a process end it with the warning on: the library's destructor must know the reason.
+TEST(LibraryProcessEnd, IsNoUnloadWhenLinkedAtStartUp) {
+    const nrutest::ProcessResult result = nrutest::runProgram({LINKED_HOST});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_EQ(result.output, "end of main\n");
+}
+
+TEST(LibraryProcessEnd, IsNoUnloadWhenLoadedAtRunTime) {
+    const nrutest::ProcessResult result = nrutest::runProgram({LOADING_HOST, SHARED_LIBRARY});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_EQ(result.output, "end of main\n");
+}
+
+TEST(LibraryPin, OutlivesItsLastHandle) {
+    void* library = dlopen(SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr) << dlerror();
+    auto* anchor = reinterpret_cast<void (*)()>(dlsym(library, "__localFnToKeepNRenderUtlDllLoaded"));
+    ASSERT_NE(anchor, nullptr);
+    dlclose(library);
+    ASSERT_NE(dlopen(SHARED_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr) << "unmapped";
+    anchor();
+}
+
+} // namespace
