@@ -313,9 +313,9 @@ NRENDERUTL_API void UtlComputeViewDelta(_NgPoint3Str* delta, int n);
 // group, so that widths are w - x, heights h - y, and the window y of a screen point is h - sy. Screen points
 // are in pixels, y downward; window points are OpenGL's, y upward, with depth 0 to 1 (GLU is given the
 // viewport as it is); view (or ortho) space is model space after the model-view matrix. Nothing here needs a
-// context but what says "live", which reads GL's matrices and viewport. A point without an image (on the eye
-// plane, singular matrices) is projected to window (0, 0, 0). A viewport without width or height divides by
-// zero. In and out may be the same point.
+// context but what says "live", which reads GL's matrices and viewport, and ngl_set_viewport. A point without
+// an image (on the eye plane, singular matrices) is projected to window (0, 0, 0). A viewport without width
+// or height divides by zero. In and out may be the same point.
 
 /// The record's orthographic box, in model space.
 NRENDERUTL_API void ngl_get_ortho_2d(double* minX, double* minY, double* maxX, double* maxY);

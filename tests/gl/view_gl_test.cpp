@@ -124,7 +124,7 @@ TEST_F(View, OperationsChangeGlAndTheRecordAsTheyShould) {
 
 TEST_F(View, NullifyCancelsTheView) {
     const Matrix inverse = {0.5, 0.25, -2, 0, 0, 1, 0, 0,
-                            0,   0,    4,  0, 1, 0, 0, 1}; // any matrix: field 6 is trusted
+                            0,   0,    4,  0, 1, 0, 0, 1}; // any matrix: the record's is trusted
     std::copy(inverse.begin(), inverse.end(), &NglGetNglInfo()->inverseModelView[0][0]);
     ngl_nullify_view();
     EXPECT_EQ(liveMatrix(), product(flat(kStart), inverse));
