@@ -1,0 +1,36 @@
+// The contour colours: bands over a value range as a colour scale of the library and as its texture.
+#pragma once
+
+#include <array>
+
+#include "NRenderUtl/NRenderUtl.h"
+
+namespace nruview {
+
+/// Colours from blue (low) to red (high). The library gets values as fractions of the range, taken in double
+/// precision: large values with a small range, and ranges below the library's tolerance, keep all their
+/// bands.
+class ColorBands {
+public:
+    /// count 1 to 64. A range of no length puts every value into the middle band.
+    ColorBands(int count, const std::array<double, 2>& range, bool smeared);
+
+    /// Texture coordinate of a value: 0 at the range's low end, 1 at its high end, held to [-1e6, 1e6].
+    float coordinate(double value) const;
+    /// Value at which band i begins; i = count is the end of the last.
+    double limit(int i) const;
+    int count() const { return m_count; }
+    NgColorLong color(int band) const;
+
+    /// What the library asks for as the active texture. createTexture needs a current context, which then
+    /// owns it.
+    RenderTextureAttributes& attributes() { return m_attributes; }
+    void createTexture();
+
+private:
+    int m_count;
+    std::array<double, 2> m_range;
+    RenderTextureAttributes m_attributes;
+};
+
+} // namespace nruview

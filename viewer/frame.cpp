@@ -1,0 +1,85 @@
+// How a host opens a frame: its own GL set-up first, then NglUpdateNglInfo, then palette and background.
+#include "viewer/frame.h"
+
+#include <epoxy/gl.h>
+
+#include <array>
+#include <cmath>
+
+#include "viewer/vectors.h"
+
+namespace nruview {
+
+namespace {
+
+void loadMatrices(const ViewMatrices& view, int width, int height) {
+    glViewport(0, 0, width, height);
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixd(view.projection.data());
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixd(view.modelView.data());
+}
+
+/// A headlight a little above and to the right of the eye, so that faces of unlike slope differ in shade; no
+/// visible face falls below the ambient share. The sum is 1: a face square to the light shows its own colour.
+void setLights() {
+    constexpr std::array<float, 4> ambient = {0.4f, 0.4f, 0.4f, 1.0f};
+    constexpr std::array<float, 4> diffuse = {0.6f, 0.6f, 0.6f, 1.0f};
+    constexpr std::array<float, 4> black = {0.0f, 0.0f, 0.0f, 1.0f};
+    constexpr std::array<float, 4> direction = {0.25f, 0.4f, 1.0f, 0.0f}; // toward the light, in eye space
+    glPushMatrix();
+    glLoadIdentity();
+    glLightfv(GL_LIGHT0, GL_POSITION, direction.data());
+    glPopMatrix();
+    glLightfv(GL_LIGHT0, GL_AMBIENT, ambient.data());
+    glLightfv(GL_LIGHT0, GL_DIFFUSE, diffuse.data());
+    glLightfv(GL_LIGHT0, GL_SPECULAR, black.data());
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black.data());
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
+    glEnable(GL_LIGHT0);
+    // The current colour is the material of both sides.
+    glColorMaterial(GL_FRONT_AND_BACK, GL_AMBIENT_AND_DIFFUSE);
+    glEnable(GL_COLOR_MATERIAL);
+    glEnable(GL_NORMALIZE);
+}
+
+void clearWindow(NgColorLong background) {
+    float red, green, blue;
+    ngl_get_floats_from_color_long(background, red, green, blue);
+    glClearColor(red, green, blue, 1.0f);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    ngl_enable_depth_test();
+    glDepthFunc(GL_LEQUAL);
+}
+
+} // namespace
+
+void startLibrary() {
+    NglInitGLExtensions();
+    ngl_set_blending_value(255); // colours are opaque; the library starts with half of that
+}
+
+void beginFrame(const Camera& camera, const Bounds& bounds, int width, int height, NgColorLong background) {
+    const ViewMatrices view = viewMatrices(camera, bounds, static_cast<double>(width) / height);
+    clearWindow(background);
+    loadMatrices(view, width, height);
+    setLights();
+
+    NglUpdateNglInfo();
+    _NglInfoStr& record = *NglGetNglInfo();
+    record.perspective = camera.perspective ? 1 : 0;
+    _NgPoint3Str eye = {view.eye[0], view.eye[1], view.eye[2]};
+    ngl_set_camera_position(&eye);
+    // 150 steps of the depth buffer toward the viewer. The library's own value is held between absolute
+    // lengths and made for parallel projections; this one fits models of any size and both projections.
+    int depthBits = 0;
+    glGetIntegerv(GL_DEPTH_BITS, &depthBits);
+    const double step = view.depthRange / (std::ldexp(1.0, depthBits) - 10.0);
+    const Point delta = (150.0 * step) * camera.axes.toward;
+    record.pushDelta = {delta[0], delta[1], delta[2]};
+
+    NglSetWindowBackGroundColor(background);
+    NglUpdateColor(NglMaxColor, NglGetColors());
+}
+
+} // namespace nruview

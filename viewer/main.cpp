@@ -1,0 +1,75 @@
+// nruview: reads a model, shows it in a window or draws it into a file. A host's way through the library is
+// in frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking).
+#include <epoxy/gl.h>
+
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <vector>
+
+#include "viewer/error.h"
+#include "viewer/frame.h"
+#include "viewer/listing.h"
+#include "viewer/offscreen.h"
+#include "viewer/options.h"
+#include "viewer/pick.h"
+#include "viewer/pngwriter.h"
+#include "viewer/samples.h"
+#include "viewer/scene.h"
+#include "viewer/shownmodel.h"
+#include "viewer/window.h"
+
+namespace nruview {
+
+namespace {
+
+/// Draws without a display, into the file and for the pick that were asked for.
+void drawOffscreen(const ShownModel& shown, const Options& options) {
+    OffscreenContext context;
+    if (const std::string reason = context.create(options.width, options.height); !reason.empty())
+        throw ViewerError("off-screen drawing", reason);
+    startLibrary();
+    const double aspect = static_cast<double>(options.width) / options.height;
+    const Camera camera = fitCamera(options.view, shown.bounds, aspect, options.perspective);
+    beginFrame(camera, shown.bounds, options.width, options.height, options.background);
+    Scene scene(shown, options.scene);
+    scene.draw();
+    if (options.pick)
+        std::cout << describe(shown, pick(shown, (*options.pick)[0], (*options.pick)[1])) << std::endl;
+    if (options.output.empty())
+        return;
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);
+    glReadPixels(0, 0, options.width, options.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    writePng(options.output, options.width, options.height, pixels);
+}
+
+void run(const Options& options) {
+    Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
+    const bool offscreen = !options.output.empty() || options.pick;
+    if (options.list)
+        listModel(std::cout, model, options.sample.empty() ? options.file : options.sample);
+    if (options.list && !offscreen)
+        return;
+    const ShownModel shown = showModel(std::move(model), options.shown);
+    if (offscreen)
+        drawOffscreen(shown, options);
+    else
+        showWindow(shown, options);
+}
+
+} // namespace
+
+} // namespace nruview
+
+int main(int argc, char** argv) {
+    try {
+        if (const auto options = nruview::readOptions(argc, argv))
+            nruview::run(*options);
+        return 0;
+    } catch (const nruview::ViewerError& error) {
+        std::fprintf(stderr, "nruview: %s\n", error.what());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "nruview: the model does not fit into memory\n");
+    }
+    return 2;
+}

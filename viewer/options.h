@@ -1,0 +1,29 @@
+// The command line of nruview.
+#pragma once
+
+#include <cstdint>
+
+#include "viewer/camera.h"
+#include "viewer/scenesettings.h"
+
+namespace nruview {
+
+struct Options {
+    std::string file;   ///< empty when a sample is shown
+    std::string sample; ///< NAME or NAME:N
+    std::string output; ///< PNG file; empty: a window
+    ShownSettings shown;
+    SceneSettings scene;
+    ViewAxes view = parseView("iso");
+    bool perspective = false;
+    int width = 1024, height = 768;
+    std::uint32_t background = 0xFFFFFFFF; ///< packed 0xAABBGGRR
+    bool list = false;
+    std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
+};
+
+/// Reads the command line. Returns nothing after --help or --version, which it prints; throws ViewerError
+/// naming the argument that is wrong.
+std::optional<Options> readOptions(int argc, const char* const* argv);
+
+} // namespace nruview

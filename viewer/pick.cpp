@@ -1,0 +1,290 @@
+// The ray through the pixel finds the face; the library's mesh picking finds the node or edge about that
+// spot.
+#include "viewer/pick.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <optional>
+
+#include "viewer/facenormals.h"
+#include "viewer/meshbuilder.h"
+#include "viewer/vectors.h"
+
+namespace nruview {
+
+namespace {
+
+using Kind = Picked::Kind;
+using Index = std::uint32_t;
+
+constexpr double kNodeReach_px = 4.0;
+constexpr double kEdgeReach_px = 3.0;
+constexpr double kNever = std::numeric_limits<double>::infinity();
+
+struct Ray {
+    Point origin, direction;
+};
+
+Ray rayThrough(int x, int y) {
+    Point p, q;
+    NglGetViewVector(x, y, &p[0], &p[1], &p[2], &q[0], &q[1], &q[2]);
+    return {p, unit(q - p)};
+}
+
+/// A spot of the drawn model: weighted points of an element.
+struct Spot {
+    double distance = kNever; ///< from the ray's origin
+    std::size_t face = 0;     ///< in the order of forEachFace
+    Index cell = 0;
+    std::array<Index, 3> points{};
+    std::array<double, 3> weights{};
+};
+
+/// Moeller & Trumbore (1997): the ray meets the triangle of three points, from either side.
+std::optional<Spot> meet(const Ray& ray, const std::vector<Point>& points,
+                         const std::array<Index, 3>& corners) {
+    const Point& a = points[corners[0]];
+    const Point ab = points[corners[1]] - a, ac = points[corners[2]] - a;
+    const Point p = cross(ray.direction, ac);
+    const double determinant = dot(ab, p);
+    if (determinant == 0.0)
+        return {};
+    const Point offset = ray.origin - a;
+    const Point q = cross(offset, ab);
+    const double u = dot(offset, p) / determinant, v = dot(ray.direction, q) / determinant;
+    const double distance = dot(ac, q) / determinant;
+    if (u < 0.0 || v < 0.0 || u + v > 1.0 || distance < 0.0)
+        return {};
+    return Spot{distance, 0, 0, corners, {1.0 - u - v, u, v}};
+}
+
+/// The face that the ray meets first; at distance kNever without one.
+Spot firstFace(const ShownModel& shown, const Ray& ray) {
+    Spot first;
+    std::size_t face = 0;
+    forEachFace(shown.surface, [&](std::span<const Index> corners, Index cell) {
+        for (std::size_t i = 2; i < corners.size(); ++i) {
+            const auto spot = meet(ray, shown.points, {corners[0], corners[i - 1], corners[i]});
+            if (spot && spot->distance < first.distance)
+                first = {spot->distance, face, cell, spot->points, spot->weights};
+        }
+        ++face;
+    });
+    return first;
+}
+
+/// Near the model's outline the ray may just miss: the face seen nearest to the pixel, within reach of a
+/// node.
+Spot faceAround(const ShownModel& shown, int x, int y) {
+    for (int reach = 1; reach <= static_cast<int>(kNodeReach_px); ++reach)
+        for (int dx = -reach; dx <= reach; dx += reach)
+            for (int dy = -reach; dy <= reach; dy += reach)
+                if (const Spot spot = firstFace(shown, rayThrough(x + dx, y + dy)); spot.distance < kNever)
+                    return spot;
+    return {};
+}
+
+/// Model length of one pixel at a point.
+double pixelLength(const Point& point) {
+    constexpr int kPixels = 16;
+    _NgPoint3Str at = {point[0], point[1], point[2]}, from, to;
+    ngl_get_offset_pt_in_screen(&at, 0, 0, &from);
+    ngl_get_offset_pt_in_screen(&at, kPixels, 0, &to);
+    return length(Point{to.x - from.x, to.y - from.y, to.z - from.z}) / kPixels;
+}
+
+/// Distance in the window between a point and the middle of a pixel.
+double screenDistance(const Point& point, int x, int y) {
+    double sx = 0.0, sy = 0.0;
+    ngl_transform_32(point[0], point[1], point[2], &sx, &sy);
+    return std::hypot(sx - x, sy - y);
+}
+
+Point drawnPosition(const ShownModel& shown, const Spot& spot) {
+    Point sum{};
+    for (int i = 0; i < 3; ++i)
+        sum = sum + spot.weights[i] * shown.points[spot.points[i]];
+    return sum;
+}
+
+/// Collects nodes and edges as elements of two vertices for the library to pick from. Each edge stands
+/// between its two ends, entered as edges of no length: NglPickMesh names the far end of an edge by its
+/// neighbour in this list.
+class Outline {
+public:
+    explicit Outline(const ShownModel& shown) : m_shown(shown) {}
+    void addNode(Index node) {
+        addVertex(node);
+        addVertex(node);
+    }
+    void addEdge(Index from, Index to) {
+        addNode(from);
+        addVertex(from);
+        addVertex(to);
+        addNode(to);
+    }
+
+    /// The nodes of what is nearest to the ray within a reach in model length: two for an edge, its nearer
+    /// end first, one for a node, none for nothing.
+    std::vector<Index> nearest(const Ray& ray, double reach) {
+        if (m_nodes.empty())
+            return {};
+        MeshPtr mesh(
+            ngl_create_mesh(static_cast<unsigned>(m_nodes.size()), m_positions.data(), nullptr, 0, 0, 1));
+        ngl_add_connect(mesh.get(), static_cast<unsigned>(m_nodes.size() / 2), 2, m_vertices.data(), 1);
+        double identity[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+        const Point end = ray.origin + ray.direction;
+        _NgPoint3Str p = {ray.origin[0], ray.origin[1], ray.origin[2]}, q = {end[0], end[1], end[2]};
+        _NgPoint3Str* positions = nullptr;
+        int* vertices = nullptr;
+        const _NgPickStatus status =
+            NglPickMesh(mesh.get(), &p, &q, &identity, &positions, &vertices, &reach);
+        std::vector<Index> found;
+        for (int i = 0; i < (status == NgPickEdge ? 2 : status == NgPickVertex ? 1 : 0); ++i)
+            found.push_back(m_nodes[vertices[i]]);
+        NHostFree(vertices);
+        NHostFree(positions);
+        return found;
+    }
+
+private:
+    void addVertex(Index node) {
+        m_vertices.push_back(static_cast<Index>(m_nodes.size()));
+        m_nodes.push_back(node);
+        m_positions.push_back(m_shown.points[node]);
+    }
+
+    const ShownModel& m_shown;
+    std::vector<Index> m_nodes; ///< of each vertex
+    std::vector<Point> m_positions;
+    std::vector<Index> m_vertices; ///< two for each element
+};
+
+bool isEdge(const Surface& surface, Index a, Index b) {
+    return std::any_of(surface.edges.begin(), surface.edges.end(), [=](const auto& edge) {
+        return (edge[0] == a && edge[1] == b) || (edge[0] == b && edge[1] == a);
+    });
+}
+
+/// Nodes and edges of one face; what splitting it has added is left out.
+Outline outlineOf(const ShownModel& shown, std::size_t wanted) {
+    Outline outline(shown);
+    std::size_t face = 0;
+    forEachFace(shown.surface, [&](std::span<const Index> corners, Index) {
+        for (std::size_t i = 0; face == wanted && i < corners.size(); ++i) {
+            const Index from = corners[i], to = corners[(i + 1) % corners.size()];
+            if (isEdge(shown.surface, from, to))
+                outline.addEdge(from, to);
+            else if (from < shown.model.nodes.size())
+                outline.addNode(from);
+        }
+        ++face;
+    });
+    return outline;
+}
+
+/// Where the segment of two points comes nearest to the ray, as a part of its length.
+double nearestPart(const ShownModel& shown, const Ray& ray, Index from, Index to) {
+    const Point edge = shown.points[to] - shown.points[from];
+    const Point across = edge - dot(edge, ray.direction) * ray.direction;
+    const double size = dot(across, across);
+    return size > 0.0 ? std::clamp(dot(ray.origin - shown.points[from], across) / size, 0.0, 1.0) : 0.0;
+}
+
+Picked pickedAt(const ShownModel& shown, Kind kind, const Spot& spot, std::array<Index, 2> nodes) {
+    Picked picked{kind, spot.cell, nodes, {}, 0.0};
+    for (int i = 0; i < 3; ++i)
+        if (spot.weights[i] != 0.0) {
+            picked.position = picked.position + spot.weights[i] * modelPosition(shown, spot.points[i]);
+            picked.value += spot.weights[i] * valueAt(shown, spot.points[i], spot.cell);
+        }
+    return picked;
+}
+
+Picked pickFace(const ShownModel& shown, const Ray& ray, const Spot& face, bool direct, int x, int y) {
+    const double pixel = pixelLength(drawnPosition(shown, face));
+    Outline outline = outlineOf(shown, face.face);
+    const std::vector<Index> near = outline.nearest(ray, kNodeReach_px * pixel);
+    if (!near.empty() && near[0] < shown.model.nodes.size() &&
+        screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
+        return pickedAt(shown, Kind::Node, {0.0, 0, face.cell, {near[0]}, {1.0}}, {near[0], near[0]});
+    if (near.size() == 2 && outline.nearest(ray, kEdgeReach_px * pixel).size() == 2) {
+        const double part = nearestPart(shown, ray, near[0], near[1]);
+        const Spot spot = {0.0, 0, face.cell, {near[0], near[1]}, {1.0 - part, part}};
+        return pickedAt(shown, Kind::Edge, spot, {std::min(near[0], near[1]), std::max(near[0], near[1])});
+    }
+    return direct ? pickedAt(shown, Kind::Element, face, {}) : Picked{};
+}
+
+/// The single point or beam that has these nodes.
+Index looseCell(const Surface& surface, const std::vector<Index>& nodes) {
+    for (std::size_t i = 0; i < surface.points.size(); ++i)
+        if (nodes.size() == 1 && surface.points[i] == nodes[0])
+            return surface.pointCells[i];
+    for (std::size_t i = 0; i < surface.lines.size(); ++i) {
+        const auto& [from, to] = surface.lines[i];
+        if ((from == nodes[0] || to == nodes[0]) && (from == nodes.back() || to == nodes.back()))
+            return surface.lineCells[i];
+    }
+    return 0;
+}
+
+/// The beam or single point nearest to the pixel, and how far from the ray's origin it is.
+Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& distance) {
+    Outline outline(shown);
+    for (const auto& [from, to] : shown.surface.lines)
+        outline.addEdge(from, to);
+    for (Index point : shown.surface.points)
+        outline.addNode(point);
+    const Point middle = 0.5 * (shown.bounds.low + shown.bounds.high);
+    const std::vector<Index> near = outline.nearest(ray, kNodeReach_px * pixelLength(middle));
+    if (near.empty())
+        return {};
+    const Index cell = looseCell(shown.surface, near);
+    const double part = near.size() == 2 ? nearestPart(shown, ray, near[0], near[1]) : 0.0;
+    const Spot spot = {0.0, 0, cell, {near[0], near.back()}, {1.0 - part, part}};
+    distance = dot(drawnPosition(shown, spot) - ray.origin, ray.direction);
+    if (screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
+        return pickedAt(shown, Kind::Node, {0.0, 0, cell, {near[0]}, {1.0}}, {near[0], near[0]});
+    return pickedAt(shown, Kind::Element, spot, {});
+}
+
+} // namespace
+
+Picked pick(const ShownModel& shown, int x, int y) {
+    const Ray ray = rayThrough(x, y);
+    const Spot direct = firstFace(shown, ray);
+    double looseDistance = kNever;
+    const Picked loose = pickLoose(shown, ray, x, y, looseDistance);
+    if (loose.kind != Kind::Nothing && looseDistance <= direct.distance)
+        return loose;
+    const bool hit = direct.distance < kNever;
+    const Spot face = hit ? direct : faceAround(shown, x, y);
+    return face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};
+}
+
+std::string describe(const ShownModel& shown, const Picked& picked) {
+    if (picked.kind == Kind::Nothing)
+        return "nothing";
+    std::string name;
+    if (picked.kind == Kind::Node)
+        name = "node " + std::to_string(picked.nodes[0]);
+    else if (picked.kind == Kind::Edge)
+        name = "edge " + std::to_string(picked.nodes[0]) + " " + std::to_string(picked.nodes[1]);
+    else
+        name = "element " + std::to_string(picked.cell) + " (" +
+               std::string(cellTypeName(shown.model.types[picked.cell])) + ")";
+    char text[160];
+    std::snprintf(text, sizeof text, " at %.6g %.6g %.6g", picked.position[0], picked.position[1],
+                  picked.position[2]);
+    name += text;
+    if (shown.scalars) {
+        std::snprintf(text, sizeof text, " = %.6g", picked.value);
+        name += ": " + shown.scalars->label + (std::isnan(picked.value) ? " has no value" : text);
+    }
+    return name;
+}
+
+} // namespace nruview

@@ -1,0 +1,143 @@
+// The sample models: structured meshes whose fields come from closed forms.
+#include "viewer/samples.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+
+#include "viewer/elasticity.h"
+#include "viewer/error.h"
+#include "viewer/vectors.h"
+
+namespace nruview {
+
+namespace {
+
+using Index = std::uint32_t;
+
+constexpr std::uint64_t kMaxCells = 4'000'000;
+constexpr double kPlateHalf = 5.0 * PlateWithHole::kRadius; ///< half the side of the plate
+
+/// Node fields U and S and the cell field S_cell (von Mises at the centre) from a closed form.
+template <typename Solution>
+void addFields(Model& model) {
+    Field displacement{"U", FieldLocation::Node, 3, {}};
+    Field stress{"S", FieldLocation::Node, 6, {}};
+    for (const Point& node : model.nodes) {
+        const ElasticState state = Solution::at(node);
+        displacement.values.insert(displacement.values.end(), state.displacement.begin(),
+                                   state.displacement.end());
+        stress.values.insert(stress.values.end(), state.stress.begin(), state.stress.end());
+    }
+    Field mises{"S_cell", FieldLocation::Cell, 1, {}};
+    for (std::size_t cell = 0; cell < model.cellCount(); ++cell) {
+        Point sum{};
+        for (Index node : model.cellNodes(cell))
+            sum = sum + model.nodes[node];
+        const Point centre = (1.0 / static_cast<double>(model.cellNodes(cell).size())) * sum;
+        mises.values.push_back(vonMises(Solution::at(centre).stress));
+    }
+    model.fields = {std::move(displacement), std::move(stress), std::move(mises)};
+}
+
+/// Throws when a mesh would have too many cells.
+void checkSize(const std::string& selector, std::uint64_t cells) {
+    if (cells > kMaxCells)
+        throw ViewerError("sample " + selector, "would have " + std::to_string(cells) +
+                                                    " elements; at most " + std::to_string(kMaxCells) +
+                                                    " are made");
+}
+
+Model makeCantilever(const std::string& selector, Index n) {
+    const Index nx = n, ny = std::max<Index>(1, (n + 2) / 5), nz = std::max<Index>(1, (n + 5) / 10);
+    checkSize(selector, std::uint64_t{nx} * ny * nz);
+    Model model;
+    for (Index k = 0; k <= nz; ++k)
+        for (Index j = 0; j <= ny; ++j)
+            for (Index i = 0; i <= nx; ++i)
+                model.nodes.push_back({Cantilever::kLength * i / nx,
+                                       Cantilever::kHeight * (1.0 * j / ny - 0.5),
+                                       Cantilever::kWidth * (1.0 * k / nz - 0.5)});
+    const auto node = [=](Index i, Index j, Index k) { return (k * (ny + 1) + j) * (nx + 1) + i; };
+    for (Index k = 0; k < nz; ++k)
+        for (Index j = 0; j < ny; ++j)
+            for (Index i = 0; i < nx; ++i)
+                model.addCell(CellType::Hexa,
+                              std::array{node(i, j, k), node(i + 1, j, k), node(i + 1, j + 1, k),
+                                         node(i, j + 1, k), node(i, j, k + 1), node(i + 1, j, k + 1),
+                                         node(i + 1, j + 1, k + 1), node(i, j + 1, k + 1)});
+    addFields<Cantilever>(model);
+    return model;
+}
+
+/// Rays at equal angles from the rim to the square's outline; along each the element size grows with the
+/// radius.
+Model makePlate(const std::string& selector, Index n) {
+    checkSize(selector, std::uint64_t{4} * n * n);
+    const Index around = 4 * n;
+    Model model;
+    for (Index ring = 0; ring <= n; ++ring)
+        for (Index ray = 0; ray < around; ++ray) {
+            const double angle = 2.0 * std::numbers::pi * (ray + 0.5 * (n % 2)) / around;
+            const Point direction = {std::cos(angle), std::sin(angle), 0.0};
+            const double outer = kPlateHalf / std::max(std::abs(direction[0]), std::abs(direction[1]));
+            const double growth = outer / PlateWithHole::kRadius;
+            model.nodes.push_back((PlateWithHole::kRadius * std::pow(growth, 1.0 * ring / n)) * direction);
+        }
+    for (Index ring = 0; ring < n; ++ring)
+        for (Index ray = 0; ray < around; ++ray) {
+            const Index next = (ray + 1) % around;
+            model.addCell(CellType::Quad, std::array{ring * around + ray, (ring + 1) * around + ray,
+                                                     (ring + 1) * around + next, ring * around + next});
+        }
+    addFields<PlateWithHole>(model);
+    return model;
+}
+
+struct Sample {
+    const char* name;
+    const char* description;
+    Index defaultSize;
+    Model (*make)(const std::string& selector, Index n);
+};
+
+constexpr std::array kSamples = {
+    Sample{"cantilever", "beam of hexahedra bent by a force at its end (Timoshenko & Goodier)", 40,
+           makeCantilever},
+    Sample{"hole", "plate with a round hole under tension (Kirsch 1898), stress concentration 3", 24,
+           makePlate},
+};
+
+Index parseSize(const std::string& selector, std::size_t colon) {
+    Index size = 0;
+    const char* end = selector.data() + selector.size();
+    const auto [stop, error] = std::from_chars(selector.data() + colon + 1, end, size);
+    if (error != std::errc() || stop != end || size < 1 || size > 2000)
+        throw ViewerError("sample " + selector, "the size is a number from 1 to 2000");
+    return size;
+}
+
+} // namespace
+
+Model makeSample(const std::string& selector) {
+    const std::size_t colon = selector.find(':');
+    const std::string name = selector.substr(0, colon);
+    for (const Sample& sample : kSamples)
+        if (name == sample.name)
+            return sample.make(selector,
+                               colon == std::string::npos ? sample.defaultSize : parseSize(selector, colon));
+    std::string names;
+    for (const Sample& sample : kSamples)
+        names += std::string(names.empty() ? "" : ", ") + sample.name;
+    throw ViewerError("sample " + selector, "there is no such sample; there are " + names);
+}
+
+std::vector<std::array<std::string, 2>> sampleList() {
+    std::vector<std::array<std::string, 2>> list;
+    for (const Sample& sample : kSamples)
+        list.push_back({sample.name, sample.description});
+    return list;
+}
+
+} // namespace nruview

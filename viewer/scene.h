@@ -1,0 +1,44 @@
+// The picture of a model: library meshes made once, drawn in every frame.
+#pragma once
+
+#include <optional>
+
+#include "viewer/colorbands.h"
+#include "viewer/meshbuilder.h"
+#include "viewer/shownmodel.h"
+
+namespace nruview {
+
+/// Needs a current context from its making on, and for drawing the view that beginFrame sets. One scene at a
+/// time is the library's source of the active contour texture: the one that was made last.
+class Scene {
+public:
+    Scene(const ShownModel& shown, const SceneSettings& settings);
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    void draw();
+    /// The contour colours; nothing without a field.
+    const std::optional<ColorBands>& bands() const { return m_bands; }
+
+private:
+    /// What has values and what has none (no field, or NaN), which is drawn in one colour.
+    struct Part {
+        ContourMesh colored, plain;
+    };
+    void drawFaces();
+    void drawBeams();
+    void drawPoints();
+    void drawEdges();
+    void beginContour();
+    void endContour();
+
+    std::optional<ColorBands> m_bands;
+    NgColorLong m_plainColor;
+    EdgeMode m_edgeMode;
+    Part m_faces, m_beams, m_points;
+    MeshPtr m_edges;
+};
+
+} // namespace nruview

@@ -1,0 +1,139 @@
+// Selects the field, deforms the nodes and finds what they span.
+#include "viewer/shownmodel.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "viewer/error.h"
+#include "viewer/vectors.h"
+
+namespace nruview {
+
+namespace {
+
+constexpr double kAutoDeform = 0.1; ///< largest displacement shown, as a part of the model's size
+
+/// Weighted mean over the nodes of a centre.
+template <typename Value, typename Get>
+Value interpolated(const Surface::Centre& centre, Value sum, Get get) {
+    for (std::size_t i = 0; i < centre.nodes.size(); ++i)
+        if (centre.weights[i] != 0.0)
+            sum = sum + centre.weights[i] * get(centre.nodes[i]);
+    return sum;
+}
+
+Point displacementOf(const Field& field, std::uint32_t node) {
+    const double* u = field.values.data() + std::size_t{node} * 3;
+    return {u[0], u[1], u[2]};
+}
+
+bool isNodeVector(const Field& field) {
+    return field.location == FieldLocation::Node && field.components == 3;
+}
+
+/// The field to deform by: the one named, else one named like a displacement, else the vector that is drawn.
+const Field& displacementField(const Model& model, const ShownSettings& settings) {
+    if (!settings.deformBy.empty()) {
+        const Field& field = findField(model, settings.deformBy, settings.step);
+        if (!isNodeVector(field))
+            throw ViewerError("field " + field.name,
+                              "is no vector of the nodes, so it cannot deform the model");
+        return field;
+    }
+    if (const Field* field = findDisplacement(model, settings.step))
+        return *field;
+    if (!settings.field.empty()) {
+        const Field& drawn =
+            findField(model, settings.field.substr(0, settings.field.find(':')), settings.step);
+        if (isNodeVector(drawn))
+            return drawn;
+    }
+    throw ViewerError("--deform", "there is no displacement field; --deform-by names one");
+}
+
+/// Points of the surface, bounds of which nodes without an element are not to widen.
+std::vector<Point> usedPoints(const Surface& surface, const std::vector<Point>& points) {
+    std::vector<bool> used(points.size(), false);
+    const auto mark = [&used](const auto& elements) {
+        for (const auto& element : elements)
+            for (std::uint32_t point : element)
+                used[point] = true;
+    };
+    mark(surface.triangles);
+    mark(surface.quads);
+    mark(surface.lines);
+    for (std::uint32_t point : surface.points)
+        used[point] = true;
+    std::vector<Point> list;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (used[i])
+            list.push_back(points[i]);
+    return list;
+}
+
+double automaticFactor(const Field& displacement, const Bounds& bounds) {
+    double largest = 0.0;
+    for (std::size_t node = 0; node < displacement.values.size() / 3; ++node) {
+        const double size = length(displacementOf(displacement, static_cast<std::uint32_t>(node)));
+        largest = std::isfinite(size) ? std::max(largest, size) : largest;
+    }
+    return largest > 0.0 ? kAutoDeform * length(bounds.high - bounds.low) / largest : 0.0;
+}
+
+/// Nodes without a finite displacement stay where they are.
+void deform(ShownModel& shown, const Field& displacement, double factor) {
+    shown.deformFactor = factor;
+    for (std::uint32_t node = 0; node < shown.model.nodes.size(); ++node) {
+        const Point moved = shown.points[node] + factor * displacementOf(displacement, node);
+        if (std::isfinite(length(moved)))
+            shown.points[node] = moved;
+    }
+    for (std::size_t i = 0; i < shown.surface.centres.size(); ++i)
+        shown.points[shown.model.nodes.size() + i] = interpolated(
+            shown.surface.centres[i], Point{}, [&](std::uint32_t node) { return shown.points[node]; });
+}
+
+} // namespace
+
+ShownModel showModel(Model model, const ShownSettings& settings) {
+    ShownModel shown;
+    shown.model = std::move(model);
+    shown.surface = extractSurface(shown.model);
+    const auto nodeCount = static_cast<std::uint32_t>(shown.model.nodes.size());
+    for (std::uint32_t i = 0; i < nodeCount + shown.surface.centres.size(); ++i)
+        shown.points.push_back(modelPosition(shown, i));
+    if (!settings.field.empty())
+        shown.scalars = selectScalars(shown.model, settings.field, settings.step);
+    if (settings.deformed) {
+        const Field& displacement = displacementField(shown.model, settings);
+        const Bounds undeformed = boundsOf(usedPoints(shown.surface, shown.points));
+        deform(shown, displacement,
+               settings.deformFactor.value_or(automaticFactor(displacement, undeformed)));
+    }
+    shown.bounds = boundsOf(usedPoints(shown.surface, shown.points));
+    if (shown.bounds.empty())
+        throw ViewerError("model", "has no elements that can be drawn");
+    return shown;
+}
+
+double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell) {
+    if (!shown.scalars)
+        return std::numeric_limits<double>::quiet_NaN();
+    const std::vector<double>& values = shown.scalars->values;
+    if (shown.scalars->location == FieldLocation::Cell)
+        return values[cell];
+    if (point < shown.model.nodes.size())
+        return values[point];
+    return interpolated(shown.surface.centres[point - shown.model.nodes.size()], 0.0,
+                        [&](std::uint32_t node) { return values[node]; });
+}
+
+Point modelPosition(const ShownModel& shown, std::uint32_t point) {
+    const std::vector<Point>& nodes = shown.model.nodes;
+    if (point < nodes.size())
+        return nodes[point];
+    return interpolated(shown.surface.centres[point - nodes.size()], Point{},
+                        [&](std::uint32_t node) { return nodes[node]; });
+}
+
+} // namespace nruview

@@ -1,0 +1,30 @@
+// A model as it is shown: its surface, the drawn positions of its points and the value that colours them.
+#pragma once
+
+#include "viewer/camera.h"
+#include "viewer/fields.h"
+#include "viewer/scenesettings.h"
+#include "viewer/surface.h"
+
+namespace nruview {
+
+/// Points are the model's nodes followed by the centres of the surface.
+struct ShownModel {
+    Model model;
+    Surface surface;
+    std::vector<Point> points; ///< where each point is drawn: deformed when asked for
+    std::optional<Scalars> scalars;
+    double deformFactor = 0.0;
+    Bounds bounds; ///< of what is drawn
+};
+
+/// Throws ViewerError for an unknown field, a missing displacement, or a model with nothing to draw.
+ShownModel showModel(Model model, const ShownSettings& settings);
+
+/// Value of a point in a face of a cell: the node's or the cell's; NaN where there is none.
+double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell);
+
+/// Position of a point in the undeformed model.
+Point modelPosition(const ShownModel& shown, std::uint32_t point);
+
+} // namespace nruview
