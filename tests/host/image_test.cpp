@@ -22,8 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr int kWidth = 5,
-              kHeight = 9; // odd, so that rows end inside a byte and every interlace pass has pixels
+// Odd, so that rows end inside a byte and every interlace pass has pixels.
+constexpr int kWidth = 5, kHeight = 9;
 
 // PNG writing
 
@@ -58,64 +58,58 @@ png_color paletteEntry(int i) {
     return {static_cast<png_byte>(i * 40 + 1), static_cast<png_byte>(255 - i * 3), static_cast<png_byte>(i)};
 }
 
-void addTransparency(png_structp png, png_infop info, const PngKind& kind) {
-    const png_byte alphas[2] = {0, 100};
-    const auto sample = [&](int channel) {
-        return static_cast<png_uint_16>(sampleOf(kind, 1, 1, kind.channels == 3 ? channel : 0));
-    };
-    const png_color_16 key{0, sample(0), sample(1), sample(2), sample(0)};
-    png_set_tRNS(png, info, alphas, 2, &key);
-}
+/// A PNG file in the making.
+struct PngWriter {
+    PngWriter(int width, int height, int depth, int colorType, bool interlaced) {
+        png_set_write_fn(png, &file, append, nullptr);
+        png_set_IHDR(png, info, width, height, depth, colorType, interlaced, 0, 0);
+    }
+    ~PngWriter() { png_destroy_write_struct(&png, &info); }
+    static void append(png_structp png, png_bytep data, std::size_t size) {
+        auto& bytes = *static_cast<Bytes*>(png_get_io_ptr(png));
+        bytes.insert(bytes.end(), data, data + size);
+    }
 
-void append(png_structp png, png_bytep data, std::size_t size) {
-    auto& bytes = *static_cast<Bytes*>(png_get_io_ptr(png));
-    bytes.insert(bytes.end(), data, data + size);
-}
+    Bytes file;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+};
 
 /// A PNG file of kWidth x kHeight pixels, with a gamma that a reader of raw samples must not apply.
 Bytes pngFile(const PngKind& kind, bool interlaced) {
-    Bytes file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_write_fn(png, &file, append, nullptr);
-    png_set_IHDR(png, info, kWidth, kHeight, kind.depth, kind.colorType, interlaced, 0, 0);
-    png_set_gAMA(png, info, 1.0);
-    png_color palette[256];
-    for (int i = 0; i < 256; ++i) {
-        palette[i] = paletteEntry(i);
-    }
+    PngWriter out(kWidth, kHeight, kind.depth, kind.colorType, interlaced);
+    png_set_gAMA(out.png, out.info, 1.0);
     if (kind.colorType == PNG_COLOR_TYPE_PALETTE) {
-        png_set_PLTE(png, info, palette, 1 << kind.depth);
+        std::array<png_color, 256> palette;
+        std::generate(palette.begin(), palette.end(), [i = 0]() mutable { return paletteEntry(i++); });
+        png_set_PLTE(out.png, out.info, palette.data(), 1 << kind.depth);
     }
     if (kind.transparent) {
-        addTransparency(png, info, kind);
+        const png_byte alphas[2] = {0, 100};
+        const auto sample = [&](int channel) {
+            return static_cast<png_uint_16>(sampleOf(kind, 1, 1, channel));
+        };
+        const png_color_16 key{0, sample(0), sample(1), sample(2), sample(0)};
+        png_set_tRNS(out.png, out.info, alphas, 2, &key);
     }
-    std::vector<Bytes> packed;
+    std::array<Bytes, kHeight> packed;
+    std::array<png_bytep, kHeight> rows;
     for (int y = 0; y < kHeight; ++y) {
-        packed.push_back(packedRow(kind, y));
+        packed[y] = packedRow(kind, y);
+        rows[y] = packed[y].data();
     }
-    std::vector<png_bytep> rows;
-    for (Bytes& row : packed) {
-        rows.push_back(row.data());
-    }
-    png_set_rows(png, info, rows.data());
-    png_write_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return file;
+    png_set_rows(out.png, out.info, rows.data());
+    png_write_png(out.png, out.info, PNG_TRANSFORM_IDENTITY, nullptr);
+    return out.file;
 }
 
 /// A PNG of RGB pixels whose one data chunk holds these bytes, under a right checksum.
-Bytes pngOf(int width, int height, Bytes data) {
-    Bytes file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_write_fn(png, &file, append, nullptr);
-    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, 0, 0, 0);
-    png_write_info(png, info);
-    png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), data.data(), data.size());
-    png_write_chunk(png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
-    png_destroy_write_struct(&png, &info);
-    return file;
+Bytes pngOf(int width, int height, const Bytes& data) {
+    PngWriter out(width, height, 8, PNG_COLOR_TYPE_RGB, false);
+    png_write_info(out.png, out.info);
+    png_write_chunk(out.png, reinterpret_cast<png_const_bytep>("IDAT"), data.data(), data.size());
+    png_write_chunk(out.png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
+    return out.file;
 }
 
 /// A PNG whose header promises a size that its few bytes of data do not hold.
@@ -192,7 +186,6 @@ TEST(Png, AnyDamagedOrMissingByteIsRefused) {
     }
 }
 
-// --------------------------------------------------------------------------------------------------- JPEG
 TEST(Png, PixelDataThatDoNotAddUpAreRefused) {
     const auto deflated = [](std::size_t rawBytes) {
         const Bytes raw(rawBytes);
@@ -211,7 +204,7 @@ TEST(Png, PixelDataThatDoNotAddUpAreRefused) {
     EXPECT_NE(decodePng(pngOf(20, 20, wrongSum)).error, "");
 }
 
-// writing
+// JPEG writing
 
 struct JpegKind {
     const char* name;
@@ -256,31 +249,22 @@ Bytes jpegFile(const JpegKind& kind, const Bytes& left, const Bytes& right) {
     return file;
 }
 
+const Bytes kRed{200, 30, 60}, kGreen{10, 220, 130};
+const Bytes kInk{153, 0, 255, 51}, kNoInk{0, 0, 0, 0}, kInkOfAdobe{102, 255, 0, 204}, kNoInkOfAdobe(4, 255);
+const Bytes kInkLight{82, 204, 0}, kWhite(3, 255); // 102/255 * 204/255 of the red light comes back
+
 const struct {
     JpegKind kind;
     Bytes left, right;       // as stored
     Bytes leftRgb, rightRgb; // as light
 } kJpegs[] = {
-    {{"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, false}, {40}, {200}, {40, 40, 40}, {200, 200, 200}},
-    {{"YCbCr", JCS_RGB, JCS_YCbCr, false}, {200, 30, 60}, {10, 220, 130}, {200, 30, 60}, {10, 220, 130}},
-    {{"progressive", JCS_RGB, JCS_YCbCr, false, true},
-     {200, 30, 60},
-     {10, 220, 130},
-     {200, 30, 60},
-     {10, 220, 130}},
-    {{"RGB", JCS_RGB, JCS_RGB, true}, {200, 30, 60}, {10, 220, 130}, {200, 30, 60}, {10, 220, 130}},
-    // 102/255 * 204/255 of the light comes back from one ink over black.
-    {{"CMYK", JCS_CMYK, JCS_CMYK, false}, {153, 0, 255, 51}, {0, 0, 0, 0}, {82, 204, 0}, {255, 255, 255}},
-    {{"CMYK of Adobe", JCS_CMYK, JCS_CMYK, true},
-     {102, 255, 0, 204},
-     {255, 255, 255, 255},
-     {82, 204, 0},
-     {255, 255, 255}},
-    {{"YCCK of Adobe", JCS_CMYK, JCS_YCCK, true},
-     {102, 255, 0, 204},
-     {255, 255, 255, 255},
-     {82, 204, 0},
-     {255, 255, 255}},
+    {{"YCbCr", JCS_RGB, JCS_YCbCr, false}, kRed, kGreen, kRed, kGreen},
+    {{"progressive", JCS_RGB, JCS_YCbCr, false, true}, kRed, kGreen, kRed, kGreen},
+    {{"RGB", JCS_RGB, JCS_RGB, true}, kRed, kGreen, kRed, kGreen},
+    {{"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, false}, {40}, {200}, Bytes(3, 40), Bytes(3, 200)},
+    {{"CMYK", JCS_CMYK, JCS_CMYK, false}, kInk, kNoInk, kInkLight, kWhite},
+    {{"CMYK of Adobe", JCS_CMYK, JCS_CMYK, true}, kInkOfAdobe, kNoInkOfAdobe, kInkLight, kWhite},
+    {{"YCCK of Adobe", JCS_CMYK, JCS_YCCK, true}, kInkOfAdobe, kNoInkOfAdobe, kInkLight, kWhite},
 };
 
 TEST(Jpeg, EveryColourSpaceBecomesRgba) {
@@ -321,7 +305,7 @@ TEST(Jpeg, HalfAPictureIsRefusedButPaddingIsNot) {
 
 /// The JPEG with another size in its frame header.
 Bytes jpegOfSize(int width, int height) {
-    Bytes file = jpegFile(kJpegs[1].kind, kJpegs[1].left, kJpegs[1].right);
+    Bytes file = jpegFile(kJpegs[0].kind, kRed, kGreen);
     const std::uint8_t frame[] = {0xff, 0xc0};
     auto size = std::search(file.begin(), file.end(), std::begin(frame), std::end(frame)) + 5;
     for (const int value : {height >> 8, height, width >> 8, width}) {
@@ -349,7 +333,7 @@ TEST(Image, AFalseSizeTakesNoMemory) {
     EXPECT_LT(usage.ru_maxrss / 1024, 400) << "megabytes; the pixels alone would be 1024";
 }
 
-// the loader
+// The loader
 
 /// A folder of its own, and the console messages of the case.
 class ImageLoader : public ::testing::Test {
@@ -385,9 +369,7 @@ Bytes text(std::string_view bytes) {
 
 TEST_F(ImageLoader, GivesTheChannelsAskedFor) {
     const PngKind kind{"RGBA 8", PNG_COLOR_TYPE_RGB_ALPHA, 8, 4};
-    const GuStringFileName png = write("gr\xc3\xb6\xc3\x9f"
-                                       "e.jpg",
-                                       pngFile(kind, false)); // content decides
+    const GuStringFileName png = write("größe.jpg", pngFile(kind, false)); // content decides
     for (const int channels : {1, 3, 4}) {
         const HostImage image = hostLoadImage(png, channels);
         ASSERT_TRUE(image);
