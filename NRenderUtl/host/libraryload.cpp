@@ -60,28 +60,21 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processIsEnding) {
 
 namespace {
 
-// on_exit, not atexit: a handler of atexit belongs to the shared object and would run on its unloading too.
-void watchProcessEnd() {
-    on_exit([](int, void*) { state().processIsEnding = true; }, nullptr);
-}
-
-__attribute__((constructor)) void attached() {
-    watchProcessEnd();
-}
-
 __attribute__((destructor)) void detached() {
     hostLibraryDetach(state().processIsEnding);
 }
 
 } // namespace
 
-// Handlers run last in, first out. What the constructor registers in a library that is linked at start-up
-// comes before the dynamic linker's own handler, and so runs after the destructors: once more from main().
+// on_exit, not atexit: a handler of atexit belongs to the shared object and would run on its unloading too.
+// Handlers run last in, first out: one registered while the library is loaded at start-up would come before
+// the dynamic linker's own, and so run after the destructors. Therefore it is registered from main(), by the
+// entry points.
 void hostWatchProcessEnd() {
     if (state().watchesProcessEnd)
         return;
     state().watchesProcessEnd = true;
-    watchProcessEnd();
+    on_exit([](int, void*) { state().processIsEnding = true; }, nullptr);
 }
 
 #endif
