@@ -25,7 +25,7 @@ struct Signature {
     Format format;
     const char* name;
 };
-// The last four are known only so that the refusal can say what the file is.
+// Those of format Other are known only so that the refusal can say what the file is.
 constexpr Signature kSignatures[] = {
     {"\x89PNG\r\n\x1a\n", Format::Png, "PNG"},
     {"\xff\xd8\xff", Format::Jpeg, "JPEG"},
@@ -33,9 +33,12 @@ constexpr Signature kSignatures[] = {
     {"BM", Format::Other, "BMP"},
     {"GIF8", Format::Other, "GIF"},
     {"II*", Format::Other, "TIFF"},
-    {"MM", Format::Other, "TIFF"},
+    {{"MM\0*", 4}, Format::Other, "TIFF"},
+    {"P2", Format::Other, "PGM"},
+    {"P5", Format::Other, "PGM"},
+    {"P3", Format::Other, "PPM"},
+    {"P6", Format::Other, "PPM"},
     {"v/1\x01", Format::Other, "OpenEXR"},
-    {"RIFF", Format::Other, "WebP"},
 };
 
 /// Pixels that the host's loader made, and what frees them: it stays the same when other services are

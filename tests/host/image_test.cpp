@@ -404,6 +404,7 @@ TEST_F(ImageLoader, ARefusalNamesTheFileAndTheReason) {
     write("cut.png", {png.begin(), png.end() - 5});
     write("whole.png", png);
     write("map.bmp", text("BM......"));
+    write("letter", text("Dear reader"));
     write("grey.pgm", text("P5 1 1 255 x"));
     write("sky.hdr", text("#?RADIANCE\n\n-Y 1 +X 1\n...."));
     write("bad.hdr", text("#?RADIANCE\n\n-Y 2 +X 1\n...."));
@@ -418,7 +419,8 @@ TEST_F(ImageLoader, ARefusalNamesTheFileAndTheReason) {
         {"empty", "the file is empty"},
         {"cut.png", "image data are corrupt"},
         {"map.bmp", "BMP images are not supported"},
-        {"grey.pgm", "not a PNG or JPEG image"},
+        {"grey.pgm", "PGM images are not supported"},
+        {"letter", "not a PNG or JPEG image"},
         {"sky.hdr", "Radiance images are not supported here"},
         {"whole.png", "PNG images are not supported here", true},
         {"bad.hdr", "image data end too soon", true},
