@@ -24,9 +24,9 @@ struct MemoryState {
     std::size_t liveBlocks = 0;
 };
 
-// Never destroyed: static objects may free their blocks during exit.
+// Nothing in it is destroyed: static objects may free their blocks during exit.
 MemoryState& state() {
-    static MemoryState& state = *new MemoryState;
+    static MemoryState state;
     return state;
 }
 
@@ -79,8 +79,10 @@ std::size_t NHostLiveBlocks() {
 std::size_t NHostReportLiveBlocks() {
     std::size_t count = 0;
     for (const BlockHeader* header = state().first; header != nullptr; header = header->next, ++count) {
-        const std::string place = hostFormat("%s:%d", header->file != nullptr ? header->file : "?", header->line);
-        const std::string text = std::to_string(header->bytes) + " bytes allocated at " + place + " are still alive";
+        const std::string place =
+            hostFormat("%s:%d", header->file != nullptr ? header->file : "?", header->line);
+        const std::string text =
+            std::to_string(header->bytes) + " bytes allocated at " + place + " are still alive";
         hostDiagnostic(NHostDiagnosticCount, text.c_str());
     }
     return count;

@@ -46,7 +46,7 @@ struct NHostServices {
 
 /// Installs the host's services; null restores every default. The record is copied.
 /// Returns 0; -1, with nothing changed, when only a part of the memory or image functions is given or when
-/// memory functions would change while blocks of the library are alive.
+/// memory functions (or the context they receive) would change while blocks of the library are alive.
 NRENDERUTL_API int NHostSetServices(const NHostServices* services);
 
 /// Allocates a block tagged with its source position; null when there is no memory. Free it with NHostFree.

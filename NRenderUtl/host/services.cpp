@@ -7,9 +7,9 @@ struct ServicesState {
     NHostServices current{};
 };
 
-// Never destroyed: blocks are freed and messages written during exit too.
+// Nothing in it is destroyed: blocks are freed and messages written during exit too.
 ServicesState& state() {
-    static ServicesState& state = *new ServicesState;
+    static ServicesState state;
     return state;
 }
 

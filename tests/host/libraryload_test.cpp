@@ -1,6 +1,4 @@
-// The library's attachment to its process: it stays mapped, and complains only when it is detached too early.
-#include <dlfcn.h>
-
+// The library's attachment to its process: it complains only when it is detached too early.
 #include <gtest/gtest.h>
 
 #include "NRenderUtl/host/hostutl.h"
@@ -36,16 +34,6 @@ TEST(LibraryProcessEnd, IsNoUnloadWhenLoadedAtRunTime) {
     const nrutest::ProcessResult result = nrutest::runProgram({LOADING_HOST, SHARED_LIBRARY});
     EXPECT_EQ(result.exitCode, 3);
     EXPECT_EQ(result.output, "end of main\n");
-}
-
-TEST(LibraryPin, OutlivesItsLastHandle) {
-    void* library = dlopen(SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(library, nullptr) << dlerror();
-    auto* anchor = reinterpret_cast<void (*)()>(dlsym(library, "__localFnToKeepNRenderUtlDllLoaded"));
-    ASSERT_NE(anchor, nullptr);
-    dlclose(library);
-    ASSERT_NE(dlopen(SHARED_LIBRARY, RTLD_NOW | RTLD_NOLOAD), nullptr) << "unmapped";
-    anchor();
 }
 
 } // namespace
