@@ -6,8 +6,7 @@
 
 class RenderTextureAttributes;
 
-// --- records
-// ------------------------------------------------------------------------------------------------
+// --- records -----------------------------------------------------------------------------------------------
 
 /// One fixed-function light.
 struct NglLightParams {
@@ -81,8 +80,7 @@ using NglPromptFunc = int (*)(const char* message);
 using NglClipPlaneFunc = int (*)();
 using NglGetActiveTextureAttribProc = RenderTextureAttributes* (*)(unsigned int unit, float a, float b);
 
-// --- scope objects
-// ------------------------------------------------------------------------------------------
+// --- scope objects -----------------------------------------------------------------------------------------
 
 /// Loads the host's clip planes for the length of a block.
 class NRENDERUTL_API NglLoadClipPlanes {
@@ -112,8 +110,7 @@ public:
     NglSetCustomMatrices& operator=(const NglSetCustomMatrices&) = delete;
 };
 
-// --- view record and initialisation
-// -------------------------------------------------------------------------
+// --- view record and initialisation ------------------------------------------------------------------------
 
 /// Reads what the current context can do. Returns 0. Call it once the first context is current.
 NRENDERUTL_API int NglInitGLExtensions();
@@ -173,8 +170,7 @@ NRENDERUTL_API void SetPromptNoUpdate(const char* message);
 NRENDERUTL_API void NglBlockPrompts();
 NRENDERUTL_API void NglUnBlockPrompts();
 
-// --- colours
-// ------------------------------------------------------------------------------------------------
+// --- colours -----------------------------------------------------------------------------------------------
 //
 // A colour is a palette index or a packed value. Index 32 is always the highlight colour and 33 the selection
 // colour. An index that the table in use does not have takes the entry of the library table, and from 256 on
@@ -384,8 +380,7 @@ NRENDERUTL_API void ngl_get_offset_pt_in_screen(_NgPoint3Str* point, int dx, int
 NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy,
                                                     _NgPoint3Str* out);
 
-// --- framebuffers
-// -------------------------------------------------------------------------------------------
+// --- framebuffers ------------------------------------------------------------------------------------------
 
 /// Makes a framebuffer of width x height pixels with an RGBA8 colour texture (format and type as of
 /// glTexImage2D) and a depth-stencil texture, and leaves it bound; the 2D texture binding becomes 0. Returns
@@ -406,8 +401,7 @@ NRENDERUTL_API int NglGetBoundFBO();
 NRENDERUTL_API int NglReadPixelsFromFBO(int x, int y, int width, int height, unsigned int format,
                                         unsigned int type, void* pixels);
 
-// --- clip planes, lights, depth
-// -----------------------------------------------------------------------------
+// --- clip planes, lights, depth ----------------------------------------------------------------------------
 
 /// The host's callbacks that load its clip planes into GL and take them out; null keeps the one registered.
 NRENDERUTL_API void NglRegisterLoadClipPlaneFunc(NglClipPlaneFunc func);
@@ -428,8 +422,7 @@ NRENDERUTL_API void ngl_enable_depth_test();
 NRENDERUTL_API void ngl_disable_depth_test();
 NRENDERUTL_API int ngl_is_depth_test_enabled();
 
-// --- contour texture
-// ----------------------------------------------------------------------------------------
+// --- contour texture ---------------------------------------------------------------------------------------
 
 // A texture target is GL's; a negative one means GL_TEXTURE_2D.
 

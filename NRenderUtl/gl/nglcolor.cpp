@@ -16,11 +16,13 @@ namespace {
 constexpr int kTableSize = 256;
 constexpr int kHighlightIndex = 32;
 constexpr int kSelectionIndex = 33;
-constexpr int kWhiteIndex = 15;       // hosts' name for white ...
-constexpr int kIssuedWhiteIndex = 63; // ... which is issued as this entry
-constexpr int kComplementThreshold =
-    13; // per channel: closer to the background than this cannot be seen on it
-constexpr int kLightBackgroundSum = 382; // red + green + blue from here on: a light background
+// Hosts ask for white by one index; it is issued as another, which schemes keep white.
+constexpr int kWhiteIndex = 15;
+constexpr int kIssuedWhiteIndex = 63;
+// A colour this close to the background in every channel cannot be seen on it.
+constexpr int kComplementThreshold = 13;
+// A background is light from this sum of red, green and blue on.
+constexpr int kLightBackgroundSum = 382;
 constexpr NgColorLong kAlphaMask = 0xFF000000;
 constexpr NgColorLong kWhite = 0xFFFFFFFF;
 
@@ -154,8 +156,7 @@ float unit(int byte) {
 
 } // namespace
 
-// --- by index
-// -----------------------------------------------------------------------------------------------
+// --- by index ----------------------------------------------------------------------------------------------
 
 void ngl_set_color(int index) {
     if (index < 0)
@@ -255,8 +256,7 @@ int ngl_get_rgb_floats(int index, float& red, float& green, float& blue) {
     return 0;
 }
 
-// --- special colours and background
-// -------------------------------------------------------------------------
+// --- special colours and background ------------------------------------------------------------------------
 
 NgColorLong NglSetHighlightColor(NgColorLong color) {
     return std::exchange(colors().highlight, color);
@@ -309,8 +309,7 @@ int NglGetShadedWFColor2() {
     return colors().shadedWireframe2;
 }
 
-// --- packed colours
-// -----------------------------------------------------------------------------------------
+// --- packed colours ----------------------------------------------------------------------------------------
 
 void ngl_set_color_long(NgColorLong color) {
     issueBytes(color);

@@ -82,8 +82,7 @@ void prompt(NglPromptFunc func, const char* message) {
 
 } // namespace
 
-// --- capabilities
-// -------------------------------------------------------------------------------------------
+// --- capabilities ------------------------------------------------------------------------------------------
 
 int NglInitGLExtensions() {
     GLeeInit();
@@ -103,8 +102,7 @@ int NglIsShaderSupported() {
            GLeeEnabled(GLeeBufferObjects) && GLeeEnabled(GLeeTextureBufferObjects);
 }
 
-// --- loading and reading back
-// -------------------------------------------------------------------------------
+// --- loading and reading back ------------------------------------------------------------------------------
 
 int NglInitMatrices(_NglInfoStr* info) {
     NglRecordState& state = nglRecord();
@@ -191,8 +189,7 @@ NglSetCustomMatrices::~NglSetCustomMatrices() {
     NglPopNglInfo();
 }
 
-// --- switches
-// -----------------------------------------------------------------------------------------------
+// --- switches ----------------------------------------------------------------------------------------------
 
 void NglSetBeingDrawnState(bool beingDrawn) {
     nglRecord().beingDrawn = beingDrawn;
@@ -252,8 +249,7 @@ void NglResetScaleFactorAndFlag(int flag, double factor) {
     nglRecord().meshScaleFactor = factor;
 }
 
-// --- prompts
-// ------------------------------------------------------------------------------------------------
+// --- prompts -----------------------------------------------------------------------------------------------
 
 void NglRegisterPromptFunction(NglPromptFunc func) {
     if (func)

@@ -9,98 +9,78 @@
 namespace {
 
 struct Field {
-    const char* name;
-    std::size_t offset, size; ///< as compiled
-    std::size_t scalar;       ///< bytes of one value, which is also its alignment
-    std::size_t count;        ///< values
+    std::size_t offset; ///< as compiled
+    std::size_t scalar; ///< bytes of one value, which is also its alignment
+    std::size_t count;  ///< values
 };
 
 /// Lays the fields out one after the other, each aligned to its scalar, and compares.
 template <std::size_t N>
-void expectLayout(const Field (&fields)[N], std::size_t recordSize, std::size_t recordAlignment) {
+void expectLayout(const Field (&fields)[N], std::size_t recordSize, std::size_t alignment, const char* name) {
     std::size_t end = 0;
     for (const Field& field : fields) {
         const std::size_t start = (end + field.scalar - 1) / field.scalar * field.scalar;
-        EXPECT_EQ(field.offset, start) << field.name;
-        EXPECT_EQ(field.size, field.scalar * field.count) << field.name;
+        EXPECT_EQ(field.offset, start) << name << ", field " << &field - fields + 1;
         end = start + field.scalar * field.count;
     }
-    EXPECT_EQ(recordSize, (end + recordAlignment - 1) / recordAlignment * recordAlignment);
+    EXPECT_EQ(recordSize, (end + alignment - 1) / alignment * alignment) << name;
+}
+
+std::string& prompted() {
+    static std::string log;
+    return log;
+}
+
+int simplePrompt(const char* message) {
+    prompted() += std::string("simple ") + message + ";";
+    return -1;
+}
+
+int noPumpPrompt(const char* message) {
+    prompted() += std::string("no pump ") + message + ";";
+    return -1;
 }
 
 } // namespace
 
-TEST(NglRecords, ViewRecordHasTheHostsLayout) {
+TEST(NglRecords, HaveTheHostsLayout) {
+    constexpr std::size_t kPointer = sizeof(void*);
     using R = _NglInfoStr;
-    const std::size_t light = 4 + 4 * 16 + 3 * 4, material = 4 * 16 + 4;
-    const Field fields[] = {
-        {"modelView", offsetof(R, modelView), sizeof(R::modelView), 8, 16},
-        {"modelViewF", offsetof(R, modelViewF), sizeof(R::modelViewF), 4, 16},
-        {"projection", offsetof(R, projection), sizeof(R::projection), 8, 16},
-        {"projectionF", offsetof(R, projectionF), sizeof(R::projectionF), 4, 16},
-        {"textureMatrix", offsetof(R, textureMatrix), sizeof(R::textureMatrix), 4, 16},
-        {"inverseModelView", offsetof(R, inverseModelView), sizeof(R::inverseModelView), 8, 16},
-        {"viewport", offsetof(R, viewport), sizeof(R::viewport), 4, 4},
-        {"viewY", offsetof(R, viewY), sizeof(R::viewY), 8, 3},
-        {"viewX", offsetof(R, viewX), sizeof(R::viewX), 8, 3},
-        {"view", offsetof(R, view), sizeof(R::view), 8, 3},
-        {"orthoMin", offsetof(R, orthoMin), sizeof(R::orthoMin), 8, 3},
-        {"orthoMax", offsetof(R, orthoMax), sizeof(R::orthoMax), 8, 3},
-        {"pixelSize", offsetof(R, pixelSize), sizeof(R::pixelSize), 4, 1},
-        {"screenOrigin", offsetof(R, screenOrigin), sizeof(R::screenOrigin), 8, 3},
-        {"colorCount", offsetof(R, colorCount), sizeof(R::colorCount), 4, 1},
-        {"palette", offsetof(R, palette), sizeof(R::palette), sizeof(void*), 1},
-        {"backgroundColor", offsetof(R, backgroundColor), sizeof(R::backgroundColor), 4, 1},
-        {"reserved", offsetof(R, reserved), sizeof(R::reserved), 4, 1},
-        {"colorIndex", offsetof(R, colorIndex), sizeof(R::colorIndex), 4, 1},
-        {"optimizedDisplayMode", offsetof(R, optimizedDisplayMode), sizeof(R::optimizedDisplayMode), 4, 1},
-        {"pushDelta", offsetof(R, pushDelta), sizeof(R::pushDelta), 8, 3},
-        {"transformed", offsetof(R, transformed), sizeof(R::transformed), 4, 1},
-        {"perspective", offsetof(R, perspective), sizeof(R::perspective), 4, 1},
-        {"noComplement", offsetof(R, noComplement), sizeof(R::noComplement), 4, 1},
-        {"viewPushCount", offsetof(R, viewPushCount), sizeof(R::viewPushCount), 4, 1},
-        {"zoomedOrFit", offsetof(R, zoomedOrFit), sizeof(R::zoomedOrFit), 4, 1},
-        {"lights", offsetof(R, lights), sizeof(R::lights), 4, 8 * light / 4},
-        {"frontMaterial", offsetof(R, frontMaterial), sizeof(R::frontMaterial), 4, material / 4},
-        {"backMaterial", offsetof(R, backMaterial), sizeof(R::backMaterial), 4, material / 4},
-        {"cameraPosition", offsetof(R, cameraPosition), sizeof(R::cameraPosition), 8, 3},
-    };
-    expectLayout(fields, sizeof(R), 8);
-}
-
-TEST(NglRecords, LightMaterialAndFramebufferHaveTheHostsLayout) {
+    const Field view[] = {{offsetof(R, modelView), 8, 16},      {offsetof(R, modelViewF), 4, 16},
+                          {offsetof(R, projection), 8, 16},     {offsetof(R, projectionF), 4, 16},
+                          {offsetof(R, textureMatrix), 4, 16},  {offsetof(R, inverseModelView), 8, 16},
+                          {offsetof(R, viewport), 4, 4},        {offsetof(R, viewY), 8, 3},
+                          {offsetof(R, viewX), 8, 3},           {offsetof(R, view), 8, 3},
+                          {offsetof(R, orthoMin), 8, 3},        {offsetof(R, orthoMax), 8, 3},
+                          {offsetof(R, pixelSize), 4, 1},       {offsetof(R, screenOrigin), 8, 3},
+                          {offsetof(R, colorCount), 4, 1},      {offsetof(R, palette), kPointer, 1},
+                          {offsetof(R, backgroundColor), 4, 1}, {offsetof(R, reserved), 4, 1},
+                          {offsetof(R, colorIndex), 4, 1},      {offsetof(R, optimizedDisplayMode), 4, 1},
+                          {offsetof(R, pushDelta), 8, 3},       {offsetof(R, transformed), 4, 1},
+                          {offsetof(R, perspective), 4, 1},     {offsetof(R, noComplement), 4, 1},
+                          {offsetof(R, viewPushCount), 4, 1},   {offsetof(R, zoomedOrFit), 4, 1},
+                          {offsetof(R, lights), 4, 8 * 20},     {offsetof(R, frontMaterial), 4, 17},
+                          {offsetof(R, backMaterial), 4, 17},   {offsetof(R, cameraPosition), 8, 3}};
+    expectLayout(view, sizeof(R), 8, "view");
     using L = NglLightParams;
-    const Field light[] = {
-        {"enabled", offsetof(L, enabled), sizeof(L::enabled), 4, 1},
-        {"ambient", offsetof(L, ambient), sizeof(L::ambient), 4, 4},
-        {"diffuse", offsetof(L, diffuse), sizeof(L::diffuse), 4, 4},
-        {"specular", offsetof(L, specular), sizeof(L::specular), 4, 4},
-        {"position", offsetof(L, position), sizeof(L::position), 4, 4},
-        {"constant", offsetof(L, constantAttenuation), sizeof(L::constantAttenuation), 4, 1},
-        {"linear", offsetof(L, linearAttenuation), sizeof(L::linearAttenuation), 4, 1},
-        {"quadratic", offsetof(L, quadraticAttenuation), sizeof(L::quadraticAttenuation), 4, 1},
-    };
-    expectLayout(light, sizeof(L), 4);
+    const Field light[] = {{offsetof(L, enabled), 4, 1},           {offsetof(L, ambient), 4, 4},
+                           {offsetof(L, diffuse), 4, 4},           {offsetof(L, specular), 4, 4},
+                           {offsetof(L, position), 4, 4},          {offsetof(L, constantAttenuation), 4, 1},
+                           {offsetof(L, linearAttenuation), 4, 1}, {offsetof(L, quadraticAttenuation), 4, 1}};
+    expectLayout(light, sizeof(L), 4, "light");
     using M = NglMatParams;
-    const Field material[] = {
-        {"emission", offsetof(M, emission), sizeof(M::emission), 4, 4},
-        {"ambient", offsetof(M, ambient), sizeof(M::ambient), 4, 4},
-        {"diffuse", offsetof(M, diffuse), sizeof(M::diffuse), 4, 4},
-        {"specular", offsetof(M, specular), sizeof(M::specular), 4, 4},
-        {"shininess", offsetof(M, shininess), sizeof(M::shininess), 4, 1},
-    };
-    expectLayout(material, sizeof(M), 4);
+    const Field material[] = {{offsetof(M, emission), 4, 4},
+                              {offsetof(M, ambient), 4, 4},
+                              {offsetof(M, diffuse), 4, 4},
+                              {offsetof(M, specular), 4, 4},
+                              {offsetof(M, shininess), 4, 1}};
+    expectLayout(material, sizeof(M), 4, "material");
     using F = _NglFBOInfoStr;
-    const Field framebuffer[] = {
-        {"pixels", offsetof(F, pixels), sizeof(F::pixels), sizeof(void*), 1},
-        {"framebuffer", offsetof(F, framebuffer), sizeof(F::framebuffer), 4, 1},
-        {"colorTexture", offsetof(F, colorTexture), sizeof(F::colorTexture), 4, 1},
-        {"depthTexture", offsetof(F, depthTexture), sizeof(F::depthTexture), 4, 1},
-        {"width", offsetof(F, width), sizeof(F::width), 4, 1},
-        {"height", offsetof(F, height), sizeof(F::height), 4, 1},
-        {"pixelCount", offsetof(F, pixelCount), sizeof(F::pixelCount), 4, 1},
-    };
-    expectLayout(framebuffer, sizeof(F), sizeof(void*));
+    const Field framebuffer[] = {{offsetof(F, pixels), kPointer, 1}, {offsetof(F, framebuffer), 4, 1},
+                                 {offsetof(F, colorTexture), 4, 1},  {offsetof(F, depthTexture), 4, 1},
+                                 {offsetof(F, width), 4, 1},         {offsetof(F, height), 4, 1},
+                                 {offsetof(F, pixelCount), 4, 1}};
+    expectLayout(framebuffer, sizeof(F), kPointer, "framebuffer");
 }
 
 TEST(NglRecordState, MeshScaleFactorCountsFromItsThreshold) {
@@ -108,30 +88,15 @@ TEST(NglRecordState, MeshScaleFactorCountsFromItsThreshold) {
         double factor;
         int flag;
     } rows[] = {{5e-8, 0}, {1e-7, 1}, {-1e-7, 1}, {-9.9e-8, 0}, {3.0, 1}, {0.0, 0}};
+    double factor = 42.0;
     for (const auto& row : rows) {
         NglSetMeshScaleFactor(row.factor);
-        double factor = 42.0;
         EXPECT_EQ(NglGetScaleFactorAndFlag(&factor), row.flag) << row.factor;
         EXPECT_EQ(factor, row.factor);
     }
     NglResetScaleFactorAndFlag(7, 1e-30);
-    double factor = 0.0;
     EXPECT_EQ(NglGetScaleFactorAndFlag(&factor), 7);
     EXPECT_EQ(factor, 1e-30);
-}
-
-TEST(NglRecordState, LoadingARecordTakesItsColourAndForgetsPushes) {
-    EXPECT_EQ(ngl_get_color(), 15);
-    NglRecordState& state = nglRecord();
-    state.pushCount3d = 3;
-    _NglInfoStr info{};
-    info.colorIndex = 8;
-    info.cameraPosition = {1, 2, 3};
-    EXPECT_EQ(NglInitMatrices(&info), 0);
-    EXPECT_EQ(ngl_get_color(), 8);
-    EXPECT_EQ(state.matricesCurrent, 1);
-    EXPECT_EQ(state.pushCount3d, 0);
-    EXPECT_EQ(NglGetNglInfo()->cameraPosition.z, 3.0);
 }
 
 TEST(NglRecordState, ViewIsModifiedByEachOfThreeCauses) {
@@ -152,26 +117,7 @@ TEST(NglRecordState, ViewIsModifiedByEachOfThreeCauses) {
     }
 }
 
-namespace {
-
-std::string& prompted() {
-    static std::string log;
-    return log;
-}
-
-int simplePrompt(const char* message) {
-    prompted() += std::string("simple ") + message + ";";
-    return -1;
-}
-
-int noPumpPrompt(const char* message) {
-    prompted() += std::string("no pump ") + message + ";";
-    return -1;
-}
-
-} // namespace
-
-TEST(NglPrompts, ReachTheirFunctionsUnlessBlocked) {
+TEST(NglRecordState, PromptsReachTheirFunctionsUnlessBlocked) {
     PromptSetSimple("unheard");
     NglRegisterPromptFunction(simplePrompt);
     NglRegisterNoPumpPromptFunction(noPumpPrompt);

@@ -89,26 +89,6 @@ TEST_F(NglStateGl, LightNumbersMapToThreeLights) {
     }
 }
 
-TEST_F(NglStateGl, SwitchesActOnTheirOwnState) {
-    const struct {
-        const char* name;
-        void (*enable)();
-        void (*disable)();
-        int (*query)();
-        GLenum state;
-    } rows[] = {{"lighting", ngl_enable_light, ngl_disable_light, ngl_is_light_enabled, GL_LIGHTING},
-                {"depth test", ngl_enable_depth_test, ngl_disable_depth_test, ngl_is_depth_test_enabled,
-                 GL_DEPTH_TEST}};
-    for (const auto& row : rows) {
-        row.enable();
-        EXPECT_TRUE(glIsEnabled(row.state)) << row.name;
-        EXPECT_EQ(row.query(), 1) << row.name;
-        row.disable();
-        EXPECT_FALSE(glIsEnabled(row.state)) << row.name;
-        EXPECT_EQ(row.query(), 0) << row.name;
-    }
-}
-
 namespace {
 
 RenderTextureAttributes& attributes() {
@@ -234,19 +214,9 @@ TEST_F(NglStateGl, UnitsAndTargetsReachGl) {
         glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
         EXPECT_EQ(active, GL_TEXTURE2);
     }
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
-    NglWrapBindTexture(GL_TEXTURE_1D, texture);
     NglWrapEnableTexture(GL_TEXTURE_1D);
     NglWrapEnableTexture(-5);
-    GLint bound = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_1D, &bound);
-    EXPECT_EQ(bound, static_cast<GLint>(texture));
     EXPECT_TRUE(glIsEnabled(GL_TEXTURE_1D) && glIsEnabled(GL_TEXTURE_2D));
     NglWrapDisableTexture(-5);
     EXPECT_TRUE(glIsEnabled(GL_TEXTURE_1D) && !glIsEnabled(GL_TEXTURE_2D));
-    NglDisableTexture(GL_TEXTURE_1D);
-    glGetIntegerv(GL_TEXTURE_BINDING_1D, &bound);
-    EXPECT_EQ(bound, 0);
-    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_1D));
 }
