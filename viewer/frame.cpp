@@ -20,13 +20,13 @@ void loadMatrices(const ViewMatrices& view, int width, int height) {
     glLoadMatrixd(view.modelView.data());
 }
 
-/// A headlight a little above and to the right of the eye, so that faces of unlike slope differ in shade; no
+/// A headlight a little above and to the left of the eye, so that faces of unlike slope differ in shade; no
 /// visible face falls below the ambient share. The sum is 1: a face square to the light shows its own colour.
 void setLights() {
-    constexpr std::array<float, 4> ambient = {0.4f, 0.4f, 0.4f, 1.0f};
-    constexpr std::array<float, 4> diffuse = {0.6f, 0.6f, 0.6f, 1.0f};
+    constexpr std::array<float, 4> ambient = {0.5f, 0.5f, 0.5f, 1.0f};
+    constexpr std::array<float, 4> diffuse = {0.5f, 0.5f, 0.5f, 1.0f};
     constexpr std::array<float, 4> black = {0.0f, 0.0f, 0.0f, 1.0f};
-    constexpr std::array<float, 4> direction = {0.25f, 0.4f, 1.0f, 0.0f}; // toward the light, in eye space
+    constexpr std::array<float, 4> direction = {-0.2f, 0.35f, 1.0f, 0.0f}; // toward the light, in eye space
     glPushMatrix();
     glLoadIdentity();
     glLightfv(GL_LIGHT0, GL_POSITION, direction.data());

@@ -22,8 +22,8 @@ constexpr double kAspect = 1.5;
 Point project(const ViewMatrices& view, const Point& point) {
     const GLint viewport[4] = {0, 0, 3000, 2000};
     Point window{};
-    gluProject(point[0], point[1], point[2], view.modelView.data(), view.projection.data(), viewport, &window[0],
-               &window[1], &window[2]);
+    gluProject(point[0], point[1], point[2], view.modelView.data(), view.projection.data(), viewport,
+               &window[0], &window[1], &window[2]);
     return {window[0] / 3000.0, window[1] / 2000.0, window[2]};
 }
 
@@ -47,11 +47,16 @@ TEST(Camera, NamedViewsHaveTheirAxes) {
         const char* name;
         ViewAxes axes;
     } rows[] = {
-        {"xy", {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},  {"yx", {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}}},
-        {"xz", {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}}, {"zx", {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}},
-        {"yz", {{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}},  {"zy", {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}}},
-        {"0,0,2", {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}}, {"0,5,0", {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}},
-        {"0,-5,0", {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}}, {"-1,0,0", {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}}},
+        {"xy", {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+        {"yx", {{0, 1, 0}, {1, 0, 0}, {0, 0, -1}}},
+        {"xz", {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}},
+        {"zx", {{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}},
+        {"yz", {{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}},
+        {"zy", {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}}},
+        {"0,0,2", {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+        {"0,5,0", {{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}},
+        {"0,-5,0", {{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}},
+        {"-1,0,0", {{0, 0, 1}, {0, 1, 0}, {-1, 0, 0}}},
         {"iso", {{half, 0, -half}, {-sixth, 2 * sixth, -sixth}, {third, third, third}}},
     };
     for (const auto& row : rows) {
@@ -101,7 +106,8 @@ TEST(Camera, PicturesAreNotMirrored) {
 }
 
 TEST(Camera, FitsBoxesWithoutASizeToo) {
-    for (const Bounds& flat : {Bounds{{1, 2, 3}, {1, 2, 3}}, Bounds{{0, 0, 7}, {4, 2, 7}}, Bounds{{1e-9, 0, 0}, {3e-9, 0, 0}}})
+    for (const Bounds& flat :
+         {Bounds{{1, 2, 3}, {1, 2, 3}}, Bounds{{0, 0, 7}, {4, 2, 7}}, Bounds{{1e-9, 0, 0}, {3e-9, 0, 0}}})
         for (bool perspective : {false, true}) {
             const ViewMatrices view =
                 viewMatrices(fitCamera(parseView("xy"), flat, kAspect, perspective), flat, kAspect);

@@ -46,7 +46,8 @@ double slopeOfDisplacement(const SolutionRow& row, const Point& point, int compo
 }
 
 const Field& fieldOf(const Model& model, const std::string& name) {
-    return *std::find_if(model.fields.begin(), model.fields.end(), [&](const Field& f) { return f.name == name; });
+    return *std::find_if(model.fields.begin(), model.fields.end(),
+                         [&](const Field& f) { return f.name == name; });
 }
 
 } // namespace
@@ -83,7 +84,8 @@ TEST(Elasticity, CantileverCarriesItsForceAndIsClampedAtItsRoot) {
     EXPECT_NEAR(shear, -Cantilever::kForce, 1e-9);
     EXPECT_NEAR(Cantilever::at({40, c, 0}).stress[3], 0.0, 1e-12);
     EXPECT_NEAR(Cantilever::at({0, c, 0}).stress[0], 150.0, 1e-9) << "M c / I at the clamp, tension on top";
-    EXPECT_NEAR(Cantilever::at({100, 0, 0}).displacement[1], -1000.0 * 1e6 / (3.0 * 210000.0 * 20000.0 / 3.0), 1e-12);
+    EXPECT_NEAR(Cantilever::at({100, 0, 0}).displacement[1], -1000.0 * 1e6 / (3.0 * 210000.0 * 20000.0 / 3.0),
+                1e-12);
     EXPECT_NEAR(length(Cantilever::at({0, 0, 0}).displacement), 0.0, 1e-15);
 }
 
@@ -110,8 +112,12 @@ TEST(Samples, MeshesHaveTheSizesAskedFor) {
     const struct {
         const char* selector;
         std::size_t cells, nodes;
-    } rows[] = {{"cantilever:1", 1, 8},   {"cantilever:10", 10 * 2 * 1, 11 * 3 * 2}, {"cantilever", 40 * 8 * 4, 41 * 9 * 5},
-                {"hole:1", 4, 8},         {"hole:3", 36, 48},                        {"hole", 4 * 24 * 24, 96 * 25}};
+    } rows[] = {{"cantilever:1", 1, 8},
+                {"cantilever:10", 10 * 2 * 1, 11 * 3 * 2},
+                {"cantilever", 40 * 8 * 4, 41 * 9 * 5},
+                {"hole:1", 4, 8},
+                {"hole:3", 36, 48},
+                {"hole", 4 * 24 * 24, 96 * 25}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.selector);
         const Model model = makeSample(row.selector);
@@ -157,7 +163,7 @@ TEST(Samples, RefusesUnknownNamesAndSizes) {
     const struct {
         const char* selector;
         const char* word;
-    } rows[] = {{"bridge", "cantilever"},     {"hole:0", "1 to 2000"},      {"hole:", "1 to 2000"},
+    } rows[] = {{"bridge", "cantilever"},    {"hole:0", "1 to 2000"},      {"hole:", "1 to 2000"},
                 {"cantilever:2001", "2000"}, {"cantilever:12x", "number"}, {"hole:2000", "at most 4000000"}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.selector);
