@@ -17,7 +17,7 @@ two cells
 ASCII
 DATASET UNSTRUCTURED_GRID
 POINTS 6 double
-0 0 0  1 0 0  2 0 0  0 1 0  1 1 0  2 1 0.5
+0 0 .5  1 0 .5  2 0 .5  0 1 .5  1 1 .5  2 1 .5
 CELLS 2 10
 4 0 1 4 3
 4 1 2 5 4
@@ -107,7 +107,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         {"deform", "@two.vtk --deform much -o @a.png", "--deform"},
         {"deform by a scalar", "@two.vtk --deform 1 --deform-by T -o @a.png", "T"},
         {"nothing to deform by", "@flat.vtk --deform 1 -o @a.png", "--deform-by"},
-        {"nothing to draw", "@bare.vtk -o @a.png", "elements"},
+        {"nothing to draw", "@bare.vtk -o @a.png", "cells"},
         {"folder to write missing", "@two.vtk -o @none/a.png", "a.png"},
         {"output is a folder", "@two.vtk -o /tmp", "/tmp"},
         {"output is a device", "@two.vtk -o /dev/full", "/dev/full"},
@@ -160,7 +160,7 @@ TEST_F(ViewerProgram, ListsWhatIsInAFile) {
     const auto result = nruview("@two.vtk --list");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.output, path("two.vtk") +
-                                 "\nnodes 6\ncells 2\n  quad 2\nx 0 .. 2\ny 0 .. 1\nz 0 .. 0.5\nfields 3\n"
+                                 "\nnodes 6\ncells 2\n  quad 2\nx 0 .. 2\ny 0 .. 1\nz 0.5 .. 0.5\nfields 3\n"
                                  "  T, node, 1 component, T 1 .. 6.5\n"
                                  "  disp, node, 3 components, disp:mag 0 .. 1\n"
                                  "  p, cell, 1 component, p -1.5 .. 2.25\n");
@@ -172,9 +172,9 @@ TEST_F(ViewerProgram, PicksWithoutAWindow) {
         const char* output;
     } rows[] = {
         {"@two.vtk --field p --view xy --size 210x210 --pick 155,105",
-         "element 1 (quad) at 1.5 0.5 0.125: p = 2.25\n"},
-        {"@two.vtk --field T --view xy --size 210x210 --pick 105,54", "node 4 at 1 1 0: T = 5\n"},
-        {"@two.vtk --view xy --size 210x210 --pick 106,105", "edge 1 4 at 1 0.5 0\n"},
+         "element 1 (quad) at 1.5 0.5 0.5: p = 2.25\n"},
+        {"@two.vtk --field T --view xy --size 210x210 --pick 105,54", "node 4 at 1 1 0.5: T = 5\n"},
+        {"@two.vtk --view xy --size 210x210 --pick 106,105", "edge 1 4 at 1 0.5 0.5\n"},
         {"@two.vtk --view xy --size 210x210 --pick 1,1", "nothing\n"},
         {"--sample hole:24 --field S:xx --view xy --size 500x500 --range -1,300 --pick 250,202",
          "node 24 at 6.12323e-16 10 0: S:xx = 300\n"},
