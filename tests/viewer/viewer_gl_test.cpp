@@ -94,6 +94,22 @@ protected:
         const auto [x, y] = pixelOf(p);
         return picture.at(x, kSize - 1 - y);
     }
+    /// Whether a dark line joins two points: a pixel at each step along its longer side.
+    ::testing::AssertionResult isDrawn(const Picture& picture, const Point& from, const Point& to) const {
+        const auto [x0, y0] = pixelOf(from);
+        const auto [x1, y1] = pixelOf(to);
+        const int steps = std::max(std::abs(x1 - x0), std::abs(y1 - y0));
+        const bool wide = std::abs(x1 - x0) == steps;
+        for (int i = 1; i < steps; ++i) {
+            const int x = x0 + (x1 - x0) * i / steps, y = kSize - 1 - (y0 + (y1 - y0) * i / steps);
+            int least = brightness(picture.at(x, y));
+            for (int side : {-1, 1})
+                least = std::min(least, brightness(wide ? picture.at(x, y + side) : picture.at(x + side, y)));
+            if (least > 160)
+                return ::testing::AssertionFailure() << "gap at pixel " << x << ", " << y;
+        }
+        return ::testing::AssertionSuccess();
+    }
     /// Brightness of a line through a point; one that falls between two columns of pixels may take either.
     int lineBrightness(const Picture& picture, const Point& p) const {
         const auto [x, y] = pixelOf(p);
@@ -182,18 +198,27 @@ TEST_F(ViewerScene, ElementEdgesAreDarkAndUnbroken) {
     EXPECT_LT(brightness(colorAt(features, {2.3, 0, 0})), 160) << "the sheet's outline is one";
 }
 
-TEST_F(ViewerScene, EdgesStandOutOnSlopingFacesButNotThroughTheModel) {
-    const ShownModel shown = showModel(makeSample("cantilever:10"), {});
+TEST_F(ViewerScene, EdgesStandOutOnSlopingFaces) {
+    const ShownModel shown = showModel(strip(), {});
+    for (const char* view : {"0,1,1", "-1,-3,1", "2,1,1", "5,1,2"})
+        for (bool perspective : {false, true}) {
+            const Picture drawn = picture(shown, inBands(1, EdgeMode::All), view, perspective);
+            for (double x : {1.0, 2.0, 3.0})
+                EXPECT_TRUE(isDrawn(drawn, {x, 0, 0}, {x, 1, 0})) << view << ", x = " << x;
+        }
+}
+
+TEST_F(ViewerScene, EdgesCloseBehindAFaceStayHidden) {
+    Model model = strip();
+    model.fields.clear();
+    for (const Point& corner : {Point{0, 0, 0.1}, {4, 0, 0.1}, {4, 1, 0.1}, {0, 1, 0.1}})
+        model.nodes.push_back(corner);
+    model.addCell(CellType::Quad, std::array<std::uint32_t, 4>{10, 11, 12, 13});
+    const ShownModel shown = showModel(model, {});
     for (bool perspective : {false, true}) {
-        const Picture drawn = picture(shown, inBands(1, EdgeMode::All), "1,1,4", perspective);
-        for (double x = 15.0; x < 100.0;
-             x += 10.0) // between the nodes, along an edge on the top face's middle
-            EXPECT_LT(brightness(colorAt(drawn, {x, 10, 5})), 160) << x;
-        const Picture bare = picture(shown, inBands(1), "1,1,4", perspective);
-        int dark = 0;
-        for (double x = 2.0; x < 100.0; x += 4.0)
-            dark += brightness(colorAt(bare, {x, -4, 5})) < 160;
-        EXPECT_EQ(dark, 0);
+        const Picture drawn = picture(shown, inBands(1, EdgeMode::All), "1,1,2", perspective);
+        for (double x : {1.0, 2.0, 3.0})
+            EXPECT_GT(lineBrightness(drawn, {x, 0.5, 0}), 160) << x;
     }
 }
 
@@ -235,10 +260,11 @@ TEST_F(ViewerScene, ASheetLooksTheSameFromBehind) {
 
 TEST_F(ViewerScene, BeamsAndPointsShowTheirColors) {
     Model model;
-    model.nodes = {{0, 0, 0}, {4, 0, 0}, {2, 2, 0}};
+    model.nodes = {{0, 0, 0}, {4, 0, 0}, {2, 2, 0}, {0, 1, 0}, {4, 1, 0}};
     model.addCell(CellType::Line, std::array<std::uint32_t, 2>{0, 1});
     model.addCell(CellType::Vertex, std::array<std::uint32_t, 1>{2});
-    model.fields = {{"c", FieldLocation::Cell, 1, {1, 2}}};
+    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{3, 4});
+    model.fields = {{"c", FieldLocation::Cell, 1, {1, 2, 1}}};
     const ShownModel shown = showModel(model, byField("c"));
     const Picture drawn = picture(shown, inBands(2));
     const ColorBands bands(2, {1, 2}, false);
@@ -249,6 +275,8 @@ TEST_F(ViewerScene, BeamsAndPointsShowTheirColors) {
     EXPECT_EQ(describe(shown, beam).substr(0, 20), "element 0 (line) at ");
     EXPECT_NEAR(beam.position[0], 1.0, 0.1);
     EXPECT_EQ(beam.value, 1.0);
+    const auto [u, v] = pixelOf({3, 1, 0}); // past the middle of the second beam
+    EXPECT_EQ(pick(shown, u, v).cell, 2u);
 }
 
 TEST_F(ViewerScene, DeformationMovesThePictureByTheFactor) {
@@ -279,6 +307,7 @@ TEST_F(ViewerScene, PicksWhatIsUnderThePixel) {
         {"an inner edge", nodes, {1, 0.5, 0}, {1, 0}, "edge 2 3 at 1 0."},
         {"an inner edge's value", nodes, {1, 0.5, 0}, {-1, 0}, ": x = 1"},
         {"a far end first in the element", nodes, {2, 0.36, 0}, {1, 0}, "edge 4 5 at 2 0.3"},
+        {"the far end of an element's first edge", nodes, {2.7, 0, 0}, {0, -1}, "edge 4 6 at 2.6"},
         {"the outline from outside", cells, {2.5, 1, 0}, {0, -2}, "edge 5 7 at 2."},
         {"beside the model", cells, {2.5, 1, 0}, {0, -8}, "nothing"},
     };
@@ -291,20 +320,22 @@ TEST_F(ViewerScene, PicksWhatIsUnderThePixel) {
     }
 }
 
-TEST_F(ViewerScene, PicksTheFrontOfASolidInBothProjections) {
+TEST_F(ViewerScene, PicksTheSideOfASolidThatIsSeen) {
     const ShownModel shown = showModel(makeSample("cantilever:5"), byField("S:xx"));
-    for (bool perspective : {false, true}) {
-        begin(shown, "xy", perspective);
-        const auto [x, y] = pixelOf({60, 10, 5});
-        const Picked corner = pick(shown, x, y);
-        EXPECT_EQ(corner.kind, Picked::Kind::Node);
-        EXPECT_EQ(corner.position, (Point{60, 10, 5})) << "not the node behind it";
-        EXPECT_NEAR(corner.value, 1000.0 * 40.0 * 10.0 / (20000.0 / 3.0), 1e-9);
-        const auto [u, v] = pixelOf({50, 2, 5});
-        const Picked inside = pick(shown, u, v);
-        EXPECT_EQ(inside.kind, Picked::Kind::Element);
-        EXPECT_EQ(inside.cell, 2u);
-        EXPECT_NEAR(inside.position[2], 5.0, 1e-9);
-        EXPECT_NEAR(inside.position[0], 50.0, 3.5);
-    }
+    for (const auto& [view, z] : std::map<const char*, double>{{"xy", 5.0}, {"0,0,-1", -5.0}})
+        for (bool perspective : {false, true}) {
+            SCOPED_TRACE(view);
+            begin(shown, view, perspective);
+            const auto [x, y] = pixelOf({60, 10, z});
+            const Picked corner = pick(shown, x, y);
+            EXPECT_EQ(corner.kind, Picked::Kind::Node);
+            EXPECT_EQ(corner.position, (Point{60, 10, z})) << "not the node behind it";
+            EXPECT_NEAR(corner.value, 1000.0 * 40.0 * 10.0 / (20000.0 / 3.0), 1e-9);
+            const auto [u, v] = pixelOf({50, 2, z});
+            const Picked inside = pick(shown, u, v);
+            EXPECT_EQ(inside.kind, Picked::Kind::Element);
+            EXPECT_EQ(inside.cell, 2u);
+            EXPECT_NEAR(inside.position[0], 50.0, 3.5);
+            EXPECT_NEAR(inside.position[2], z, 1e-9);
+        }
 }
