@@ -51,12 +51,11 @@ void forEachFace(const _NgMeshStr& mesh, const Visit& visit) {
     }
 }
 
-/// Calls visit(face, from, to) for every side with two different ends. A beam has one side, not two.
+/// Calls visit(face, from, to) for every side with two different ends.
 template <class Visit>
 void forEachSide(const _NgMeshStr& mesh, const Visit& visit) {
     forEachFace(mesh, [&](std::uint32_t face, const std::uint32_t* indices, int corners) {
-        const int sides = corners == 2 ? 1 : corners;
-        for (int i = 0; i < sides; ++i) {
+        for (int i = 0; i < corners; ++i) {
             const std::uint32_t from = indices[i];
             const std::uint32_t to = indices[i + 1 == corners ? 0 : i + 1];
             if (from != to)
@@ -160,10 +159,6 @@ void SideTable::forEachEdge(const Visit& visit) const {
     }
 }
 
-bool isZero(const _NgPoint3Str& v) {
-    return v.x == 0 && v.y == 0 && v.z == 0;
-}
-
 /// Writes the normals of the first two faces at an edge and returns its weight.
 double classifyEdge(std::span<const Side> sides, const _NgPoint3Str* faceNormals, double normals[6]) {
     const _NgPoint3Str a = faceNormals[sides[0].face()];
@@ -174,7 +169,8 @@ double classifyEdge(std::span<const Side> sides, const _NgPoint3Str* faceNormals
         b = MathScaled(b, -1);
     const double out[6] = {a.x, a.y, a.z, b.x, b.y, b.z};
     std::copy_n(out, 6, normals);
-    const bool smooth = sides.size() == 2 && !isZero(a) && !isZero(b) && MathDot(a, b) >= kCosFeatureAngle;
+    // A face without a normal is smooth with none.
+    const bool smooth = sides.size() == 2 && MathDot(a, b) >= kCosFeatureAngle;
     return smooth ? kSilhouetteWeight : kFeatureWeight;
 }
 
