@@ -28,14 +28,20 @@ public:
     float GetMaxValue() const;
     NgColorLong GetOutOfRangeMinColor() const;
     NgColorLong GetOutOfRangeMaxColor() const;
-    /// Packed colour of a value with the current blending alpha as top byte; 0xFFFFFFFF without bands.
+    /// Packed colour of a value with the current blending alpha as top byte; 0xFFFFFFFF, as it stands,
+    /// without bands. In this order: the middle band's colour where all limits are equal; below or above the
+    /// range the out-of-range colour, or the end band's where that is unset (0xFFFFFFFF); white in a gap and
+    /// for NaN; in smeared mode a mix with the next band's colour, truncated by channel; the band's colour.
     NgColorLong GetColor(float value) const;
 
-    /// Takes at most 64 bands, ascending and without overlap; more are refused with a console message.
+    /// Takes at most 64 bands, ascending and without overlap (not checked), and their range; more are refused
+    /// with a console message. Out-of-range colours and smeared mode stay.
     void SetColorBands(const std::vector<ColorBand>& bands);
     void SetOutOfRangeMinColor(NgColorLong color);
     void SetOutOfRangeMaxColor(NgColorLong color);
     void SetSmearedMode(bool smeared);
+    /// Back to a new scale: no bands, minimum FLT_MAX, maximum FLT_MIN, both out-of-range colours unset, not
+    /// smeared.
     void Reset();
 
 private:
@@ -59,7 +65,8 @@ public:
     RenderTextureAttributes& operator=(RenderTextureAttributes&&) noexcept;
     ~RenderTextureAttributes();
 
-    /// Sets the fields back to their initial values.
+    /// Sets the fields back to their initial values: zeros, unset out-of-range colours (0xFFFFFFFF), a new
+    /// scale.
     void Reset();
     /// Installs count bands from count + 1 ascending limits and count colours, then the smeared and
     /// out-of-range settings of the fields. A count below 1 does nothing; above 64 the bands stay, with a
@@ -109,25 +116,41 @@ struct _NgMeshStr {
 /// What NglPickMesh found.
 enum _NgPickStatus { NgPickElement = 0, NgPickEdge = 1, NgPickVertex = 2, NgPickNothing = 3 };
 
-/// Makes a mesh of count vertices. With copy, coordinates and normals (null = none) are copied from count x 3
-/// doubles or, when indirect, from count pointers to 3 doubles; without, the arrays are stored as given and
-/// stay the caller's. The record itself is freed with NHostFree after NglDestroyMesh.
+/// Makes a mesh of count vertices without elements. With copy, coordinates and normals (null = none) are
+/// copied from count x 3 doubles or, when indirect, from count pointers to 3 doubles; without, the arrays are
+/// stored as given and stay the caller's: arrays that NHostAllocate did not make must be taken out before
+/// NglDestroyMesh. The record itself is freed with NHostFree after NglDestroyMesh. Null for more than 2^31 -
+/// 1 vertices or when memory runs out.
 NRENDERUTL_API _NgMeshStr* ngl_create_mesh(unsigned int count, void* coords, void* normals,
                                            int coordsIndirect, int normalsIndirect, int copy);
-/// Appends a connectivity block. Without copy the block takes over indices, which must come from
-/// NHostAllocate.
+/// Appends a connectivity block of elementCount x verticesPerElement vertex indices. With copy they are
+/// copied, with 24 bytes of slack behind them; without, the block takes over indices, which must come from
+/// NHostAllocate. Nothing is appended, and indices stay the caller's, for a size outside 1 to 32767, for null
+/// indices to copy, or when memory runs out. Edge data that were built before are not updated.
 NRENDERUTL_API void ngl_add_connect(_NgMeshStr* mesh, unsigned int elementCount, int verticesPerElement,
                                     unsigned int* indices, int copy);
-/// Copies a mesh without its edge data. Returns 0; 1, with *copy untouched, for an empty source.
+/// Copies a mesh, its blocks in order, without its edge data. Returns 0; 1, with *copy untouched, for an
+/// empty source or when memory runs out.
 NRENDERUTL_API int NglCopyNgMesh(_NgMeshStr* source, _NgMeshStr** copy);
-/// Frees everything the mesh owns but not the record; harmless when repeated.
+/// Frees everything the mesh owns but not the record, which is left empty; harmless when repeated. A mesh of
+/// no vertices is left as it is, blocks included.
 NRENDERUTL_API void NglDestroyMesh(_NgMeshStr* mesh);
-/// Builds edges, edge face normals and silhouette weights from the connectivity.
+/// Builds the edge data from the connectivity, in place of what was there: every edge of every block once, by
+/// its vertex indices (coincident vertices are different ones), in the order of its lower, then its higher
+/// index. Face normals are unit length, turned to one side where neighbours are wound against each other, and
+/// zero for a face that is missing or has no area. The weight is 1 where exactly two faces meet at 30 degrees
+/// or less between their normals, and 0, a feature edge, at sharper corners, borders, edges of more faces,
+/// beams and faces without area. Elements with an index out of range are skipped. No edges, or no memory:
+/// count 0 and null arrays.
 NRENDERUTL_API void ngl_process_mesh_edges(_NgMeshStr* mesh);
 
-/// Hit-tests a mesh, transformed by matrix, against the line through rayStart and rayEnd: the nearest edge
-/// within *tolerance (model length), its nearer end, or a whole element. *indices and *points (untransformed)
-/// are allocated for every status but NgPickNothing; the caller frees them with NHostFree.
+/// Hit-tests a mesh, transformed by matrix (column-major), against the infinite line through rayStart and
+/// rayEnd: the nearest edge within *tolerance (transformed length), one of its ends, or an element whose
+/// edges in turn were each the nearest. The first ten vertices of an element count; elements with an index
+/// out of range are skipped. *indices and *points (untransformed), the picked vertex first, are allocated for
+/// every status but NgPickNothing; the caller frees them with NHostFree. An edge's second index is the
+/// block's entry behind the edge's start where the start was picked, the entry before it where the end was
+/// (deliberate); where no such vertex exists, the edge's other end.
 NRENDERUTL_API _NgPickStatus NglPickMesh(_NgMeshStr* mesh, _NgPoint3Str* rayStart, _NgPoint3Str* rayEnd,
                                          double (*matrix)[4][4], _NgPoint3Str** points, int** indices,
                                          double* tolerance);
@@ -143,8 +166,13 @@ enum NglMeshFlags : unsigned int {
     NglMeshFlat = 32,
 };
 
-/// Draws a mesh with the fixed-function pipeline. Edges over faces are pulled to the viewer by the push
-/// delta.
+/// Draws a mesh with the fixed-function pipeline from client memory; edges are unlit, in the current colour.
+/// Only the low byte of flags counts. Edges over faces are pulled to the viewer by the view record's push
+/// delta. Elements and edges with an index out of range are left out; a block of other than 3 vertices per
+/// element is read as quads. A context with the view's matrices must be current. While a mesh scale factor is
+/// set, faces are drawn one by one with scaled normals, and GL_FLAT remains as shade model; otherwise the GL
+/// state is left as it was.
 NRENDERUTL_API void ngl_mesh(_NgMeshStr* mesh, unsigned int flags);
-/// The same with one value per vertex as texture coordinate of the contour texture that the caller has bound.
+/// The same with one value per vertex as coordinate of the texture that the caller has bound to unit 0 and
+/// enabled. Null values draw nothing; while a mesh scale factor is set, faces are drawn without the values.
 NRENDERUTL_API void ngl_mesh_contour_draw(_NgMeshStr* mesh, unsigned int flags, float* values);

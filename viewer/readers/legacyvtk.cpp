@@ -362,18 +362,35 @@ bool readAttributes(LegacyFile& file, const std::string& keyword) {
     return true;
 }
 
-void readSection(LegacyFile& file, const std::string& keyword) {
-    if (keyword == "point_data") {
+/// False for a keyword that does not belong here.
+bool readSection(LegacyFile& file, const std::string& keyword) {
+    if (keyword == "point_data")
         beginSection(file, Section::Node);
-    } else if (keyword == "cell_data") {
+    else if (keyword == "cell_data")
         beginSection(file, Section::Cell);
-    } else if (keyword == "field") {
+    else if (keyword == "field")
         readFieldArrays(file);
-    } else if (keyword == "metadata") {
+    else if (keyword == "metadata")
         skipMetadata(file);
-    } else if (!readGeometry(file, keyword) && !readAttributes(file, keyword)) {
-        throw Refusal("has unexpected '" + keyword + "' at byte " + std::to_string(file.cursor.position()));
+    else
+        return readGeometry(file, keyword) || readAttributes(file, keyword);
+    return true;
+}
+
+void readBody(LegacyFile& file) {
+    for (std::string keyword = file.cursor.keyword(); !keyword.empty(); keyword = file.cursor.keyword()) {
+        bool known = true;
+        try {
+            known = readSection(file, keyword);
+        } catch (const Refusal& refusal) {
+            throw Refusal("section " + keyword + ": " + refusal.what());
+        }
+        if (!known)
+            throw Refusal("has unexpected '" + keyword + "' before byte " +
+                          std::to_string(file.cursor.position()));
     }
+    if (!file.hasDataset)
+        throw Refusal("has no DATASET");
 }
 
 /// The first lines: version, title, ASCII or BINARY.
@@ -409,15 +426,7 @@ Model makeModel(LegacyFile& file) {
 Model readLegacyVtk(std::string_view content) {
     LegacyFile file(content);
     readHeader(file);
-    for (std::string keyword = file.cursor.keyword(); !keyword.empty(); keyword = file.cursor.keyword()) {
-        try {
-            readSection(file, keyword);
-        } catch (const Refusal& refusal) {
-            throw Refusal("section " + keyword + " " + refusal.what());
-        }
-    }
-    if (!file.hasDataset)
-        throw Refusal("has no DATASET");
+    readBody(file);
     return makeModel(file);
 }
 

@@ -1,0 +1,303 @@
+// Reading models: every encoding gives the same model, and bad files get one clear reason.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <bit>
+#include <cmath>
+#include <fstream>
+
+#include "tests/viewer/vtkwriter.h"
+#include "viewer/error.h"
+
+namespace {
+
+using namespace nruview;
+using nrutest::Storage;
+using nrutest::writeLegacy;
+using nrutest::writeVtu;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string temporaryPath() {
+    return testing::TempDir() + "reader_test_" + std::to_string(getpid());
+}
+
+Model readText(const std::string& content) {
+    const std::string path = temporaryPath();
+    std::ofstream(path, std::ios::binary) << content;
+    struct Remover {
+        std::string path;
+        ~Remover() { std::remove(path.c_str()); }
+    } remover{path};
+    return readModel(path);
+}
+
+std::string reasonFor(const std::string& content) {
+    try {
+        readText(content);
+    } catch (const ViewerError& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+/// Equal bits, so that NaN equals itself.
+std::vector<std::uint64_t> bits(const std::vector<double>& values) {
+    std::vector<std::uint64_t> result;
+    for (const double value : values)
+        result.push_back(std::isnan(value) ? 1 : std::bit_cast<std::uint64_t>(value));
+    return result;
+}
+
+void expectSame(const Model& model, const Model& expected) {
+    EXPECT_EQ(model.nodes, expected.nodes);
+    EXPECT_EQ(model.types, expected.types);
+    EXPECT_EQ(model.offsets, expected.offsets);
+    EXPECT_EQ(model.connectivity, expected.connectivity);
+    ASSERT_EQ(model.fields.size(), expected.fields.size());
+    for (std::size_t i = 0; i < model.fields.size(); ++i) {
+        EXPECT_EQ(model.fields[i].name, expected.fields[i].name);
+        EXPECT_EQ(model.fields[i].location, expected.fields[i].location);
+        EXPECT_EQ(model.fields[i].components, expected.fields[i].components);
+        EXPECT_EQ(bits(model.fields[i].values), bits(expected.fields[i].values)) << model.fields[i].name;
+    }
+}
+
+struct Encoding {
+    std::string name;
+    std::string content;
+};
+
+void PrintTo(const Encoding& encoding, std::ostream* out) {
+    *out << encoding.name;
+}
+
+const std::vector<Encoding>& encodings() {
+    static const Model model = nrutest::referenceModel();
+    static const std::vector<Encoding> all = {
+        {"ascii", writeVtu(model, {Storage::Ascii})},
+        {"base64", writeVtu(model, {Storage::Inline})},
+        {"base64Wide", writeVtu(model, {Storage::Inline, 8})},
+        {"base64Zlib", writeVtu(model, {Storage::Inline, 4, false, 32})},
+        {"base64ZlibWideBig", writeVtu(model, {Storage::Inline, 8, true, 40})},
+        {"appendedBase64", writeVtu(model, {Storage::AppendedBase64})},
+        {"appendedBase64Zlib", writeVtu(model, {Storage::AppendedBase64, 4, false, 1024})},
+        {"appendedRaw", writeVtu(model, {Storage::AppendedRaw})},
+        {"appendedRawWide", writeVtu(model, {Storage::AppendedRaw, 8})},
+        {"appendedRawBig", writeVtu(model, {Storage::AppendedRaw, 4, true})},
+        {"appendedRawZlib", writeVtu(model, {Storage::AppendedRaw, 4, false, 32})},
+        {"appendedRawZlibWide", writeVtu(model, {Storage::AppendedRaw, 8, false, 16})},
+        {"legacyAscii", writeLegacy(model, false, 3)},
+        {"legacyBinary", writeLegacy(model, true, 3)},
+        {"legacyAsciiOffsets", writeLegacy(model, false, 5)},
+        {"legacyBinaryOffsets", writeLegacy(model, true, 5)},
+    };
+    return all;
+}
+
+class EveryEncoding : public testing::TestWithParam<Encoding> {};
+INSTANTIATE_TEST_SUITE_P(Reader, EveryEncoding, testing::ValuesIn(encodings()),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_P(EveryEncoding, GivesTheSameModel) {
+    expectSame(readText(GetParam().content), nrutest::referenceModel());
+}
+
+// A file cut short gives an error with its name, or the whole geometry where only fields or closing tags are
+// missing.
+TEST_P(EveryEncoding, CutShortIsRefusedOrHasTheWholeGeometry) {
+    const Model whole = nrutest::referenceModel();
+    std::size_t refused = 0;
+    for (std::size_t length = 0; length < GetParam().content.size(); ++length) {
+        try {
+            const Model model = readText(GetParam().content.substr(0, length));
+            ASSERT_EQ(model.nodes, whole.nodes) << length;
+            ASSERT_EQ(model.connectivity, whole.connectivity) << length;
+            ASSERT_EQ(model.types, whole.types) << length;
+        } catch (const ViewerError& error) {
+            ASSERT_THAT(error.what(), HasSubstr(temporaryPath())) << length;
+            ++refused;
+        }
+    }
+    EXPECT_GT(refused, GetParam().content.size() / 3);
+}
+
+std::string vtu(const std::string& pieces, const std::string& attributes = "") {
+    return "<VTKFile type=\"UnstructuredGrid\" " + attributes + "><UnstructuredGrid>" + pieces +
+           "</UnstructuredGrid></VTKFile>";
+}
+
+std::string piece(const std::string& points, const std::string& cells, const std::string& data = "") {
+    return "<Piece NumberOfPoints=\"3\" NumberOfCells=\"1\"><Points><DataArray type=\"Float32\" "
+           "NumberOfComponents=\"3\">" +
+           points + "</DataArray></Points><Cells>" + cells + "</Cells>" + data + "</Piece>";
+}
+
+std::string xmlArray(const std::string& name, const std::string& values,
+                     const std::string& rest = "type=\"Int32\"") {
+    return "<DataArray Name=\"" + name + "\" " + rest + ">" + values + "</DataArray>";
+}
+
+std::string triangle(const std::string& connectivity = "0 1 2", const std::string& offset = "3",
+                     const std::string& type = "5") {
+    return xmlArray("connectivity", connectivity) + xmlArray("offsets", offset) + xmlArray("types", type);
+}
+
+const std::string kPoints = "0 0 0 1 0 0 0 1 0";
+
+TEST(Reader, JoinsPiecesAndKeepsTheFieldsOfAll) {
+    const std::string both = xmlArray("A", "1 2 3");
+    const std::string first = "<PointData>" + both + xmlArray("onlyFirst", "4 5 6") + "</PointData>";
+    const std::string second = "<PointData>" + both + "<Array type=\"String\" Name=\"text\"/></PointData>";
+    const Model model = readText(
+        vtu(piece(kPoints, triangle(), first) + piece("0 0 5 1 0 5 0 1 5", triangle("2 1 0"), second)));
+    EXPECT_THAT(model.connectivity, ElementsAre(0, 1, 2, 5, 4, 3));
+    ASSERT_EQ(model.fields.size(), 1u);
+    EXPECT_THAT(model.fields[0].values, ElementsAre(1, 2, 3, 1, 2, 3));
+    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("text"), HasSubstr("onlyFirst")));
+}
+
+const std::string kLegacyHead = "# vtk DataFile Version 3.0\ntitle\nASCII\n";
+const std::string kLegacyGrid =
+    kLegacyHead + "DATASET UNSTRUCTURED_GRID\nPOINTS 3 float\n0 0 0 1 0 0 0 1 0\n";
+
+TEST(Reader, DropsUnknownCellsWithTheirValues) {
+    const Model model = readText(kLegacyGrid + "CELLS 3 11\n3 0 1 2\n2 9 9\n3 2 1 0\nCELL_TYPES 3\n5 42 5\n" +
+                                 "CELL_DATA 3\nVECTORS v float\n1 2 3 4 5 6 7 8 9\n");
+    EXPECT_THAT(model.connectivity, ElementsAre(0, 1, 2, 2, 1, 0));
+    EXPECT_THAT(model.fields.at(0).values, ElementsAre(1, 2, 3, 7, 8, 9));
+    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("type 42")));
+}
+
+// Polygonal data numbers its cells vertices, lines, polygons, strips: not in the file's order.
+TEST(Reader, ReadsPolyDataInTheOrderOfItsCellData) {
+    const Model model =
+        readText(kLegacyHead + "DATASET POLYDATA\nPOINTS 5 float\n0 0 0 1 0 0 1 1 0 0 1 0 0 2 0\n" +
+                 "TRIANGLE_STRIPS 1 5\n4 0 1 3 2\nPOLYGONS 3 15\n3 0 1 2\n4 0 1 2 3\n5 0 1 2 4 3\n"
+                 "LINES 2 7\n2 0 1\n3 1 2 3\nVERTICES 2 5\n1 4\n2 0 1\n" +
+                 "CELL_DATA 8\nSCALARS s int\nLOOKUP_TABLE default\n0 1 2 3 4 5 6 7\n");
+    using enum CellType;
+    EXPECT_THAT(model.types,
+                ElementsAre(Vertex, PolyVertex, Line, PolyLine, Triangle, Quad, Polygon, TriangleStrip));
+    EXPECT_THAT(model.cellNodes(3), ElementsAre(1, 2, 3));
+    EXPECT_EQ(model.fields.at(0).values.back(), 7);
+}
+
+TEST(Reader, ReadsEveryLegacyAttribute) {
+    const Model model =
+        readText(kLegacyHead +
+                 "DATASET UNSTRUCTURED_GRID\nFIELD FieldData 2\nTIME 1 1 double\n0.5\nnote 1 1 string\nall "
+                 "well\nPOINTS 1 float\n1 2 3\nMETADATA\nINFORMATION 0\n\nCELLS 1 2\n1 0\nCELL_TYPES 1\n1\n" +
+                 "POINT_DATA 1\nSCALARS two float 2\n1 2\nNORMALS n float\n0 0 1\nTENSORS t double\n1 2 3 4 "
+                 "5 6 7 8 9\n" +
+                 "COLOR_SCALARS c 4\n0 0.5 1 0.25\nLOOKUP_TABLE colours 2\n0 0 0 1 1 1 1 1\n" +
+                 "TEXTURE_COORDINATES uv 2 float\n0.5 0.75\nFIELD FieldData 2\nvon%20Mises 1 1 "
+                 "float\n4e2\nMETADATA\n" +
+                 "COMPONENT_NAMES\nx\n\nbits 3 1 bit\n1 0 1\n");
+    std::vector<std::string> seen;
+    for (const Field& field : model.fields)
+        seen.push_back(field.name + " " + std::to_string(field.components) + " " +
+                       std::to_string(static_cast<int>(4 * field.values.back())));
+    EXPECT_THAT(seen, ElementsAre("two 2 8", "n 3 4", "t 9 36", "c 4 1", "uv 2 3", "von Mises 1 1600"));
+    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("note"), HasSubstr("bits")));
+}
+
+struct BadFile {
+    std::string name;
+    std::string content;
+    std::string reason; ///< a piece of it
+};
+
+void PrintTo(const BadFile& file, std::ostream* out) {
+    *out << file.name;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.find(from), from.size(), to);
+}
+
+/// A zlib block of eight bytes that says it inflates to 32 MB.
+std::string bomb() {
+    const std::string sizes = std::string("\1\0\0\0", 4) + std::string("\xF8\xFF\xFF\1", 4) +
+                              std::string(4, '\0') + std::string("\x8\0\0\0", 4);
+    return replaced(
+        vtu("<Piece NumberOfPoints=\"1398101\" NumberOfCells=\"1\"><Points><DataArray type=\"Float64\" "
+            "NumberOfComponents=\"3\" format=\"appended\" offset=\"0\"/></Points></Piece>",
+            "compressor=\"vtkZLibDataCompressor\""),
+        "</VTKFile>", "<AppendedData encoding=\"raw\">_" + sizes + "12345678</AppendedData></VTKFile>");
+}
+
+std::vector<BadFile> badFiles() {
+    const std::string ascii = encodings()[0].content;
+    const std::string grid = kLegacyGrid + "CELLS 1 4\n3 0 1 2\nCELL_TYPES 1\n5\n";
+    return {
+        {"empty", "", "is empty"},
+        {"neither", "solid part\nfacet normal 0 0 1\n", "neither"},
+        {"halfXml", ascii.substr(0, ascii.size() / 2), "XML"},
+        {"otherData", replaced(vtu(""), "UnstructuredGrid", "ImageData"), "'ImageData'"},
+        {"lz4", vtu("", "compressor=\"vtkLZ4DataCompressor\""), "vtkLZ4DataCompressor"},
+        {"lzma", vtu("", "compressor=\"vtkLZMADataCompressor\""), "vtkLZMADataCompressor"},
+        {"noPieces", vtu(""), "has no cells"},
+        {"nanNode", vtu(piece("0 0 nan 1 0 0 0 1 0", triangle())),
+         "node 0 has a coordinate that is not finite"},
+        {"indexTooHigh", vtu(piece(kPoints, triangle("0 1 3"))), "node 3 of 3"},
+        {"indexNegative", vtu(piece(kPoints, triangle("0 1 -1"))), "node -1 of 3"},
+        {"offsetsTooHigh", vtu(piece(kPoints, triangle("0 1 2", "4"))), "connectivity ends before 4 numbers"},
+        {"offsetNegative", vtu(piece(kPoints, triangle("0 1 2", "-3"))), "negative"},
+        {"wrongNodeCount", vtu(piece(kPoints, triangle("0 1 2", "3", "9"))), "cell 0 (quad) has 3 nodes"},
+        {"onlyUnknown", vtu(piece(kPoints, triangle("0 1 2", "3", "42"))), "type 42"},
+        {"tooFewPoints", vtu(piece("0 0 0 1 0 0 0 1", triangle())), "Points ends before 9 numbers"},
+        {"tooManyPoints", vtu(piece(kPoints + " 7", triangle())), "more than 9 values"},
+        {"noNumber", vtu(piece("0 0 0 1 0 O 0 1 0", triangle())), "'O' is not a number"},
+        {"realIndices",
+         vtu(piece(kPoints, replaced(triangle(), "Int32\">0",
+                                     "Float32\" format=\"binary\">DAAAAAAAAAAAAAAAAAAAAA=="))),
+         "whole"},
+        {"fieldTooShort",
+         vtu(piece(kPoints, triangle(), "<PointData>" + xmlArray("S", "1 2") + "</PointData>")),
+         "array S ends"},
+        {"manyPoints", replaced(ascii, "NumberOfPoints=\"6\"", "NumberOfPoints=\"999999999999\""),
+         "than the file"},
+        {"noAppended", replaced(ascii, "format=\"ascii\"", "format=\"appended\" offset=\"0\""),
+         "no AppendedData"},
+        {"zlibBomb", bomb(), "impossible size"},
+        {"zlibDamaged", replaced(encodings()[10].content, "\x78\x9c", "\x78\x9d"), "zlib"},
+        {"blockTooLong", vtu(piece(kPoints, replaced(triangle(), ">0", " format=\"binary\">/////w=="))),
+         "bytes"},
+        {"structured", kLegacyHead + "DATASET STRUCTURED_POINTS\n", "structured_points"},
+        {"legacyVersion", replaced(grid, "3.0", "9.0"), "version"},
+        {"legacyEncoding", replaced(grid, "ASCII", "HEX"), "ASCII nor BINARY"},
+        {"manyLegacyPoints", replaced(grid, "POINTS 3", "POINTS 999999999"), "than the file"},
+        {"cellListTooShort", replaced(grid, "3 0 1 2", "4 0 1 2"), "past the end of the cell list"},
+        {"cellListTooLong", replaced(grid, "3 0 1 2", "2 0 1 2"), "after the last cell"},
+        {"noCellTypes", replaced(grid, "CELL_TYPES 1\n5\n", ""), "1 cells but 0 cell types"},
+        {"dataForOthers", grid + "POINT_DATA 4\n", "4 points, but 3"},
+        {"fieldForOthers", grid + "CELL_DATA 1\nFIELD f 1\nS 1 2 float\n1 2\n", "2 tuples instead of 1"},
+        {"geometryAfterData", grid + "CELL_DATA 1\nCELLS 1 4\n3 0 1 2\n", "unexpected 'cells'"},
+        {"keyword", grid + "WEIGHTS 3\n", "unexpected 'weights'"},
+    };
+}
+
+class BadFiles : public testing::TestWithParam<BadFile> {};
+INSTANTIATE_TEST_SUITE_P(Reader, BadFiles, testing::ValuesIn(badFiles()),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_P(BadFiles, AreRefusedInOneLineWithTheReason) {
+    const std::string reason = reasonFor(GetParam().content);
+    EXPECT_THAT(reason, HasSubstr(temporaryPath() + ": "));
+    EXPECT_THAT(reason, HasSubstr(GetParam().reason));
+    EXPECT_EQ(reason.find('\n'), std::string::npos);
+}
+
+TEST(Reader, MissingFilesAndFoldersAreRefusedByName) {
+    EXPECT_THROW(readModel("no/such/file.vtu"), ViewerError);
+    try {
+        readModel(testing::TempDir());
+        FAIL();
+    } catch (const ViewerError& error) {
+        EXPECT_THAT(error.what(), HasSubstr("not a regular file"));
+    }
+}
+
+} // namespace
