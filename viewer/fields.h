@@ -32,7 +32,7 @@ const Field& findField(const Model& model, const std::string& name, std::optiona
 Scalars selectScalars(const Model& model, const std::string& selector, std::optional<int> step);
 
 /// The displacement field of a model: a three-component node field (or series) named like a displacement (disp,
-/// displacement, DISPL, U, ...); null when there is none.
+/// displacement, DISPL, U, ... in any case, or a mode shape); null when there is none.
 const Field* findDisplacement(const Model& model, std::optional<int> step);
 
 /// Smallest and largest finite value; nothing when there is none.

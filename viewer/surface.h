@@ -29,7 +29,8 @@ struct Surface {
     std::vector<Centre> centres;
 };
 
-/// Outer faces point outward, shell faces keep their own order.
+/// Outer faces point outward, whatever the node order of their cells; shell faces keep their own order. Of a shell on
+/// the outer face of a solid the shell is drawn. The model must have passed checkModel.
 Surface extractSurface(const Model& model);
 
 } // namespace nruview

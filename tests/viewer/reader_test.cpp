@@ -217,15 +217,18 @@ std::string replaced(std::string text, const std::string& from, const std::strin
     return text.replace(text.find(from), from.size(), to);
 }
 
-/// A zlib block of eight bytes that says it inflates to 32 MB.
-std::string bomb() {
-    const std::string sizes = std::string("\1\0\0\0", 4) + std::string("\xF8\xFF\xFF\1", 4) +
-                              std::string(4, '\0') + std::string("\x8\0\0\0", 4);
+/// A compressed array of points with a header of these numbers and eight bytes of data.
+std::string compressedPoints(const std::string& points, const std::vector<std::uint64_t>& header) {
+    std::string data;
+    for (const std::uint64_t number : header)
+        for (int byte = 0; byte < 8; ++byte)
+            data.push_back(static_cast<char>(number >> (8 * byte)));
     return replaced(
-        vtu("<Piece NumberOfPoints=\"1398101\" NumberOfCells=\"1\"><Points><DataArray type=\"Float64\" "
-            "NumberOfComponents=\"3\" format=\"appended\" offset=\"0\"/></Points></Piece>",
-            "compressor=\"vtkZLibDataCompressor\""),
-        "</VTKFile>", "<AppendedData encoding=\"raw\">_" + sizes + "12345678</AppendedData></VTKFile>");
+        vtu("<Piece NumberOfPoints=\"" + points +
+                "\" NumberOfCells=\"1\"><Points><DataArray type=\"Float64\" NumberOfComponents=\"3\" "
+                "format=\"appended\" offset=\"0\"/></Points></Piece>",
+            "header_type=\"UInt64\" compressor=\"vtkZLibDataCompressor\""),
+        "</VTKFile>", "<AppendedData encoding=\"raw\">_" + data + "12345678</AppendedData></VTKFile>");
 }
 
 std::vector<BadFile> badFiles() {
@@ -261,7 +264,8 @@ std::vector<BadFile> badFiles() {
          "than the file"},
         {"noAppended", replaced(ascii, "format=\"ascii\"", "format=\"appended\" offset=\"0\""),
          "no AppendedData"},
-        {"zlibBomb", bomb(), "impossible size"},
+        {"zlibBomb", compressedPoints("1000000", {1, 24000000, 0, 8}), "impossible size"},
+        {"zlibSizesWrap", compressedPoints("2", {2, 24, 0, 1ull << 63, 1ull << 63}), "past the end"},
         {"zlibDamaged", replaced(encodings()[10].content, "\x78\x9c", "\x78\x9d"), "zlib"},
         {"blockTooLong", vtu(piece(kPoints, replaced(triangle(), ">0", " format=\"binary\">/////w=="))),
          "bytes"},
