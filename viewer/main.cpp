@@ -3,6 +3,7 @@
 #include <epoxy/gl.h>
 
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <new>
 #include <vector>
@@ -70,6 +71,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "nruview: %s\n", error.what());
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "nruview: the model does not fit into memory\n");
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "nruview: %s\n", error.what());
     }
     return 2;
 }
