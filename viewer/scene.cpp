@@ -197,7 +197,8 @@ void Scene::endContour() {
 }
 
 void Scene::drawFaces() {
-    // A pixel of an edge lies up to half a pixel beside it, where a sloping face may be nearer: faces step back by that.
+    // A pixel of an edge lies up to half a pixel beside it, where a sloping face may be nearer: faces step
+    // back by that.
     glPolygonOffset(0.6f, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_faces.colored.mesh) {
