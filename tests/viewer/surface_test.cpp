@@ -243,6 +243,8 @@ TEST_P(TouchingCells, ShareFacesThatVanish) {
         model.addCell(cell.type, cell.nodes);
     const Surface surface = extractSurface(model);
     EXPECT_EQ(surface.faceCount, GetParam().faces);
+    for (const auto& piece : piecesOf(model, surface))
+        EXPECT_GT(areaOf({piece}), 0.1);
     if (!std::isnan(GetParam().volume)) {
         EXPECT_NEAR(volumeOf(piecesOf(model, surface)), GetParam().volume, 1e-12);
     }
