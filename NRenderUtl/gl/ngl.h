@@ -42,7 +42,7 @@ struct _NglInfoStr {
     _NgPoint3Str viewY;       ///< unit vector, model space, up on the screen
     _NgPoint3Str viewX;       ///< unit vector, model space, right on the screen
     _NgPoint3Str view;        ///< unit vector, model space, of increasing window depth
-    _NgPoint3Str orthoMin;    ///< current orthographic box
+    _NgPoint3Str orthoMin;    ///< current orthographic box, along the axes of the view (see ngl_get_ortho_2d)
     _NgPoint3Str orthoMax;
     float pixelSize;                   ///< model-space length of one pixel
     _NgPoint3Str screenOrigin;         ///< model point under window pixel (0, 0) at depth 0
@@ -55,9 +55,9 @@ struct _NglInfoStr {
     _NgPoint3Str pushDelta;            ///< depth offset of the view-point pushes
     std::int32_t transformed;          ///< 1 while a transformation lies on top of the view
     std::int32_t perspective;          ///< 1 = perspective projection
-    std::int32_t noComplement;         ///< colour table: 0 complement table, 1 the record's palette
-    std::int32_t viewPushCount;        ///< view-point pushes in force
-    std::int32_t zoomedOrFit;          ///< set by the host after a zoom or fit
+    std::int32_t noComplement;  ///< colour table: 0 complement table, 1 the palette, else the library's
+    std::int32_t viewPushCount; ///< view-point pushes in force
+    std::int32_t zoomedOrFit;   ///< set by the host after a zoom or fit, cleared by NglUpdateNglInfo
     NglLightParams lights[8];
     NglMatParams frontMaterial;
     NglMatParams backMaterial;
@@ -133,7 +133,8 @@ NRENDERUTL_API _NglInfoStr* NglPushNglInfo();
 NRENDERUTL_API void NglPopNglInfo();
 /// Reads the record back from the current context: matrices, viewport, view vectors, box, pixel size, push
 /// delta, enabled lights and both materials. A disabled light keeps its values, a singular matrix its view
-/// vectors zero. Sets the colour index to -1 and the line width to 1; markers and managed text are refreshed.
+/// vectors zero. Sets the colour index to -1, the zoom mark to 0 and the line width to 1; markers and managed
+/// text are refreshed.
 NRENDERUTL_API void NglUpdateNglInfo();
 /// Loads an identity model-view and an orthographic projection of one unit a pixel. Right and top edges are
 /// the viewport's width and height, also when it lies off the origin. Without both planes: near 0, far -1.
@@ -180,8 +181,8 @@ NRENDERUTL_API void NglUnBlockPrompts();
 extern NRENDERUTL_API std::int32_t NglMaxColor;
 
 /// Makes the colour of an index current in GL, with the blending alpha; index 15 is issued as 63, a negative
-/// one does nothing. The table is the complement table or, in no-complement mode, the record's palette, and
-/// the library's where there is none.
+/// one does nothing. The table is the complement table or, in no-complement mode, the record's palette; in
+/// any other mode, or where there is none, the library's.
 NRENDERUTL_API void ngl_set_color(int index);
 /// ngl_set_color with the record's palette, whatever the mode.
 NRENDERUTL_API void ngl_set_color_no_complement(int index);
@@ -313,21 +314,22 @@ NRENDERUTL_API void UtlComputeViewDelta(_NgPoint3Str* delta, int n);
 // an image (on the eye plane, singular matrices) is projected to window (0, 0, 0). A viewport without width
 // or height divides by zero. In and out may be the same point.
 
-/// The record's orthographic box, in model space.
+/// The record's orthographic box: model space turned by the model-view's rotation, without its translation.
+/// Its z falls from orthoMin, at the near plane, to orthoMax.
 NRENDERUTL_API void ngl_get_ortho_2d(double* minX, double* minY, double* maxX, double* maxY);
 NRENDERUTL_API void ngl_get_ortho_3d(double* minX, double* minY, double* minZ, double* maxX, double* maxY,
                                      double* maxZ);
 NRENDERUTL_API void ngl_get_ortho_3d_p(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
 /// Model-space length of one pixel by the record.
 NRENDERUTL_API void ngl_get_ortho_scale(double* scale);
-/// The same at a model point: in a perspective view with a camera, a thousandth of the view's height at the
+/// The same at a model point. In a perspective view with a camera: a thousandth of the view's height at the
 /// point's distance from the camera. A camera within 9.87654321e-36 of that value in each coordinate is
 /// unset.
 NRENDERUTL_API double ngl_get_ortho_scale_given_point(_NgPoint3Str* point);
 /// Model-space distance between the window points (1, 0, 0) and (distance, 0, 0), by the record's
 /// single-precision matrices. 0 or NaN counts as 10.
 NRENDERUTL_API double ngl_get_model_dist_for_screen_distance(double distance);
-/// Writes the orthographic box of the live matrices; meaningful for orthographic projections. Returns 0.
+/// Writes such a box of the live matrices; meaningful for orthographic projections. Returns 0.
 NRENDERUTL_API int ngl_compute_current_ortho_3d(_NgPoint3Str* minCorner, _NgPoint3Str* maxCorner);
 /// Writes a tenth of the live model-space distance from window (1, 0, 0) to (10, 0, 0), rounded to float:
 /// nine tenths of a pixel.
@@ -390,7 +392,7 @@ NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int
 NRENDERUTL_API int NglCreateFBO(unsigned int width, unsigned int height, unsigned int format,
                                 unsigned int type, _NglFBOInfoStr* info);
 /// Deletes the framebuffer, its textures and its pixels and zeroes the record; harmless on a zeroed one.
-/// Returns 0.
+/// Without framebuffer objects nothing happens. Returns 0.
 NRENDERUTL_API int NglDestroyFBO(_NglFBOInfoStr* info);
 /// Binds a framebuffer by name, 0 = the window, and returns the one that is bound. Without framebuffer
 /// objects nothing is bound and 0 is returned.

@@ -6,8 +6,7 @@
 /// 4x4 matrix as 16 doubles, element k of OpenGL's column-major order. `double[4][4]` has the same layout.
 using NgMatrix = double[4][4];
 
-// --- matrices
-// -----------------------------------------------------------------------------------------------
+// --- matrices ----------------------------------------------------------------------------------------------
 
 void NglSetIdentity(NgMatrix m);
 /// out := a * b (b is applied to points first). out may be a or b.
@@ -36,8 +35,7 @@ void NglTransform33p(const _NgPoint3Str& p, const NgMatrix m, _NgPoint3Str& out)
 void NglToFloat(const NgMatrix m, float out[4][4]);
 void NglToDouble(const float m[4][4], NgMatrix out);
 
-// --- vectors
-// ------------------------------------------------------------------------------------------------
+// --- vectors -----------------------------------------------------------------------------------------------
 
 _NgPoint3Str MathAdd(const _NgPoint3Str& a, const _NgPoint3Str& b);
 _NgPoint3Str MathDifference(const _NgPoint3Str& a, const _NgPoint3Str& b); ///< a - b
@@ -53,8 +51,7 @@ int MathNormalise(_NgPoint3Str& v);
 /// length.
 double MathAngleDeg(const _NgPoint3Str& a, const _NgPoint3Str& b);
 
-// --- planes and lines
-// ---------------------------------------------------------------------------------------
+// --- planes and lines --------------------------------------------------------------------------------------
 
 /// Plane a x + b y + c z + d = 0.
 struct NgPlane {
@@ -91,8 +88,7 @@ struct NgSegmentNearest {
 NgSegmentNearest MathNearestPointOnSegmentFromLine(const _NgPoint3Str& a, const _NgPoint3Str& b,
                                                    const _NgPoint3Str& p, const _NgPoint3Str& q);
 
-// --- single precision
-// ---------------------------------------------------------------------------------------
+// --- single precision --------------------------------------------------------------------------------------
 
 struct NgFVector3 {
     float x = 0, y = 0, z = 0;
