@@ -1,13 +1,12 @@
 // Colours as GL receives them.
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "tests/support/gltest.h"
 
 namespace {
-
-using nrutest::GlTest;
 
 /// GL's current colour as bytes.
 NgColorLong currentColor() {
@@ -19,7 +18,7 @@ NgColorLong currentColor() {
     return packed;
 }
 
-class NglColorGl : public GlTest {
+class NglColorGl : public nrutest::GlTest {
 protected:
     void SetUp() override {
         GlTest::SetUp();
@@ -44,7 +43,6 @@ TEST_F(NglColorGl, IndicesIssueTheirColourWithTheBlendingAlpha) {
         NgColorLong issued, colorLong;
         int current;
     } rows[] = {
-        {"plain", 7, 0x7F800700, 0xFF800700, 7},
         {"its own alpha is not drawn", 5, 0x7F102030, 0x40102030, 5},
         {"hidden by the background", 6, 0x7F000001, 0xFF000001, 6},
         {"15 is issued as 63", 15, 0x7F803F00, 0xFF803F00, 63},
@@ -61,46 +59,39 @@ TEST_F(NglColorGl, IndicesIssueTheirColourWithTheBlendingAlpha) {
     }
 }
 
-TEST_F(NglColorGl, ModeChoosesTheTable) {
+TEST_F(NglColorGl, ModeAndTablesAtHandChooseTheColour) {
+    constexpr NgColorLong kComplement = 0x7F000001, kPalette = 0x7FFFFFFE, kLibrary = 0x7F5F9933;
     const struct {
-        const char* name;
         int mode;
-        NgColorLong issued;
-    } rows[] = {{"complement table", 0, 0x7F000001},
-                {"record's palette", 1, 0x7FFFFFFE},
-                {"library table", 2, 0x7F5F9933}};
+        bool hasTables;
+        NgColorLong issued, withoutComplement;
+    } rows[] = {{0, true, kComplement, kPalette},
+                {1, true, kPalette, kPalette},
+                {2, true, kLibrary, kPalette},
+                {0, false, kLibrary, kLibrary},
+                {1, false, kLibrary, kLibrary}};
     for (const auto& row : rows) {
+        if (!row.hasTables) {
+            NglGetNglInfo()->palette = nullptr;
+            NglUpdateComplementColor(0, nullptr);
+        }
         NglGetNglInfo()->noComplement = row.mode;
         ngl_set_color(6);
-        EXPECT_EQ(currentColor(), row.issued) << row.name;
+        EXPECT_EQ(currentColor(), row.issued) << row.mode << row.hasTables;
         ngl_set_color_no_complement(6);
-        EXPECT_EQ(currentColor(), 0x7FFFFFFEu) << row.name;
+        EXPECT_EQ(currentColor(), row.withoutComplement) << row.mode << row.hasTables;
         EXPECT_EQ(NglGetNglInfo()->noComplement, row.mode);
     }
-    NglBeginNoComplementMode();
-    ngl_set_color(6);
-    EXPECT_EQ(currentColor(), 0x7FFFFFFEu);
-    NglGetNglInfo()->palette = nullptr;
-    ngl_set_color(6);
-    EXPECT_EQ(currentColor(), 0x7F5F9933u) << "no palette";
-    NglEndNoComplementMode();
-    NglUpdateComplementColor(0, nullptr);
-    ngl_set_color(6);
-    EXPECT_EQ(currentColor(), 0x7F5F9933u) << "no complement table";
 }
 
 TEST_F(NglColorGl, PackedColoursAreDrawnAsTheyAre) {
     ngl_set_color(7);
-    const struct {
-        const char* name;
-        void (*issue)(NgColorLong);
-        NgColorLong pixel;
-    } rows[] = {{"long", ngl_set_color_long, 0x01FF8040}, {"rgb", ngl_set_color_rgb, 0x7FFF8040}};
-    for (const auto& row : rows) {
-        row.issue(0x01FF8040);
+    for (const auto& [issue, pixel] :
+         {std::pair{&ngl_set_color_long, 0x01FF8040u}, {&ngl_set_color_rgb, 0x7FFF8040u}}) {
+        issue(0x01FF8040);
         glRectf(-1, -1, 1, 1);
-        EXPECT_EQ(nrutest::hex(read().at(20, 30)), nrutest::hex(row.pixel)) << row.name;
-        EXPECT_EQ(ngl_get_color_long(), row.pixel) << row.name;
-        EXPECT_EQ(ngl_get_color(), 7) << row.name;
+        EXPECT_EQ(nrutest::hex(read().at(20, 30)), nrutest::hex(pixel));
+        EXPECT_EQ(ngl_get_color_long(), pixel);
+        EXPECT_EQ(ngl_get_color(), 7);
     }
 }

@@ -11,15 +11,14 @@ namespace {
 
 using Table = std::array<NgColorLong, 256>;
 
+/// The colour of ngl_get_rgb, which the one of ngl_get_rgb_floats must equal.
 NgColorLong rgbOf(int index) {
     unsigned char r = 0, g = 0, b = 0;
-    EXPECT_EQ(ngl_get_rgb(index, r, g, b), 0);
     float fr = 0, fg = 0, fb = 0;
+    EXPECT_EQ(ngl_get_rgb(index, r, g, b), 0);
     EXPECT_EQ(ngl_get_rgb_floats(index, fr, fg, fb), 0);
-    EXPECT_EQ(fr, static_cast<float>(r / 255.0)) << index;
-    EXPECT_EQ(fg, static_cast<float>(g / 255.0)) << index;
-    EXPECT_EQ(fb, static_cast<float>(b / 255.0)) << index;
-    return (NgColorLong{b} << 16) | (NgColorLong{g} << 8) | r;
+    EXPECT_EQ((std::array{fr, fg, fb}), (std::array{r / 255.0f, g / 255.0f, b / 255.0f})) << index;
+    return ngl_get_color_long_from_rgb(r, g, b) & 0xFFFFFF;
 }
 
 Table libraryTable() {
@@ -31,7 +30,6 @@ Table libraryTable() {
 } // namespace
 
 TEST(NglColor, FirstLookupInstallsTheLibraryTable) {
-    NglSetWindowBackGroundColor(0x808080);
     EXPECT_EQ(NglGetNglInfo()->palette, nullptr);
     EXPECT_EQ(rgbOf(1), 0x956BFFu);
     EXPECT_EQ(NglGetNglInfo()->palette, NglGetColors());
@@ -43,30 +41,24 @@ TEST(NglColor, ComplementInvertsWhatTheBackgroundHides) {
         const char* name;
         NgColorLong background, entry, expected;
     } rows[] = {
-        {"17 apart", 0x808080, 0xFF919191, 0x919191},
-        {"12 apart", 0x808080, 0xFF8C8C8C, 0x737373},
         {"13 apart, above and below", 0x808080, 0xFF8D738D, 0x728C72},
         {"14 apart in red", 0x808080, 0xFF80808E, 0x80808E},
         {"14 apart in green", 0x808080, 0xFF808E80, 0x808E80},
         {"14 apart in blue", 0x808080, 0xFF728080, 0x728080},
-        {"background's alpha does not count", 0xFF101010, 0xFF101010, 0xEFEFEF},
+        {"background's alpha does not count", 0xFF101010, 0x00101010, 0xEFEFEF},
     };
     for (const auto& row : rows) {
-        Table palette{};
-        palette[7] = row.entry;
+        const NgColorLong palette[] = {0, row.entry};
         NglSetWindowBackGroundColor(row.background);
         NglSetForceComplement();
-        NglUpdateColor(256, palette.data());
-        EXPECT_EQ(rgbOf(7), row.expected) << row.name;
+        NglUpdateColor(2, palette);
+        EXPECT_EQ(rgbOf(1), row.expected) << row.name;
     }
 }
 
 TEST(NglColor, HighlightAndSelectionBeatEveryTable) {
-    Table palette;
-    palette.fill(0xFF404040);
-    NglSetWindowBackGroundColor(0x404040);
+    const std::vector<NgColorLong> palette(256, 0xFF404040);
     NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(31), 0xBFBFBFu);
     EXPECT_EQ(rgbOf(32), 0x2020FFu);
     EXPECT_EQ(rgbOf(33), 0u);
     EXPECT_EQ(NglSetHighlightColor(0x80010203), 0xFF2020FFu);
@@ -77,46 +69,45 @@ TEST(NglColor, HighlightAndSelectionBeatEveryTable) {
 }
 
 TEST(NglColor, ComplementIsReusedUntilItsKeyChangesOrIsForced) {
-    Table palette{};
-    palette[5] = 0xFF0000FF;
-    NglUpdateColor(256, palette.data());
-    palette[5] = 0xFF00FF00;
-    NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(5), 0x0000FFu) << "same palette, same background";
-    NglSetWindowBackGroundColor(0x01);
-    EXPECT_EQ(rgbOf(5), 0x0000FFu) << "a new background waits for the next update";
-    NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(5), 0x00FF00u);
-    palette[5] = 0xFFFF0000;
-    NglUpdateColor(255, palette.data());
-    EXPECT_EQ(rgbOf(5), 0xFF0000u) << "another count";
-    palette[5] = 0xFFFFFF00;
-    NglSetForceComplement();
-    NglUpdateColor(255, palette.data());
-    EXPECT_EQ(rgbOf(5), 0xFFFF00u) << "forced";
-    palette[5] = 0xFFFFFFFF;
-    NglUpdateColor(255, palette.data());
-    EXPECT_EQ(rgbOf(5), 0xFFFF00u) << "forced only once";
-}
-
-TEST(NglColor, AComplementTableOfTheHostIsUsedAsItIs) {
+    const struct {
+        const char* name;
+        NgColorLong background, entry;
+        int count;
+        bool force;
+        NgColorLong expected;
+    } rows[] = {
+        {"first", 0, 0xFF0000FF, 256, false, 0x0000FF},
+        {"same palette, same background", 0, 0xFF00FF00, 256, false, 0x0000FF},
+        {"another background", 1, 0xFF00FF00, 256, false, 0x00FF00},
+        {"another count", 1, 0xFFFF0000, 255, false, 0xFF0000},
+        {"forced", 1, 0xFFFFFF00, 255, true, 0xFFFF00},
+        {"forced only once", 1, 0xFFFFFFFF, 255, false, 0xFFFF00},
+    };
     Table palette{}, own{};
-    own[5] = 0xFF000001; // close to the background, yet not inverted
-    palette[5] = 0xFF0000FF;
-    NglUpdateColor(256, palette.data());
+    NgColorLong before = 0;
     NglUpdateComplementColor(256, own.data());
-    EXPECT_EQ(rgbOf(5), 0x000001u);
-    EXPECT_EQ(NglGetColorGivenIndex(5), 0xFF0000FFu) << "the palette stays";
-    NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(5), 0x0000FFu);
+    for (const auto& row : rows) {
+        palette[5] = row.entry;
+        NglSetWindowBackGroundColor(row.background);
+        if (row.force)
+            NglSetForceComplement();
+        EXPECT_EQ(rgbOf(5), before) << row.name << ": waits for the next update";
+        NglUpdateColor(row.count, palette.data());
+        EXPECT_EQ(rgbOf(5), row.expected) << row.name;
+        before = row.expected;
+    }
+    own[5] = 0xFF000001; // close to the background, yet not inverted
+    NglUpdateComplementColor(256, own.data());
+    EXPECT_EQ(rgbOf(5), 0x000001u) << "a table of the host's is used as it is";
+    EXPECT_EQ(NglGetColorGivenIndex(5), 0xFFFFFFFFu) << "the palette stays";
 }
 
 TEST(NglColor, SchemesCopyTheirColoursAndMarkTheComplement) {
-    const Table initial = libraryTable();
-    EXPECT_TRUE(std::all_of(initial.begin() + 64, initial.end(), [](NgColorLong c) { return c == 0; }));
+    Table expected = libraryTable();
+    EXPECT_EQ(expected[63], 0xFFFFFFFFu);
+    EXPECT_EQ(std::count(expected.begin() + 64, expected.end(), 0u), 192);
     NglMaxColor = 3;
     NglSetColorScheme(1);
-    Table expected = initial;
     expected[0] = 0xFF000000, expected[1] = 0xFFFF00FF, expected[2] = 0xFF5F9933;
     EXPECT_EQ(libraryTable(), expected);
     NglMaxColor = 1000;
@@ -127,47 +118,44 @@ TEST(NglColor, SchemesCopyTheirColoursAndMarkTheComplement) {
     NglSetColorScheme(2);
     EXPECT_EQ(libraryTable(), expected);
 
+    NglMaxColor = 64;
     Table palette{};
-    NglUpdateColor(256, palette.data());
-    palette[9] = 0xFF0000FF;
-    NglSetColorScheme(4);
+    for (const NgColorLong entry : {0xFF0000FFu, 0xFF00FF00u}) {
+        palette[9] = entry;
+        NglSetColorScheme(4); // unknown: no colours; the second time it is the scheme already
+        NglUpdateColor(256, palette.data());
+        EXPECT_EQ(rgbOf(9), 0x0000FFu) << "only a change forces the complement";
+    }
     EXPECT_EQ(libraryTable(), expected);
-    NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(9), 0x0000FFu) << "an unknown scheme still forces the complement";
-    palette[9] = 0xFF00FF00;
-    NglSetColorScheme(4);
-    NglUpdateColor(256, palette.data());
-    EXPECT_EQ(rgbOf(9), 0x0000FFu) << "the scheme it already has does not";
 }
 
-TEST(NglColor, LookupsInTheRecordsPalette) {
+TEST(NglColor, LookupsStayWithinTheTables) {
     const NgColorLong palette[] = {0xFF000000, 0xFF112233, 0x00112233, 0xFF112233};
+    NglSetWindowBackGroundColor(0x808080);
     NglUpdateColor(4, palette);
-    EXPECT_EQ(NglGetColorGivenIndex(0), 0u);
-    EXPECT_EQ(NglGetColorGivenIndex(2), 0x00112233u);
-    EXPECT_EQ(NglGetColorGivenIndex(4), 0u);
-    EXPECT_EQ(NglGetColorGivenIndex(-1), 0u);
+    const struct {
+        int index;
+        NgColorLong entry, rgb;
+    } rows[] = {{0, 0, 0}, // deliberate: black is "no colour"
+                {2, 0x00112233, 0x112233},
+                {4, 0, NglGetColors()[4] & 0xFFFFFF},
+                {-1, 0, 0xFFFFFF},
+                {256, 0, 0xFFFFFF}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(NglGetColorGivenIndex(row.index), row.entry) << row.index;
+        EXPECT_EQ(rgbOf(row.index), row.rgb) << row.index;
+    }
     EXPECT_EQ(NglGetIndexGivenColor(0xFF112233), 1);
     EXPECT_EQ(NglGetIndexGivenColor(0x00112233), 2);
     EXPECT_EQ(NglGetIndexGivenColor(0x80112233), -1);
-    NglUpdateColor(0, palette);
-    EXPECT_EQ(NglGetIndexGivenColor(0xFF112233), -1);
-}
-
-TEST(NglColor, IndicesOutsideATableFallBack) {
-    const std::vector<NgColorLong> palette(300, 0xFF445566);
-    NglSetWindowBackGroundColor(0x808080);
-    NglUpdateColor(static_cast<int>(palette.size()), palette.data());
-    EXPECT_EQ(rgbOf(255), 0x445566u);
-    for (int index : {256, 299, 1 << 30, -1})
-        EXPECT_EQ(rgbOf(index), 0xFFFFFFu) << index;
-    NglUpdateColor(10, palette.data());
-    EXPECT_EQ(rgbOf(9), 0x445566u);
-    EXPECT_EQ(rgbOf(10), NglGetColors()[10] & 0xFFFFFF);
-    NglUpdateColor(256, nullptr);
-    EXPECT_EQ(rgbOf(1), NglGetColors()[1] & 0xFFFFFF);
+    NglUpdateColor(4, nullptr);
     EXPECT_EQ(NglGetColorGivenIndex(1), 0u);
-    EXPECT_EQ(NglGetIndexGivenColor(0xFF445566), -1);
+    EXPECT_EQ(NglGetIndexGivenColor(0xFF112233), -1);
+    EXPECT_EQ(rgbOf(1), NglGetColors()[1] & 0xFFFFFF);
+    const std::vector<NgColorLong> longPalette(300, 0xFF445566);
+    NglUpdateColor(300, longPalette.data());
+    EXPECT_EQ(rgbOf(255), 0x445566u);
+    EXPECT_EQ(rgbOf(256), 0xFFFFFFu);
 }
 
 TEST(NglColor, BackgroundDecidesDarkAndLight) {
@@ -178,7 +166,7 @@ TEST(NglColor, BackgroundDecidesDarkAndLight) {
         NgColorLong background;
         int paletteCount; ///< -1: no palette
         int blackish;
-        NgColorLong inverted; ///< of 0x80102030
+        NgColorLong onBackground; ///< of 0x80102030
         int hiddenIndex;
         NgColorLong hiddenColor;
     } rows[] = {
@@ -192,7 +180,7 @@ TEST(NglColor, BackgroundDecidesDarkAndLight) {
         NglUpdateColor(row.paletteCount, row.paletteCount < 0 ? nullptr : palette.data());
         NglUpdateHiddenColor();
         EXPECT_EQ(NglIsWinBGBlackish(), row.blackish) << row.name;
-        EXPECT_EQ(NglGetColorBasedOnWinColor(0x80102030), row.inverted) << row.name;
+        EXPECT_EQ(NglGetColorBasedOnWinColor(0x80102030), row.onBackground) << row.name;
         EXPECT_EQ(NglGetHiddenColor(), row.hiddenIndex) << row.name;
         EXPECT_EQ(NglGetHiddenColorRGB(), row.hiddenColor) << row.name;
     }
@@ -205,11 +193,8 @@ TEST(NglColor, PackedColoursAndTheBlendingWord) {
     int r, g, b, a;
     VbNglGetRGBAFromColor(0x80030201, &r, &g, &b, &a);
     EXPECT_EQ((std::array{r, g, b, a}), (std::array{1, 2, 3, 128}));
-
-    EXPECT_EQ(ngl_get_blending_value(), 0x7F800000);
-    EXPECT_EQ(ngl_add_transparency_into_rgb_color(0xFF030201), 0x7F030201u);
+    EXPECT_EQ(ngl_get_blending_value(), 0x7F800000) << "the word as it starts";
     ngl_set_blending_value(0x3C8);
-    EXPECT_EQ(static_cast<NgColorLong>(ngl_get_blending_value()), 0xC8000000u);
-    EXPECT_LT(ngl_get_blending_value(), 0);
+    EXPECT_EQ(ngl_get_blending_value(), static_cast<int>(0xC8000000));
     EXPECT_EQ(ngl_add_transparency_into_rgb_color(0xFF030201), 0xC8030201u);
 }
