@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/mesh/hostarray.h"
@@ -30,21 +31,9 @@ constexpr double kMaxSquaredRay = 1e200;
 class RayView {
 public:
     RayView(const _NgPoint3Str& start, const _NgPoint3Str& end, const NgMatrix matrix);
-    /// False when no edge can be ruled out: the ray or the matrix is out of bounds.
+    /// False when no edge can be ruled out, the ray or the matrix being out of bounds: all outcodes are 0.
     bool usable() const { return m_usable; }
-    /// One bit per side of the ray on which the vertex lies farther than reach; none for what is not finite.
-    Outcode outcode(const double* p, double reach) const {
-        const Place place = placeOf(p, reach);
-        return outcode(place.u, place.v, place.limit);
-    }
-    /// The outcodes of an array of vertices.
-    void outcodes(const double* coords, std::size_t count, double reach, Outcode* out) const;
-
-private:
-    using Row = std::array<double, 4>;
-    static Row project(const _NgPoint3Str& axis, const _NgPoint3Str& start, const NgMatrix matrix);
-
-    /// Coordinates across the ray, and how large they must be to lie beyond reach for certain.
+    /// Coordinates of a vertex across the ray, and how large they must be to lie beyond reach for certain.
     struct Place {
         double u, v, limit;
     };
@@ -55,9 +44,22 @@ private:
                 m_v[0] * p[0] + m_v[1] * p[1] + m_v[2] * p[2] + m_v[3],
                 reach + (kRelativeSlack * size + kAbsoluteSlack)};
     }
+    /// One bit per side of the ray on which the vertex lies farther than reach; none for what is not finite.
     static Outcode outcode(double u, double v, double limit) {
         return static_cast<Outcode>((u > limit) | (u < -limit) << 1 | (v > limit) << 2 | (v < -limit) << 3);
     }
+    /// Whether an edge lies beyond reach for certain, as a circle about its middle.
+    static bool isBeyond(const Place& a, const Place& b) {
+        const double u = a.u + b.u, v = a.v + b.v;
+        const double twice = a.limit + b.limit + std::fabs(a.u - b.u) + std::fabs(a.v - b.v);
+        return u * u + v * v > twice * twice;
+    }
+    /// Fills in the outcodes of an array of vertices, zero at first; for a smaller reach than before, again.
+    void outcodes(const double* coords, std::size_t count, double reach, Outcode* out) const;
+
+private:
+    using Row = std::array<double, 4>;
+    static Row project(const _NgPoint3Str& axis, const _NgPoint3Str& start, const NgMatrix matrix);
 
     Row m_u{}, m_v{}; ///< coordinates across the ray of a vertex before its transformation
     Row m_size{};     ///< bound of all numbers that enter a transformed vertex's place
@@ -86,6 +88,8 @@ RayView::RayView(const _NgPoint3Str& start, const _NgPoint3Str& end, const NgMat
         m_size[i] = std::fabs(matrix[i][0]) + std::fabs(matrix[i][1]) + std::fabs(matrix[i][2]);
     m_size[3] += std::fabs(start.x) + std::fabs(start.y) + std::fabs(start.z);
     m_usable = std::isfinite(m_size[0] + m_size[1] + m_size[2] + m_size[3]);
+    if (!m_usable)
+        m_size[3] = HUGE_VAL;
 }
 
 /// In two steps per chunk, of which the arithmetic one so becomes vector code: 3 ms instead of 5 a million.
@@ -95,6 +99,9 @@ void RayView::outcodes(const double* coords, std::size_t count, double reach, Ou
     const RayView view = *this;
     for (std::size_t first = 0; first < count; first += kChunk) {
         const std::size_t n = std::min(count - first, kChunk);
+        // A smaller reach tells little about vertices that are all outside already.
+        if (!std::memchr(out + first, 0, n))
+            continue;
         const double* p = coords + first * 3;
         for (std::size_t i = 0; i < n; ++i) {
             const Place place = view.placeOf(p + i * 3, reach);
@@ -128,12 +135,15 @@ public:
     const Hit& run();
 
 private:
+    /// Farther away than this no edge is hit.
+    double reach() const { return std::min(m_tolerance, m_best.distance); }
     void makeOutcodes();
+    void tightenOutcodes();
     bool runBlock(const _NgConnectStr& block);
     template <int Corners>
     bool runElements(const _NgConnectStr& block);
     bool testElement(const _NgConnectStr& block, std::uint32_t element, int corners);
-    bool testSide(const _NgPoint3Str& a, const _NgPoint3Str& b, Hit candidate, int corners);
+    bool testSide(std::uint32_t from, std::uint32_t to, Hit candidate, int corners);
 
     const _NgMeshStr& m_mesh;
     const _NgPoint3Str m_start, m_end;
@@ -141,6 +151,8 @@ private:
     const double m_tolerance;
     const RayView m_view;
     HostArray<Outcode> m_outcodes; ///< one per vertex; null when no edge can be ruled out
+    double m_outcodeReach = 0;     ///< what they were made for
+    std::uint32_t m_passed = 0;    ///< elements that they have let pass
     Hit m_best;
 };
 
@@ -148,7 +160,11 @@ const Hit& Picker::run() {
     // Written so that a tolerance that is not a number picks nothing, as a negative one.
     if (!(m_tolerance >= 0))
         return m_best;
-    makeOutcodes();
+    const auto count = static_cast<std::size_t>(m_mesh.vertexCount);
+    if (m_view.usable() && (m_outcodes = hostArray<Outcode>(count))) {
+        std::fill_n(m_outcodes.get(), count, Outcode{0});
+        makeOutcodes();
+    }
     for (const _NgConnectStr* block = m_mesh.blocks; block; block = block->next)
         if (runBlock(*block))
             break;
@@ -156,9 +172,16 @@ const Hit& Picker::run() {
 }
 
 void Picker::makeOutcodes() {
-    const auto count = static_cast<std::size_t>(m_mesh.vertexCount);
-    if (m_view.usable() && (m_outcodes = hostArray<Outcode>(count)))
-        m_view.outcodes(m_mesh.coords, count, m_tolerance, m_outcodes.get());
+    m_outcodeReach = reach();
+    m_passed = 0;
+    m_view.outcodes(m_mesh.coords, static_cast<std::size_t>(m_mesh.vertexCount), m_outcodeReach,
+                    m_outcodes.get());
+}
+
+/// Makes the outcodes anew for the best hit's distance, once so many elements have passed that it pays.
+void Picker::tightenOutcodes() {
+    if (++m_passed > static_cast<std::uint32_t>(m_mesh.vertexCount) / 3 && reach() < m_outcodeReach / 2)
+        makeOutcodes();
 }
 
 bool Picker::runBlock(const _NgConnectStr& block) {
@@ -187,8 +210,11 @@ bool Picker::runElements(const _NgConnectStr& block) {
         int common = outcodes[indices[0]];
         for (int i = 1; i < Corners; ++i)
             common &= outcodes[indices[i]];
-        if (common == 0 && testElement(block, e, Corners))
+        if (common != 0)
+            continue;
+        if (testElement(block, e, Corners))
             return true;
+        tightenOutcodes();
     }
     return false;
 }
@@ -198,26 +224,22 @@ bool Picker::testElement(const _NgConnectStr& block, std::uint32_t element, int 
     const std::uint32_t* indices = elementIndices(block, element);
     if (!areVertices(m_mesh, indices, corners))
         return false;
-    std::array<Outcode, kMaxPickVertices> outcodes{};
-    std::array<_NgPoint3Str, kMaxPickVertices> points;
-    // An edge farther away than the best hit cannot replace it.
-    const double reach = std::min(m_tolerance, m_best.distance);
+    std::array<RayView::Place, kMaxPickVertices> places;
+    std::array<Outcode, kMaxPickVertices> outcodes;
     int common = 0xFF;
     for (int i = 0; i < corners; ++i) {
-        if (m_view.usable())
-            outcodes[i] = m_view.outcode(vertexCoords(m_mesh, indices[i]), reach);
+        places[i] = m_view.placeOf(vertexCoords(m_mesh, indices[i]), reach());
+        outcodes[i] = RayView::outcode(places[i].u, places[i].v, places[i].limit);
         common &= outcodes[i];
     }
     if (common != 0)
         return false;
-    for (int i = 0; i < corners; ++i)
-        NglTransform33p(vertexPoint(m_mesh, indices[i]), m_matrix, points[i]);
     int insideHits = 0;
     for (int i = 0; i < corners; ++i) {
         const int next = i + 1 == corners ? 0 : i + 1;
-        if ((outcodes[i] & outcodes[next]) == 0)
+        if ((outcodes[i] & outcodes[next]) == 0 && !RayView::isBeyond(places[i], places[next]))
             insideHits +=
-                testSide(points[i], points[next], {0, NgPickNothing, &block, element, i, i}, corners);
+                testSide(indices[i], indices[next], {0, NgPickNothing, &block, element, i, i}, corners);
     }
     if (insideHits < corners)
         return false;
@@ -226,7 +248,10 @@ bool Picker::testElement(const _NgConnectStr& block, std::uint32_t element, int 
 }
 
 /// Makes an edge the best hit when it is near enough; true when it was hit inside.
-bool Picker::testSide(const _NgPoint3Str& a, const _NgPoint3Str& b, Hit candidate, int corners) {
+bool Picker::testSide(std::uint32_t from, std::uint32_t to, Hit candidate, int corners) {
+    _NgPoint3Str a, b;
+    NglTransform33p(vertexPoint(m_mesh, from), m_matrix, a);
+    NglTransform33p(vertexPoint(m_mesh, to), m_matrix, b);
     const NgSegmentNearest nearest = MathNearestPointOnSegmentFromLine(a, b, m_start, m_end);
     if (!(nearest.distance <= m_tolerance && nearest.distance < m_best.distance))
         return false;
