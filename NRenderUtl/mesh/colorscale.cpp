@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr NgColorLong kUnset = 0xFFFFFFFF;
 constexpr NgColorLong kGapColor = 0xFFFFFF; // white marks a value between two bands
 constexpr float kInitialMin = FLT_MAX;
 // Deliberate: the smallest positive normal float, not the most negative one. A scale without bands so keeps
@@ -76,14 +75,14 @@ void RenderColorScale::SetSmearedMode(bool smeared) {
 NgColorLong RenderColorScale::GetColor(float value) const {
     const int count = static_cast<int>(m_bands.size());
     if (count < 1)
-        return kUnset;
+        return kUnsetColor;
     return ngl_add_transparency_into_rgb_color([&] {
         if (hostEqual(m_minValue, m_maxValue))
             return m_bands[count / 2].color;
         if (value < m_minValue)
-            return m_outOfRangeMinColor != kUnset ? m_outOfRangeMinColor : m_bands.front().color;
+            return m_outOfRangeMinColor != kUnsetColor ? m_outOfRangeMinColor : m_bands.front().color;
         if (value > m_maxValue)
-            return m_outOfRangeMaxColor != kUnset ? m_outOfRangeMaxColor : m_bands.back().color;
+            return m_outOfRangeMaxColor != kUnsetColor ? m_outOfRangeMaxColor : m_bands.back().color;
         if (hostEqual(value, m_maxValue))
             return m_bands.back().color;
         const int index = FindBandIndex(value);
@@ -115,8 +114,8 @@ void RenderColorScale::Reset() {
     m_bands.clear();
     m_minValue = kInitialMin;
     m_maxValue = kInitialMax;
-    m_outOfRangeMinColor = kUnset;
-    m_outOfRangeMaxColor = kUnset;
+    m_outOfRangeMinColor = kUnsetColor;
+    m_outOfRangeMaxColor = kUnsetColor;
     m_smeared = false;
 }
 

@@ -21,8 +21,7 @@ struct MeshDraw {
     bool has(unsigned int bits) const { return (flags & bits) != 0; }
 };
 
-// --- faces
-// --------------------------------------------------------------------------------------------------
+// --- faces -------------------------------------------------------------------------------------------------
 
 /// Draws a block, of which elements with an index that names no vertex are left out. The range of the indices
 /// is handed on to the driver, which would otherwise look for it itself.
@@ -108,8 +107,7 @@ void drawScaledFaces(const MeshDraw& draw, double factor) {
     glShadeModel(GL_FLAT);
 }
 
-// --- edges
-// --------------------------------------------------------------------------------------------------
+// --- edges -------------------------------------------------------------------------------------------------
 
 void sendVertex(const MeshDraw& draw, std::uint32_t index) {
     if (draw.values)

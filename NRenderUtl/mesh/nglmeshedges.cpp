@@ -185,7 +185,8 @@ HostArray<_NgPoint3Str> makeFaceNormals(const _NgMeshStr& mesh) {
 }
 
 void freeEdgeData(_NgMeshStr* mesh) {
-    NHostFree(mesh->edges);
+    if (mesh->edgeCount != 0) // only then the edge array is the mesh's own
+        NHostFree(mesh->edges);
     NHostFree(mesh->edgeFaceNormals);
     NHostFree(mesh->edgeWeights);
     mesh->edgeCount = 0;

@@ -6,8 +6,7 @@
 
 #include "NRenderUtl/ntypes.h"
 
-// --- colour scale
-// -------------------------------------------------------------------------------------------
+// --- colour scale ------------------------------------------------------------------------------------------
 
 /// Ordered colour bands with a value range and two out-of-range colours.
 class NRENDERUTL_API RenderColorScale {
@@ -89,8 +88,7 @@ private:
     void Init();
 };
 
-// --- mesh record
-// --------------------------------------------------------------------------------------------
+// --- mesh record -------------------------------------------------------------------------------------------
 
 /// Elements of one size.
 struct _NgConnectStr {
@@ -147,16 +145,15 @@ NRENDERUTL_API void ngl_process_mesh_edges(_NgMeshStr* mesh);
 /// Hit-tests a mesh, transformed by matrix (column-major), against the infinite line through rayStart and
 /// rayEnd: the nearest edge within *tolerance (transformed length), one of its ends, or an element whose
 /// edges in turn were each the nearest. The first ten vertices of an element count; elements with an index
-/// out of range are skipped. *indices and *points (untransformed), the picked vertex first, are allocated for
-/// every status but NgPickNothing; the caller frees them with NHostFree. An edge's second index is the
-/// block's entry behind the edge's start where the start was picked, the entry before it where the end was
-/// (deliberate); where no such vertex exists, the edge's other end.
+/// out of range are skipped. *indices and *points (untransformed), the picked vertex first, hold the
+/// element's (at most ten), an edge's two or the one vertex; the caller frees them with NHostFree. Nothing
+/// picked leaves them untouched. An edge's second index is the block's entry behind the edge's start where
+/// the start was picked, the entry before it where the end was (deliberate); if none, the edge's other end.
 NRENDERUTL_API _NgPickStatus NglPickMesh(_NgMeshStr* mesh, _NgPoint3Str* rayStart, _NgPoint3Str* rayEnd,
                                          double (*matrix)[4][4], _NgPoint3Str** points, int** indices,
                                          double* tolerance);
 
-// --- mesh drawing
-// -------------------------------------------------------------------------------------------
+// --- mesh drawing ------------------------------------------------------------------------------------------
 
 /// Bits of the draw flags; 0 draws all edges.
 enum NglMeshFlags : unsigned int {
@@ -169,9 +166,9 @@ enum NglMeshFlags : unsigned int {
 /// Draws a mesh with the fixed-function pipeline from client memory; edges are unlit, in the current colour.
 /// Only the low byte of flags counts. Edges over faces are pulled to the viewer by the view record's push
 /// delta. Elements and edges with an index out of range are left out; a block of other than 3 vertices per
-/// element is read as quads. A context with the view's matrices must be current. While a mesh scale factor is
-/// set, faces are drawn one by one with scaled normals, and GL_FLAT remains as shade model; otherwise the GL
-/// state is left as it was.
+/// element is read as quads. In an optimized display mode only silhouette and feature edges are drawn. A
+/// context with the view's matrices must be current. While a mesh scale factor is set, faces are drawn one by
+/// one with scaled normals, and GL_FLAT remains as shade model; otherwise the GL state is left as it was.
 NRENDERUTL_API void ngl_mesh(_NgMeshStr* mesh, unsigned int flags);
 /// The same with one value per vertex as coordinate of the texture that the caller has bound to unit 0 and
 /// enabled. Null values draw nothing; while a mesh scale factor is set, faces are drawn without the values.

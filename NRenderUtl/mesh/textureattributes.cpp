@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr NgColorLong kUnset = 0xFFFFFFFF;
-
 enum OutOfRangeMode { kNoOutOfRangeColors = 0, kOwnOutOfRangeColors = 2 };
 
 std::vector<RenderColorScale::ColorBand> makeBands(int count, const float* values,
@@ -49,8 +47,8 @@ void RenderTextureAttributes::UpdateColorScale(int count, const float* values, c
     colorScale.SetSmearedMode(smeared != 0);
     // Deliberate: any other mode leaves the scale's colours, so that a host may set them on the scale itself.
     if (outOfRangeMode == kNoOutOfRangeColors) {
-        colorScale.SetOutOfRangeMinColor(kUnset);
-        colorScale.SetOutOfRangeMaxColor(kUnset);
+        colorScale.SetOutOfRangeMinColor(kUnsetColor);
+        colorScale.SetOutOfRangeMaxColor(kUnsetColor);
     } else if (outOfRangeMode == kOwnOutOfRangeColors) {
         colorScale.SetOutOfRangeMinColor(outOfRangeMinColor);
         colorScale.SetOutOfRangeMaxColor(outOfRangeMaxColor);
@@ -64,6 +62,6 @@ void RenderTextureAttributes::Init() {
     minValue = maxValue = 0.0f;
     smeared = 0;
     outOfRangeMode = kNoOutOfRangeColors;
-    outOfRangeMinColor = outOfRangeMaxColor = kUnset;
+    outOfRangeMinColor = outOfRangeMaxColor = kUnsetColor;
     colorScale.Reset();
 }
