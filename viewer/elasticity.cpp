@@ -56,10 +56,4 @@ ElasticState PlateWithHole::at(const Point& point) {
     return state;
 }
 
-double vonMises(const std::array<double, 6>& stress) {
-    const auto& [xx, yy, zz, xy, yz, xz] = stress;
-    const double normal = (xx - yy) * (xx - yy) + (yy - zz) * (yy - zz) + (zz - xx) * (zz - xx);
-    return std::sqrt(normal / 2.0 + 3.0 * (xy * xy + yz * yz + xz * xz));
-}
-
 } // namespace nruview

@@ -30,7 +30,4 @@ struct PlateWithHole {
     static ElasticState at(const Point& point);
 };
 
-/// Equivalent stress of von Mises.
-double vonMises(const std::array<double, 6>& stress);
-
 } // namespace nruview

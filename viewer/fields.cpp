@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "viewer/error.h"
+#include "viewer/text.h"
 
 namespace nruview {
 
@@ -16,13 +17,6 @@ namespace {
 
 using Tuple = std::span<const double>;
 using Reduce = std::function<double(Tuple)>;
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return std::tolower(c); });
-    return result;
-}
 
 /// A name that ends in a number of at most nine digits.
 struct NumberedName {
@@ -75,6 +69,10 @@ std::vector<Step> numberedFields(const Model& model) {
     return steps;
 }
 
+std::string_view locationSuffix(FieldLocation location) {
+    return location == FieldLocation::Node ? "@node" : "@cell";
+}
+
 std::string describe(const Field& field) {
     return field.name + " (" + std::to_string(field.components) + ", " +
            (field.location == FieldLocation::Node ? "nodes)" : "cells)");
@@ -91,8 +89,8 @@ std::string describe(const Field& field) {
                       list.empty() ? "the model has no fields" : "not there; the model has " + list);
 }
 
-const Field* findExact(const Model& model, const std::string& name) {
-    const auto same = [&](const Field& field) { return field.name == name; };
+const Field* findExact(const Model& model, std::string_view name, FieldLocation location) {
+    const auto same = [&](const Field& field) { return field.name == name && field.location == location; };
     const auto found = std::find_if(model.fields.begin(), model.fields.end(), same);
     return found == model.fields.end() ? nullptr : &*found;
 }
@@ -107,13 +105,30 @@ const Field& stepOf(const Model& model, const StepSeries& series, std::optional<
     return model.fields[series.fields[static_cast<std::size_t>(index)]];
 }
 
-/// The field or the step of a series; null when there is neither.
-const Field* lookUp(const Model& model, const std::string& name, std::optional<int> step) {
-    if (const Field* field = findExact(model, name))
-        return field;
+const Field* findStep(const Model& model, std::string_view name, FieldLocation location,
+                      std::optional<int> step) {
     for (const StepSeries& series : stepSeries(model))
-        if (series.name == name)
+        if (series.name == name && model.fields[series.fields.front()].location == location)
             return &stepOf(model, series, step);
+    return nullptr;
+}
+
+/// The field or the step of a series; null when there is neither. Names can end in @node or have colons
+/// themselves: the whole name is tried first, here and in splitSelector.
+const Field* lookUp(const Model& model, const std::string& name, std::optional<int> step) {
+    constexpr std::array kLocations = {FieldLocation::Node, FieldLocation::Cell};
+    for (const FieldLocation location : kLocations)
+        if (const Field* field = findExact(model, name, location))
+            return field;
+    for (const FieldLocation location : kLocations)
+        if (const Field* field = findStep(model, name, location, step))
+            return field;
+    for (const FieldLocation location : kLocations)
+        if (name.ends_with(locationSuffix(location))) {
+            const auto stem = std::string_view(name).substr(0, name.size() - locationSuffix(location).size());
+            const Field* field = findExact(model, stem, location);
+            return field ? field : findStep(model, stem, location, step);
+        }
     return nullptr;
 }
 
@@ -124,16 +139,11 @@ double magnitude(Tuple values) {
     return std::sqrt(sum);
 }
 
-double misesOf(double xx, double yy, double zz, double xy, double yz, double xz) {
-    const double direct = (xx - yy) * (xx - yy) + (yy - zz) * (yy - zz) + (zz - xx) * (zz - xx);
-    return std::sqrt(0.5 * direct + 3 * (xy * xy + yz * yz + xz * xz));
-}
-
-/// The equivalent stress of von Mises (1913). Of a full tensor the symmetric part counts.
+/// Of a full tensor the symmetric part counts.
 double mises(Tuple t) {
     if (t.size() == 6)
-        return misesOf(t[0], t[1], t[2], t[3], t[4], t[5]);
-    return misesOf(t[0], t[4], t[8], (t[1] + t[3]) / 2, (t[5] + t[7]) / 2, (t[2] + t[6]) / 2);
+        return vonMises({t[0], t[1], t[2], t[3], t[4], t[5]});
+    return vonMises({t[0], t[4], t[8], (t[1] + t[3]) / 2, (t[5] + t[7]) / 2, (t[2] + t[6]) / 2});
 }
 
 bool isTensor(const Field& field) {
@@ -192,8 +202,13 @@ Scalars reduce(const Field& field, const std::string& component) {
     return scalars;
 }
 
-std::string defaultComponent(const Field& field) {
-    return field.components == 1 ? "0" : isTensor(field) ? "mises" : "mag";
+/// A field's name and, where there is one, the component after it.
+std::array<std::string, 2> splitSelector(const Model& model, const std::string& selector,
+                                         std::optional<int> step) {
+    const std::size_t colon = selector.rfind(':');
+    if (colon == std::string::npos || lookUp(model, selector, step))
+        return {selector, ""};
+    return {selector.substr(0, colon), selector.substr(colon)};
 }
 
 } // namespace
@@ -218,6 +233,16 @@ std::vector<StepSeries> stepSeries(const Model& model) {
     return all;
 }
 
+void checkStep(const Model& model, int step) {
+    std::size_t steps = 1;
+    for (const StepSeries& series : stepSeries(model))
+        steps = std::max(steps, series.fields.size());
+    if (step < 0 || static_cast<std::size_t>(step) >= steps)
+        throw ViewerError("--step", std::to_string(step) + " is not there; " +
+                                        (steps == 1 ? "the model has no steps"
+                                                    : "the steps are 0 to " + std::to_string(steps - 1)));
+}
+
 const Field& findField(const Model& model, const std::string& name, std::optional<int> step) {
     const Field* field = lookUp(model, name, step);
     if (!field)
@@ -225,14 +250,30 @@ const Field& findField(const Model& model, const std::string& name, std::optiona
     return *field;
 }
 
+std::string fieldSelector(const Model& model, const Field& field) {
+    const bool shared = findExact(model, field.name, FieldLocation::Node) &&
+                        findExact(model, field.name, FieldLocation::Cell);
+    return field.name + (shared ? std::string(locationSuffix(field.location)) : "");
+}
+
 Scalars selectScalars(const Model& model, const std::string& selector, std::optional<int> step) {
-    const std::size_t colon = selector.rfind(':');
-    // Names can have colons themselves: the whole selector is tried first.
-    if (colon != std::string::npos && !lookUp(model, selector, step))
-        return reduce(findField(model, selector.substr(0, colon), step),
-                      lowerCase(selector.substr(colon + 1)));
-    const Field& field = findField(model, selector, step);
-    return reduce(field, defaultComponent(field));
+    const auto [name, component] = splitSelector(model, selector, step);
+    const Field& field = findField(model, name, step);
+    return component.empty() ? defaultScalars(field) : reduce(field, lowerCase(component.substr(1)));
+}
+
+const Field& selectedField(const Model& model, const std::string& selector, std::optional<int> step) {
+    return findField(model, splitSelector(model, selector, step)[0], step);
+}
+
+Scalars defaultScalars(const Field& field) {
+    return reduce(field, field.components == 1 ? "0" : isTensor(field) ? "mises" : "mag");
+}
+
+double vonMises(const std::array<double, 6>& stress) {
+    const auto& [xx, yy, zz, xy, yz, xz] = stress;
+    const double direct = (xx - yy) * (xx - yy) + (yy - zz) * (yy - zz) + (zz - xx) * (zz - xx);
+    return std::sqrt(0.5 * direct + 3 * (xy * xy + yz * yz + xz * xz));
 }
 
 const Field* findDisplacement(const Model& model, std::optional<int> step) {

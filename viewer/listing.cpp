@@ -3,10 +3,8 @@
 
 #include <cstdio>
 #include <map>
-#include <optional>
 
 #include "viewer/camera.h"
-#include "viewer/error.h"
 #include "viewer/fields.h"
 
 namespace nruview {
@@ -34,17 +32,12 @@ void listCells(std::ostream& out, const Model& model) {
 
 /// A tensor's range is that of von Mises, a vector's that of its magnitude.
 void listField(std::ostream& out, const Model& model, const Field& field) {
-    out << "  " << field.name << ", " << (field.location == FieldLocation::Node ? "node" : "cell") << ", "
-        << field.components << (field.components == 1 ? " component" : " components");
-    try {
-        const Scalars scalars = selectScalars(model, field.name, {});
-        const auto found = finiteRange(scalars.values);
-        out << ", " << scalars.label << " "
-            << (found ? range((*found)[0], (*found)[1]) : "has no finite value");
-    } catch (const ViewerError&) {
-        out << ", no value by this name alone";
-    }
-    out << "\n";
+    const Scalars scalars = defaultScalars(field);
+    const auto found = finiteRange(scalars.values);
+    out << "  " << fieldSelector(model, field) << ", "
+        << (field.location == FieldLocation::Node ? "node" : "cell") << ", " << field.components
+        << (field.components == 1 ? " component" : " components") << ", " << scalars.label << " "
+        << (found ? range((*found)[0], (*found)[1]) : "has no finite value") << "\n";
 }
 
 } // namespace

@@ -36,7 +36,7 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
     Scene scene(shown, options.scene);
     scene.draw();
     if (options.pick)
-        std::cout << describe(shown, pick(shown, (*options.pick)[0], (*options.pick)[1])) << std::endl;
+        std::cout << describe(shown, pick(shown, (*options.pick)[0], (*options.pick)[1])) << "\n";
     if (options.output.empty())
         return;
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);
@@ -66,6 +66,8 @@ int main(int argc, char** argv) {
     try {
         if (const auto options = nruview::readOptions(argc, argv))
             nruview::run(*options);
+        if (!std::cout.flush()) // a full disk shows only here
+            throw nruview::ViewerError("standard output", "cannot be written");
         return 0;
     } catch (const nruview::ViewerError& error) {
         std::fprintf(stderr, "nruview: %s\n", error.what());

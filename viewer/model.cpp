@@ -66,10 +66,6 @@ void Model::addCell(CellType type, std::span<const std::uint32_t> cellNodes) {
     offsets.push_back(static_cast<std::uint32_t>(connectivity.size()));
 }
 
-int nodeCount(CellType type) {
-    return cellShape(type).nodes;
-}
-
 std::string_view cellTypeName(CellType type) {
     return cellShape(type).name;
 }

@@ -67,12 +67,10 @@ struct Model {
     void addCell(CellType type, std::span<const std::uint32_t> cellNodes);
 };
 
-/// Number of nodes of a cell type; 0 for the types of any number.
-int nodeCount(CellType type);
 std::string_view cellTypeName(CellType type);
 
-/// Throws ViewerError(subject, ...) when indices, counts or coordinates are out of order: a node index out of range, a
-/// wrong number of nodes, a field of wrong length, NaN or infinite coordinates, no nodes at all.
+/// Throws ViewerError(subject, ...) when indices, counts or coordinates are out of order: a node index out of
+/// range, a wrong number of nodes, a field of wrong length, NaN or infinite coordinates, no nodes at all.
 void checkModel(const Model& model, const std::string& subject);
 
 /// Reads a .vtu or .vtk file; throws ViewerError naming the file and the reason.

@@ -48,6 +48,15 @@ std::array<int, 2> parseSize(const std::string& text) {
     return *size;
 }
 
+int parseBands(const std::string& text) {
+    int bands = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, bands);
+    if (error != std::errc() || stop != end || bands < 1 || bands > 64)
+        refuse("--bands", text, "a number from 1 to 64");
+    return bands;
+}
+
 std::array<int, 2> parsePixel(const std::string& text) {
     const auto pixel = parsePair<int>(text, ',');
     if (!pixel)
@@ -96,6 +105,11 @@ std::string sampleHelp() {
     return text;
 }
 
+/// An empty word, as of a script's unset variable, is no name.
+std::string refuseEmpty(const std::string& text) {
+    return text.empty() ? "the name is empty" : "";
+}
+
 /// An option whose text a function turns into a value.
 template <typename Value, typename Parse>
 CLI::Option* addParsed(CLI::App& app, const char* name, Value& value, Parse parse, const char* form,
@@ -106,24 +120,19 @@ CLI::Option* addParsed(CLI::App& app, const char* name, Value& value, Parse pars
 
 void addContentOptions(CLI::App& app, Options& options) {
     CLI::Option* file = app.add_option("file", options.file, "finite-element file to draw (.vtu or .vtk)");
-    file->option_text("FILE");
-    app.add_option("--sample", options.sample, sampleHelp())->option_text("NAME[:N]")->excludes(file);
+    file->option_text("FILE")->check(refuseEmpty);
+    app.add_option("--sample", options.sample, sampleHelp())
+        ->option_text("NAME[:N]")
+        ->check(refuseEmpty)
+        ->excludes(file);
     CLI::Option* field =
         app.add_option("--field", options.shown.field,
-                       "field to colour by; components are numbers from 0, x y z, xx yy zz xy yz xz, "
-                       "mag, mises");
-    field->option_text("NAME[:COMPONENT]");
+                       "field to colour by; @node or @cell where both have the name; components are "
+                       "numbers from 0, x y z, xx yy zz xy yz xz, mag, mises");
+    field->option_text("NAME[@node|@cell][:COMPONENT]")->check(refuseEmpty);
     app.add_option("--step", options.shown.step, "result step, from 0 (default: the last)")->option_text("N");
-    addParsed(
-        app, "--bands", options.scene.bands,
-        [](const std::string& text) {
-            int bands = 0;
-            const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), bands);
-            if (error != std::errc() || *stop != '\0' || bands < 1 || bands > 64)
-                refuse("--bands", text, "a number from 1 to 64");
-            return bands;
-        },
-        "N", "number of colours (default 12, at most 64)")
+    addParsed(app, "--bands", options.scene.bands, parseBands, "N",
+              "number of colours (default 12, at most 64)")
         ->needs(field);
     addParsed(app, "--range", options.scene.range, parseRange, "MIN,MAX",
               "values of the first and the last colour; what lies outside takes these two")
@@ -142,13 +151,15 @@ void addContentOptions(CLI::App& app, Options& options) {
            "--deform-by", options.shown.deformBy,
            "displacement field (default: the one named like a displacement, else the vector that is drawn)")
         ->option_text("NAME")
+        ->check(refuseEmpty)
         ->needs(deform);
 }
 
 void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array<int, 2>>& size) {
     app.add_option("-o,--output", options.output,
                    "draw into a PNG file, without a display (default: a window)")
-        ->option_text("FILE.png");
+        ->option_text("FILE.png")
+        ->check(refuseEmpty);
     addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
               "element edges (default: all)");
     addParsed(app, "--view", options.view, parseView, "VIEW",

@@ -8,6 +8,7 @@
 
 #include "viewer/elasticity.h"
 #include "viewer/error.h"
+#include "viewer/fields.h"
 #include "viewer/vectors.h"
 
 namespace nruview {

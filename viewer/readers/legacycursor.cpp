@@ -2,8 +2,9 @@
 #include "viewer/readers/legacycursor.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
+
+#include "viewer/text.h"
 
 namespace nruview::readers {
 
@@ -51,13 +52,6 @@ std::string_view LegacyCursor::bytes(std::size_t count) {
                       " bytes");
     const std::string_view result = m_rest.substr(0, count);
     m_rest.remove_prefix(count);
-    return result;
-}
-
-std::string lowerCase(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char c) { return std::tolower(c); });
     return result;
 }
 

@@ -47,8 +47,6 @@ private:
     bool m_binary = false;
 };
 
-std::string lowerCase(std::string_view text);
-
 /// A name with %20 and the like decoded.
 std::string decodeName(std::string_view name);
 

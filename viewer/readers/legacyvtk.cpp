@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "viewer/readers/legacycursor.h"
+#include "viewer/text.h"
 
 namespace nruview::readers {
 
