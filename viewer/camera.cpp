@@ -70,15 +70,19 @@ std::array<double, 16> perspective(double halfWidth, double halfHeight, double n
 
 } // namespace
 
+void Bounds::add(const Point& point) {
+    if (empty())
+        low = high = point;
+    for (int k = 0; k < 3; ++k) {
+        low[k] = std::min(low[k], point[k]);
+        high[k] = std::max(high[k], point[k]);
+    }
+}
+
 Bounds boundsOf(std::span<const Point> points) {
-    if (points.empty())
-        return {};
-    Bounds bounds{points[0], points[0]};
+    Bounds bounds;
     for (const Point& point : points)
-        for (int k = 0; k < 3; ++k) {
-            bounds.low[k] = std::min(bounds.low[k], point[k]);
-            bounds.high[k] = std::max(bounds.high[k], point[k]);
-        }
+        bounds.add(point);
     return bounds;
 }
 

@@ -12,6 +12,7 @@ struct Bounds {
     Point low{1.0, 1.0, 1.0};
     Point high{-1.0, -1.0, -1.0};
     bool empty() const { return low[0] > high[0]; }
+    void add(const Point& point);
 };
 Bounds boundsOf(std::span<const Point> points);
 

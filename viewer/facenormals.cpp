@@ -17,21 +17,25 @@ Point areaVector(std::span<const std::uint32_t> face, std::span<const Point> poi
     return cross(points[face[2]] - points[face[0]], points[face[3]] - points[face[1]]);
 }
 
-struct Corner {
-    std::uint32_t point;
+struct FaceNormal {
     Point area;
-    Point normal; ///< of the face
+    Point normal;
 };
 
-std::vector<Corner> listCorners(const Surface& surface, std::span<const Point> points) {
-    std::vector<Corner> corners;
-    corners.reserve(surface.triangles.size() * 3 + surface.quads.size() * 4);
+std::vector<FaceNormal> faceNormals(const Surface& surface, std::span<const Point> points) {
+    std::vector<FaceNormal> faces;
+    faces.reserve(surface.triangles.size() + surface.quads.size());
     forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t) {
         const Point area = areaVector(face, points);
-        for (std::uint32_t point : face)
-            corners.push_back({point, area, unit(area)});
+        faces.push_back({area, unit(area)});
     });
-    return corners;
+    return faces;
+}
+
+/// The face of a corner, both in the order of forEachFace.
+std::size_t faceOf(const Surface& surface, std::size_t corner) {
+    const std::size_t triangles = surface.triangles.size();
+    return corner < 3 * triangles ? corner / 3 : triangles + (corner - 3 * triangles) / 4;
 }
 
 } // namespace
@@ -57,18 +61,22 @@ PointCorners pointCorners(const Surface& surface, std::size_t pointCount) {
 std::vector<Point> cornerNormals(const Surface& surface, std::span<const Point> points,
                                  const PointCorners& meeting, double creaseDeg) {
     const double smooth = std::cos(creaseDeg * std::numbers::pi / 180.0);
-    const std::vector<Corner> corners = listCorners(surface, points);
+    const std::vector<FaceNormal> faces = faceNormals(surface, points);
     std::vector<Point> normals;
-    normals.reserve(corners.size());
-    for (const Corner& corner : corners) {
-        Point sum{};
-        for (std::uint32_t other : meeting.of(corner.point)) {
-            const double cosine = dot(corners[other].normal, corner.normal);
-            if (std::abs(cosine) >= smooth)
-                sum = sum + std::copysign(1.0, cosine) * corners[other].area;
+    normals.reserve(meeting.corners.size());
+    forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t) {
+        const Point own = faces[faceOf(surface, normals.size())].normal;
+        for (std::uint32_t point : face) {
+            Point sum{};
+            for (std::uint32_t other : meeting.of(point)) {
+                const auto& [area, normal] = faces[faceOf(surface, other)];
+                const double cosine = dot(normal, own);
+                if (std::abs(cosine) >= smooth)
+                    sum = sum + std::copysign(1.0, cosine) * area;
+            }
+            normals.push_back(length(sum) > 0.0 ? unit(sum) : own);
         }
-        normals.push_back(length(sum) > 0.0 ? unit(sum) : corner.normal);
-    }
+    });
     return normals;
 }
 

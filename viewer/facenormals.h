@@ -5,15 +5,6 @@
 
 namespace nruview {
 
-/// Calls visit(corners, cell) for every triangle, then every quad.
-template <typename Visit>
-void forEachFace(const Surface& surface, Visit visit) {
-    for (std::size_t i = 0; i < surface.triangles.size(); ++i)
-        visit(std::span<const std::uint32_t>(surface.triangles[i]), surface.triangleCells[i]);
-    for (std::size_t i = 0; i < surface.quads.size(); ++i)
-        visit(std::span<const std::uint32_t>(surface.quads[i]), surface.quadCells[i]);
-}
-
 /// The corners of faces that meet in each point: those of point p are corners[first[p]] to corners[first[p +
 /// 1] - 1]. Corners are numbered through the faces in the order of forEachFace.
 struct PointCorners {

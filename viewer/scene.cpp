@@ -34,15 +34,18 @@ std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings
     return ColorBands(settings.bands, range, settings.smeared);
 }
 
-/// Texture coordinates of the corners of an element; nothing when one has no value.
-std::optional<std::vector<float>> coordinates(const ShownModel& shown, const std::optional<ColorBands>& bands,
-                                              std::span<const std::uint32_t> corners, std::uint32_t cell) {
-    std::vector<float> values;
-    for (std::uint32_t point : corners) {
-        const double value = valueAt(shown, point, cell);
-        if (!bands || std::isnan(value))
+/// Texture coordinates of the corners of an element, four at most; nothing when one has no value.
+std::optional<std::array<float, 4>> coordinates(const ShownModel& shown,
+                                                const std::optional<ColorBands>& bands,
+                                                std::span<const std::uint32_t> corners, std::uint32_t cell) {
+    if (!bands)
+        return {};
+    std::array<float, 4> values{};
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const double value = valueAt(shown, corners[i], cell);
+        if (std::isnan(value))
             return {};
-        values.push_back(bands->coordinate(value));
+        values[i] = bands->coordinate(value);
     }
     return values;
 }
@@ -131,12 +134,20 @@ bool hasFaces(const Surface& surface) {
     return !surface.triangles.empty() || !surface.quads.empty();
 }
 
-void drawMeshPoints(const _NgMeshStr& mesh, const float* values) {
+/// Values are the contour's; null draws in the current colour.
+void drawMesh(_NgMeshStr* mesh, float* values, unsigned int what) {
+    if (values != nullptr)
+        ngl_mesh_contour_draw(mesh, what, values);
+    else
+        ngl_mesh(mesh, what);
+}
+
+void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
     glBegin(GL_POINTS);
-    for (std::int32_t i = 0; i < mesh.vertexCount; ++i) {
+    for (std::int32_t i = 0; i < mesh->vertexCount; ++i) {
         if (values != nullptr)
             glTexCoord1f(values[i]);
-        glVertex3dv(mesh.coords + 3 * i);
+        glVertex3dv(mesh->coords + 3 * i);
     }
     glEnd();
 }
@@ -146,8 +157,10 @@ void drawMeshPoints(const _NgMeshStr& mesh, const float* values) {
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings)
     : m_bands(makeBands(shown, settings)), m_plainColor(m_bands ? kNoValue : kNeutral),
       m_edgeMode(settings.edges) {
-    FaceMeshes faces(shown, m_bands);
-    m_faces = {faces.colored.finish(), faces.plain.finish()};
+    { // what the faces were made from is freed before the edges are made
+        FaceMeshes faces(shown, m_bands);
+        m_faces = {faces.colored.finish(), faces.plain.finish()};
+    }
     const Surface& surface = shown.surface;
     MeshBuilder coloredBeams, plainBeams, coloredPoints, plainPoints;
     for (std::size_t i = 0; i < surface.lines.size(); ++i)
@@ -196,48 +209,37 @@ void Scene::endContour() {
     glMatrixMode(GL_MODELVIEW);
 }
 
+template <typename Draw>
+void Scene::drawPart(Part& part, Draw draw) {
+    if (part.colored.mesh) {
+        beginContour();
+        draw(part.colored.mesh.get(), part.colored.values.data());
+        endContour();
+    }
+    if (part.plain.mesh) {
+        ngl_set_color_long(m_plainColor);
+        draw(part.plain.mesh.get(), nullptr);
+    }
+}
+
 void Scene::drawFaces() {
     // A pixel of an edge lies up to half a pixel beside it, where a sloping face may be nearer: faces step
     // back by that.
     glPolygonOffset(0.6f, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
-    if (m_faces.colored.mesh) {
-        beginContour();
-        ngl_mesh_contour_draw(m_faces.colored.mesh.get(), NglMeshFaces, m_faces.colored.values.data());
-        endContour();
-    }
-    if (m_faces.plain.mesh) {
-        ngl_set_color_long(m_plainColor);
-        ngl_mesh(m_faces.plain.mesh.get(), NglMeshFaces);
-    }
+    drawPart(m_faces, [](auto* mesh, float* values) { drawMesh(mesh, values, NglMeshFaces); });
     glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 void Scene::drawBeams() {
     glLineWidth(kBeamWidth_px);
-    if (m_beams.colored.mesh) {
-        beginContour();
-        ngl_mesh_contour_draw(m_beams.colored.mesh.get(), NglMeshEdges, m_beams.colored.values.data());
-        endContour();
-    }
-    if (m_beams.plain.mesh) {
-        ngl_set_color_long(m_plainColor);
-        ngl_mesh(m_beams.plain.mesh.get(), NglMeshEdges);
-    }
+    drawPart(m_beams, [](auto* mesh, float* values) { drawMesh(mesh, values, NglMeshEdges); });
     glLineWidth(1.0f);
 }
 
 void Scene::drawPoints() {
     glPointSize(kPointSize_px);
-    if (m_points.colored.mesh) {
-        beginContour();
-        drawMeshPoints(*m_points.colored.mesh, m_points.colored.values.data());
-        endContour();
-    }
-    if (m_points.plain.mesh) {
-        ngl_set_color_long(m_plainColor);
-        drawMeshPoints(*m_points.plain.mesh, nullptr);
-    }
+    drawPart(m_points, drawMeshPoints);
     glPointSize(1.0f);
 }
 

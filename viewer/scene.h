@@ -31,6 +31,8 @@ private:
     void drawBeams();
     void drawPoints();
     void drawEdges();
+    template <typename Draw>
+    void drawPart(Part& part, Draw draw);
     void beginContour();
     void endContour();
 

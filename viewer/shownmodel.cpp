@@ -43,32 +43,27 @@ const Field& displacementField(const Model& model, const ShownSettings& settings
     if (const Field* field = findDisplacement(model, settings.step))
         return *field;
     if (!settings.field.empty()) {
-        const Field& drawn =
-            findField(model, settings.field.substr(0, settings.field.find(':')), settings.step);
+        const Field& drawn = selectedField(model, settings.field, settings.step);
         if (isNodeVector(drawn))
             return drawn;
     }
     throw ViewerError("--deform", "there is no displacement field; --deform-by names one");
 }
 
-/// Points of the surface, bounds of which nodes without an element are not to widen.
-std::vector<Point> usedPoints(const Surface& surface, const std::vector<Point>& points) {
-    std::vector<bool> used(points.size(), false);
-    const auto mark = [&used](const auto& elements) {
+/// Bounds of what is drawn; nodes without an element do not widen them.
+Bounds surfaceBounds(const Surface& surface, const std::vector<Point>& points) {
+    Bounds bounds;
+    const auto add = [&](const auto& elements) {
         for (const auto& element : elements)
             for (std::uint32_t point : element)
-                used[point] = true;
+                bounds.add(points[point]);
     };
-    mark(surface.triangles);
-    mark(surface.quads);
-    mark(surface.lines);
+    add(surface.triangles);
+    add(surface.quads);
+    add(surface.lines);
     for (std::uint32_t point : surface.points)
-        used[point] = true;
-    std::vector<Point> list;
-    for (std::size_t i = 0; i < points.size(); ++i)
-        if (used[i])
-            list.push_back(points[i]);
-    return list;
+        bounds.add(points[point]);
+    return bounds;
 }
 
 double automaticFactor(const Field& displacement, const Bounds& bounds) {
@@ -93,12 +88,30 @@ void deform(ShownModel& shown, const Field& displacement, double factor) {
             shown.surface.centres[i], Point{}, [&](std::uint32_t node) { return shown.points[node]; });
 }
 
+/// From model coordinates to drawn ones.
+void placeAboutOrigin(ShownModel& shown, const Bounds& bounds) {
+    shown.middle = 0.5 * bounds.low + 0.5 * bounds.high;
+    const Point half = 0.5 * bounds.high - 0.5 * bounds.low;
+    const double size = std::max({half[0], half[1], half[2]});
+    shown.unit = size > 0.0 ? std::ldexp(1.0, std::ilogb(size)) : 1.0;
+    for (Point& point : shown.points)
+        point = shown.drawn(point);
+    shown.bounds = {shown.drawn(bounds.low), shown.drawn(bounds.high)};
+}
+
 } // namespace
+
+Point ShownModel::drawn(const Point& position) const {
+    const Point offset = position - middle;
+    return {offset[0] / unit, offset[1] / unit, offset[2] / unit}; // 1 / unit could overflow
+}
 
 ShownModel showModel(Model model, const ShownSettings& settings) {
     ShownModel shown;
     shown.model = std::move(model);
     shown.surface = extractSurface(shown.model);
+    if (settings.step)
+        checkStep(shown.model, *settings.step);
     const auto nodeCount = static_cast<std::uint32_t>(shown.model.nodes.size());
     for (std::uint32_t i = 0; i < nodeCount + shown.surface.centres.size(); ++i)
         shown.points.push_back(modelPosition(shown, i));
@@ -106,13 +119,14 @@ ShownModel showModel(Model model, const ShownSettings& settings) {
         shown.scalars = selectScalars(shown.model, settings.field, settings.step);
     if (settings.deformed) {
         const Field& displacement = displacementField(shown.model, settings);
-        const Bounds undeformed = boundsOf(usedPoints(shown.surface, shown.points));
+        const Bounds undeformed = surfaceBounds(shown.surface, shown.points);
         deform(shown, displacement,
                settings.deformFactor.value_or(automaticFactor(displacement, undeformed)));
     }
-    shown.bounds = boundsOf(usedPoints(shown.surface, shown.points));
-    if (shown.bounds.empty())
+    const Bounds bounds = surfaceBounds(shown.surface, shown.points);
+    if (bounds.empty())
         throw ViewerError("model", "has no elements that can be drawn");
+    placeAboutOrigin(shown, bounds);
     return shown;
 }
 

@@ -8,17 +8,24 @@
 
 namespace nruview {
 
-/// Points are the model's nodes followed by the centres of the surface.
+/// Points are the model's nodes followed by the centres of the surface. They are drawn about the model's
+/// middle in a unit like its size: OpenGL's single precision would shake a small model far from the origin to
+/// pieces.
 struct ShownModel {
     Model model;
     Surface surface;
     std::vector<Point> points; ///< where each point is drawn: deformed when asked for
+    Bounds bounds;             ///< of what is drawn
+    Point middle{};            ///< model position that is drawn at the origin
+    double unit = 1.0;         ///< model length that is drawn as 1, a power of 2
     std::optional<Scalars> scalars;
     double deformFactor = 0.0;
-    Bounds bounds; ///< of what is drawn
+
+    /// Where a position of the model, deformed when asked for, is drawn.
+    Point drawn(const Point& position) const;
 };
 
-/// Throws ViewerError for an unknown field, a missing displacement, or a model with nothing to draw.
+/// Throws ViewerError for an unknown field or step, a missing displacement, or a model with nothing to draw.
 ShownModel showModel(Model model, const ShownSettings& settings);
 
 /// Value of a point in a face of a cell: the node's or the cell's; NaN where there is none.

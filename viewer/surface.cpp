@@ -6,6 +6,7 @@
 
 #include "viewer/celltypes.h"
 #include "viewer/polygon.h"
+#include "viewer/vectors.h"
 
 namespace nruview {
 
@@ -36,7 +37,7 @@ std::array<std::uint32_t, 4> faceKey(std::span<const std::uint32_t> nodes, const
 }
 
 template <class Visit>
-void forEachFace(const Model& model, Visit visit) {
+void forEachCellFace(const Model& model, Visit visit) {
     for (std::size_t cell = 0; cell < model.cellCount(); ++cell) {
         const CellShape& shape = cellShape(model.types[cell]);
         for (std::size_t f = 0; f < shape.faces.size(); ++f) {
@@ -51,11 +52,11 @@ void forEachFace(const Model& model, Visit visit) {
 /// All faces ordered by their smallest corner; those of corner n are records starts[n] to starts[n + 1] - 1.
 std::vector<FaceRecord> bucketFaces(const Model& model, std::vector<std::size_t>& starts) {
     starts.assign(model.nodes.size() + 2, 0);
-    forEachFace(model, [&](const auto& key, auto, auto, auto) { ++starts[key[0] + 2]; });
+    forEachCellFace(model, [&](const auto& key, auto, auto, auto) { ++starts[key[0] + 2]; });
     for (std::size_t n = 2; n < starts.size(); ++n)
         starts[n] += starts[n - 1];
     std::vector<FaceRecord> records(starts.back());
-    forEachFace(model, [&](const auto& key, std::uint32_t cell, std::uint8_t face, bool shell) {
+    forEachCellFace(model, [&](const auto& key, std::uint32_t cell, std::uint8_t face, bool shell) {
         records[starts[key[0] + 1]++] = {{key[1], key[2], key[3]}, cell, face, shell};
     });
     return records;
@@ -87,24 +88,18 @@ std::vector<FaceMask> drawnFaces(const Model& model) {
     return drawn;
 }
 
-double determinant(const Point& a, const Point& b, const Point& c) {
-    return a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) +
-           a[2] * (b[0] * c[1] - b[1] * c[0]);
-}
-
 /// Whether a solid's faces point inward as its type lists them. Its sign, not its node order, decides:
 /// writers do not agree on the order of wedges, and mirrored meshes turn every cell round.
 bool isInsideOut(const Model& model, std::size_t cell) {
     const std::span<const std::uint32_t> nodes = model.cellNodes(cell);
     const Point& origin = model.nodes[nodes[0]];
     const auto corner = [&](const FaceShape& face, std::size_t i) {
-        const Point& p = model.nodes[nodes[face.nodes[i]]];
-        return Point{p[0] - origin[0], p[1] - origin[1], p[2] - origin[2]};
+        return model.nodes[nodes[face.nodes[i]]] - origin;
     };
     double volume = 0;
     for (const FaceShape& face : cellShape(model.types[cell]).faces)
         for (std::size_t i = 2; i < face.corners; ++i)
-            volume += determinant(corner(face, 0), corner(face, i - 1), corner(face, i));
+            volume += dot(corner(face, 0), cross(corner(face, i - 1), corner(face, i)));
     return volume < 0;
 }
 

@@ -5,8 +5,9 @@
 
 namespace nruview {
 
-/// Triangles and quads with the cell each belongs to. Quadratic faces are split at their mid-side nodes, polygons into
-/// triangles; every node is a node of the model but for the centres of quadratic quads without one (see centres).
+/// Triangles and quads with the cell each belongs to. Quadratic faces are split at their mid-side nodes,
+/// polygons into triangles; every node is a node of the model but for the centres of quadratic quads without
+/// one (see centres).
 struct Surface {
     std::vector<std::array<std::uint32_t, 3>> triangles;
     std::vector<std::array<std::uint32_t, 4>> quads;
@@ -16,12 +17,13 @@ struct Surface {
     std::vector<std::uint32_t> lineCells;
     std::vector<std::uint32_t> points; ///< single-node elements
     std::vector<std::uint32_t> pointCells;
-    /// Outlines of the faces as the elements have them: pairs of nodes, each once, mid-side pieces included, no inner
-    /// edge of a split.
+    /// Outlines of the faces as the elements have them: pairs of nodes, each once, mid-side pieces included,
+    /// no inner edge of a split.
     std::vector<std::array<std::uint32_t, 2>> edges;
     std::size_t faceCount = 0; ///< element faces before splitting
 
-    /// Additional points: point nodeCount + i is the mean of the nodes of centres[i], with the shape-function weights.
+    /// Additional points: point nodeCount + i is the mean of the nodes of centres[i], with the shape-function
+    /// weights.
     struct Centre {
         std::array<std::uint32_t, 8> nodes;
         std::array<double, 8> weights;
@@ -29,8 +31,17 @@ struct Surface {
     std::vector<Centre> centres;
 };
 
-/// Outer faces point outward, whatever the node order of their cells; shell faces keep their own order. Of a shell on
-/// the outer face of a solid the shell is drawn. The model must have passed checkModel.
+/// Outer faces point outward, whatever the node order of their cells; shell faces keep their own order. Of a
+/// shell on the outer face of a solid the shell is drawn. The model must have passed checkModel.
 Surface extractSurface(const Model& model);
+
+/// Calls visit(corners, cell) for every triangle, then every quad.
+template <typename Visit>
+void forEachFace(const Surface& surface, Visit visit) {
+    for (std::size_t i = 0; i < surface.triangles.size(); ++i)
+        visit(std::span<const std::uint32_t>(surface.triangles[i]), surface.triangleCells[i]);
+    for (std::size_t i = 0; i < surface.quads.size(); ++i)
+        visit(std::span<const std::uint32_t>(surface.quads[i]), surface.quadCells[i]);
+}
 
 } // namespace nruview
