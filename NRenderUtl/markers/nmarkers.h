@@ -3,7 +3,8 @@
 
 #include "NRenderUtl/ntypes.h"
 
-/// Refreshes the markers' cached matrices (16 floats each, column-major) and ortho scale (model length of a pixel).
+/// Refreshes the markers' cached matrices (16 floats each, column-major) and ortho scale (model length of a
+/// pixel).
 NRENDERUTL_API void UtlMarkerInit(const float* modelView, const float* projection, float pixelSize);
 
 /// Height of managed annotation text; 0 means the default height.
