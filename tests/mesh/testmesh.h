@@ -17,13 +17,11 @@ struct TestBlock {
 
 class TestMesh {
 public:
-    TestMesh(std::vector<double> coords, const std::vector<TestBlock>& blocks,
-             std::vector<double> normals = {})
+    TestMesh(std::vector<double> coords, std::vector<TestBlock> blocks, std::vector<double> normals = {})
         : m_mesh(ngl_create_mesh(static_cast<unsigned>(coords.size() / 3), coords.data(),
                                  normals.empty() ? nullptr : normals.data(), 0, 0, 1)) {
-        for (TestBlock block : blocks)
-            ngl_add_connect(m_mesh, static_cast<unsigned>(block.indices.size() / block.size), block.size,
-                            block.indices.data(), 1);
+        for (auto& [size, indices] : blocks)
+            ngl_add_connect(m_mesh, static_cast<unsigned>(indices.size() / size), size, indices.data(), 1);
     }
     ~TestMesh() {
         NglDestroyMesh(m_mesh);
@@ -31,7 +29,6 @@ public:
     }
     TestMesh(const TestMesh&) = delete;
     TestMesh& operator=(const TestMesh&) = delete;
-
     _NgMeshStr* operator->() const { return m_mesh; }
     operator _NgMeshStr*() const { return m_mesh; }
 
