@@ -89,17 +89,6 @@ TEST(Camera, FitsBoxesInEveryViewAndBothProjections) {
             }
 }
 
-TEST(Camera, PicturesAreNotMirrored) {
-    for (bool perspective : {false, true}) {
-        const Camera camera = fitCamera(parseView("xy"), kBox, kAspect, perspective);
-        const auto at = [&](const Point& offset) { return project(camera, kBox, camera.target + offset); };
-        expectPoint(at({}), {0, 0, at({})[2]});
-        EXPECT_GT(at({1, 0, 0})[0], 0.1) << "x to the right";
-        EXPECT_GT(at({0, 1, 0})[1], 0.1) << "y upward";
-        EXPECT_LT(at({0, 0, 0.2})[2], at({})[2]) << "z toward the viewer";
-    }
-}
-
 TEST(Camera, ADragMovesTheNearSideAlong) {
     Camera camera = fitCamera(parseView("iso"), kBox, kAspect, false);
     const Point front = camera.target + camera.axes.toward;

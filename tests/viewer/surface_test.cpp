@@ -8,29 +8,12 @@
 #include <cmath>
 #include <set>
 
+#include "viewer/vectors.h"
+
 namespace {
 
 using namespace nruview;
 using testing::ElementsAre;
-
-Point operator+(const Point& a, const Point& b) {
-    return {a[0] + b[0], a[1] + b[1], a[2] + b[2]};
-}
-Point operator-(const Point& a, const Point& b) {
-    return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
-}
-Point operator*(double s, const Point& a) {
-    return {s * a[0], s * a[1], s * a[2]};
-}
-double dot(const Point& a, const Point& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-double length(const Point& a) {
-    return std::sqrt(dot(a, a));
-}
-Point cross(const Point& a, const Point& b) {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
 
 /// A point of the surface: a node, or a centre by its weights.
 Point pointOf(const Model& model, const Surface& surface, std::uint32_t index) {
@@ -43,23 +26,20 @@ Point pointOf(const Model& model, const Surface& surface, std::uint32_t index) {
     return sum;
 }
 
+using Pieces = std::vector<std::array<Point, 3>>;
+
 /// All pieces as triangles; quads are cut in two.
-std::vector<std::array<Point, 3>> piecesOf(const Model& model, const Surface& surface) {
-    std::vector<std::array<Point, 3>> pieces;
-    const auto add = [&](std::uint32_t a, std::uint32_t b, std::uint32_t c) {
-        pieces.push_back(
-            {pointOf(model, surface, a), pointOf(model, surface, b), pointOf(model, surface, c)});
-    };
-    for (const auto& [a, b, c] : surface.triangles)
-        add(a, b, c);
-    for (const auto& [a, b, c, d] : surface.quads) {
-        add(a, b, c);
-        add(a, c, d);
-    }
+Pieces piecesOf(const Model& model, const Surface& surface) {
+    Pieces pieces;
+    forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t) {
+        for (std::size_t i = 2; i < face.size(); ++i)
+            pieces.push_back({pointOf(model, surface, face[0]), pointOf(model, surface, face[i - 1]),
+                              pointOf(model, surface, face[i])});
+    });
     return pieces;
 }
 
-double areaOf(const std::vector<std::array<Point, 3>>& pieces) {
+double areaOf(const Pieces& pieces) {
     double area = 0;
     for (const auto& [a, b, c] : pieces)
         area += length(cross(b - a, c - a)) / 2;
@@ -67,7 +47,7 @@ double areaOf(const std::vector<std::array<Point, 3>>& pieces) {
 }
 
 /// By the divergence theorem: positive when closed and outward.
-double volumeOf(const std::vector<std::array<Point, 3>>& pieces) {
+double volumeOf(const Pieces& pieces) {
     double volume = 0;
     for (const auto& [a, b, c] : pieces)
         volume += dot(a, cross(b, c)) / 6;
@@ -87,10 +67,6 @@ struct Solid {
     double (*area)(const Point&, const Point&, const Point&);
     std::size_t faces, triangles, quads, edges;
 };
-
-void PrintTo(const Solid& solid, std::ostream* out) {
-    *out << solid.name;
-}
 
 double boxArea(const Point& a, const Point& b, const Point& c) {
     return 2 * (length(cross(a, b)) + length(cross(b, c)) + length(cross(c, a)));
@@ -130,12 +106,12 @@ const std::vector<Solid> kSolids = {
     {"pyramid13", CellType::Pyramid13, kPyramid + kPyramidMiddles, 1. / 3, pyramidArea, 5, 16, 4, 16},
 };
 
-Model single(CellType type, const std::string& places, const Axes& axes) {
+Model single(CellType type, const std::string& places, const Axes& axes, std::size_t dimensions = 3) {
     Model model;
     std::vector<std::uint32_t> nodes;
-    for (std::size_t i = 0; i < places.size(); i += 4) {
+    for (std::size_t i = 0; i < places.size(); i += dimensions + 1) {
         Point node{5, -7, 2};
-        for (std::size_t k = 0; k < 3; ++k)
+        for (std::size_t k = 0; k < dimensions; ++k)
             node = node + (places[i + k] - '0') / 4.0 * axes[k];
         model.nodes.push_back(node);
         nodes.push_back(static_cast<std::uint32_t>(nodes.size()));
@@ -144,24 +120,21 @@ Model single(CellType type, const std::string& places, const Axes& axes) {
     return model;
 }
 
-class SolidSkin : public testing::TestWithParam<Solid> {};
-INSTANTIATE_TEST_SUITE_P(Surface, SolidSkin, testing::ValuesIn(kSolids),
-                         [](const auto& row) { return row.param.name; });
-
-TEST_P(SolidSkin, IsClosedOutwardAndOfTheRightSize) {
-    const Solid& solid = GetParam();
-    for (const Axes& axes : {kSkew, kMirrored}) {
-        const Model model = single(solid.type, solid.nodes, axes);
-        const Surface surface = extractSurface(model);
-        EXPECT_EQ(surface.faceCount, solid.faces);
-        EXPECT_EQ(surface.triangles.size(), solid.triangles);
-        EXPECT_EQ(surface.quads.size(), solid.quads);
-        EXPECT_EQ(surface.edges.size(), solid.edges);
-        const auto pieces = piecesOf(model, surface);
-        const double determinant = std::abs(dot(axes[0], cross(axes[1], axes[2])));
-        EXPECT_NEAR(volumeOf(pieces), solid.volume * determinant, 1e-12);
-        EXPECT_NEAR(areaOf(pieces), solid.area(axes[0], axes[1], axes[2]), 1e-12);
-    }
+TEST(Surface, SkinsOfSolidsAreClosedOutwardAndOfTheRightSize) {
+    for (const Solid& solid : kSolids)
+        for (const Axes& axes : {kSkew, kMirrored}) {
+            SCOPED_TRACE(solid.name);
+            const Model model = single(solid.type, solid.nodes, axes);
+            const Surface surface = extractSurface(model);
+            EXPECT_EQ(surface.faceCount, solid.faces);
+            EXPECT_EQ(surface.triangles.size(), solid.triangles);
+            EXPECT_EQ(surface.quads.size(), solid.quads);
+            EXPECT_EQ(surface.edges.size(), solid.edges);
+            const Pieces pieces = piecesOf(model, surface);
+            const double determinant = std::abs(dot(axes[0], cross(axes[1], axes[2])));
+            EXPECT_NEAR(volumeOf(pieces), solid.volume * determinant, 1e-12);
+            EXPECT_NEAR(areaOf(pieces), solid.area(axes[0], axes[1], axes[2]), 1e-12);
+        }
 }
 
 /// Quadratic shape functions carry a quadratic map exactly, so each centre must land where the map sends it.
@@ -206,10 +179,6 @@ struct Touching {
     double volume; ///< shells on a solid must leave it closed; not a number where nothing is closed
 };
 
-void PrintTo(const Touching& touching, std::ostream* out) {
-    *out << touching.name;
-}
-
 const Cell kFirst = {CellType::Hexa, {0, 1, 4, 3, 9, 10, 13, 12}};
 const Cell kSecond = {CellType::Hexa, {1, 2, 5, 4, 10, 11, 14, 13}};
 const Cell kBox20 = {CellType::Hexa20,
@@ -232,114 +201,83 @@ const std::vector<Touching> kTouching = {
     {"shellBetween", {kFirst, kSecond, {CellType::Quad, {1, 4, 13, 10}}}, 11, NAN},
 };
 
-class TouchingCells : public testing::TestWithParam<Touching> {};
-INSTANTIATE_TEST_SUITE_P(Surface, TouchingCells, testing::ValuesIn(kTouching),
-                         [](const auto& row) { return row.param.name; });
-
-TEST_P(TouchingCells, ShareFacesThatVanish) {
-    Model model;
-    model.nodes = gridNodes();
-    for (const Cell& cell : GetParam().cells)
-        model.addCell(cell.type, cell.nodes);
-    const Surface surface = extractSurface(model);
-    EXPECT_EQ(surface.faceCount, GetParam().faces);
-    for (const auto& piece : piecesOf(model, surface))
-        EXPECT_GT(areaOf({piece}), 0.1);
-    if (!std::isnan(GetParam().volume)) {
-        EXPECT_NEAR(volumeOf(piecesOf(model, surface)), GetParam().volume, 1e-12);
-    }
-    if (GetParam().name.starts_with("shell")) {
-        EXPECT_EQ(surface.quadCells.back(), GetParam().cells.size() - 1);
+TEST(Surface, FacesThatCellsShareVanish) {
+    for (const Touching& touching : kTouching) {
+        SCOPED_TRACE(touching.name);
+        Model model;
+        model.nodes = gridNodes();
+        for (const Cell& cell : touching.cells)
+            model.addCell(cell.type, cell.nodes);
+        const Surface surface = extractSurface(model);
+        EXPECT_EQ(surface.faceCount, touching.faces);
+        const Pieces pieces = piecesOf(model, surface);
+        for (const auto& piece : pieces)
+            EXPECT_GT(areaOf({piece}), 0.1);
+        EXPECT_TRUE(!(std::abs(volumeOf(pieces) - touching.volume) > 1e-12)) << volumeOf(pieces);
+        EXPECT_TRUE(!touching.name.starts_with("shell") ||
+                    surface.quadCells.back() == touching.cells.size() - 1);
     }
 }
 
 struct Flat {
     std::string name;
     CellType type;
-    std::vector<std::array<double, 2>> corners;
-    double area; ///< positive when counter-clockwise
+    std::string nodes; ///< as for solids, in the plane
+    double area;       ///< positive when counter-clockwise
     std::size_t pieces;
     std::size_t edges;
 };
 
-void PrintTo(const Flat& flat, std::ostream* out) {
-    *out << flat.name;
-}
-
 const std::vector<Flat> kFlat = {
-    {"pixel", CellType::Pixel, {{0, 0}, {2, 0}, {0, 3}, {2, 3}}, 6, 1, 4},
-    {"strip", CellType::TriangleStrip, {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {0, 2}}, 1.5, 3, 7},
-    {"triangle6", CellType::Triangle6, {{0, 0}, {4, 0}, {0, 4}, {2, 0}, {2, 2}, {0, 2}}, 8, 4, 6},
-    {"triangle7",
-     CellType::Triangle7,
-     {{0, 0}, {3, 0}, {0, 3}, {1.5, 0}, {1.5, 1.5}, {0, 1.5}, {1, 1}},
-     4.5,
-     3,
-     6},
-    {"quad8", CellType::Quad8, {{0, 0}, {4, 0}, {4, 2}, {0, 2}, {2, 0}, {4, 1}, {2, 2}, {0, 1}}, 8, 4, 8},
-    {"quad9",
-     CellType::Quad9,
-     {{0, 0}, {4, 0}, {4, 2}, {0, 2}, {2, 0}, {4, 1}, {2, 2}, {0, 1}, {2, 1}},
-     8,
-     4,
-     8},
-    {"convex", CellType::Polygon, {{0, 0}, {2, -1}, {4, 0}, {3, 2}, {1, 2}}, 8, 3, 5},
-    {"corner", CellType::Polygon, {{0, 0}, {3, 0}, {3, 1}, {1, 1}, {1, 3}, {0, 3}}, 5, 4, 6},
-    {"cornerClockwise", CellType::Polygon, {{0, 3}, {1, 3}, {1, 1}, {3, 1}, {3, 0}, {0, 0}}, -5, 4, 6},
-    {"comb",
-     CellType::Polygon,
-     {{0, 0}, {5, 0}, {5, 3}, {4, 3}, {4, 1}, {3, 1}, {3, 3}, {2, 3}, {2, 1}, {1, 1}, {1, 3}, {0, 3}},
-     11,
-     10,
-     12},
-    {"cornersInLine", CellType::Polygon, {{0, 0}, {1, 0}, {2, 0}, {2, 2}, {1, 1}, {0, 2}}, 3, 4, 6},
+    {"pixel", CellType::Pixel, "00 20 03 23", 6, 1, 4},
+    {"strip", CellType::TriangleStrip, "00 10 01 11 02", 1.5, 3, 7},
+    {"triangle6", CellType::Triangle6, "00 40 04 20 22 02", 8, 4, 6},
+    {"triangle7", CellType::Triangle7, "00 60 06 30 33 03 22", 18, 3, 6},
+    {"quad8", CellType::Quad8, "00 40 42 02 20 41 22 01", 8, 4, 8},
+    {"quad9", CellType::Quad9, "00 40 42 02 20 41 22 01 21", 8, 4, 8},
+    {"convex", CellType::Polygon, "01 20 41 33 13", 8, 3, 5},
+    {"corner", CellType::Polygon, "00 30 31 11 13 03", 5, 4, 6},
+    {"cornerClockwise", CellType::Polygon, "03 13 11 31 30 00", -5, 4, 6},
+    {"comb", CellType::Polygon, "00 50 53 43 41 31 33 23 21 11 13 03", 11, 10, 12},
+    {"cornersInLine", CellType::Polygon, "00 10 20 22 11 02", 3, 4, 6},
 };
 
-class FlatCells : public testing::TestWithParam<Flat> {};
-INSTANTIATE_TEST_SUITE_P(Surface, FlatCells, testing::ValuesIn(kFlat),
-                         [](const auto& row) { return row.param.name; });
-
 // In a tilted plane: no piece may turn against the others, so that equal area means no overlap and no gap.
-TEST_P(FlatCells, AreCoveredOnceInTheirOwnDirection) {
-    const Point u{1, 0.5, -0.25};
-    const Point v{-0.5, 2, 1};
-    const double scale = length(cross(u, v));
-    const Point normal = 1 / scale * cross(u, v);
-    Model model;
-    std::vector<std::uint32_t> nodes;
-    for (const auto& [x, y] : GetParam().corners) {
-        model.nodes.push_back(Point{3, 1, -4} + x * u + y * v);
-        nodes.push_back(static_cast<std::uint32_t>(nodes.size()));
+TEST(Surface, FlatCellsAreCoveredOnceInTheirOwnDirection) {
+    const Axes axes = {{{4, 2, -1}, {-2, 8, 4}, {0, 0, 0}}};
+    const double scale = length(cross(axes[0], axes[1])) / 16; // places are in quarters of the axes
+    const Point normal = unit(cross(axes[0], axes[1]));
+    for (const Flat& flat : kFlat) {
+        SCOPED_TRACE(flat.name);
+        const Model model = single(flat.type, flat.nodes, axes, 2);
+        const Surface surface = extractSurface(model);
+        EXPECT_EQ(surface.triangles.size() + surface.quads.size(), flat.pieces);
+        EXPECT_EQ(surface.edges.size(), flat.edges);
+        double sum = 0;
+        for (const auto& [a, b, c] : piecesOf(model, surface)) {
+            const double area = dot(normal, cross(b - a, c - a)) / 2 / scale;
+            EXPECT_GE(area * flat.area, -1e-12);
+            sum += area;
+        }
+        EXPECT_NEAR(sum, flat.area, 1e-12);
     }
-    model.addCell(GetParam().type, nodes);
-    const Surface surface = extractSurface(model);
-    EXPECT_EQ(surface.triangles.size() + surface.quads.size(), GetParam().pieces);
-    EXPECT_EQ(surface.edges.size(), GetParam().edges);
-    double sum = 0;
-    for (const auto& [a, b, c] : piecesOf(model, surface)) {
-        const double area = dot(normal, cross(b - a, c - a)) / 2 / scale;
-        EXPECT_GE(area * GetParam().area, -1e-12);
-        sum += area;
-    }
-    EXPECT_NEAR(sum, GetParam().area, 1e-12);
 }
 
 TEST(Surface, LinesAndPointsComeInPieces) {
     Model model;
     model.nodes = gridNodes();
-    const std::vector<Cell> cells = {{CellType::Line3, {0, 2, 1}},
-                                     {CellType::PolyLine, {4, 5, 8}},
-                                     {CellType::Line, {6, 7}},
-                                     {CellType::PolyVertex, {20, 22}},
-                                     {CellType::Vertex, {26}}};
+    const Cell cells[] = {{CellType::Line3, {0, 2, 1}},
+                          {CellType::PolyLine, {4, 5, 8}},
+                          {CellType::PolyVertex, {20, 22}},
+                          {CellType::Vertex, {26}}};
     for (const Cell& cell : cells)
         model.addCell(cell.type, cell.nodes);
     const Surface surface = extractSurface(model);
-    using Pair = std::array<std::uint32_t, 2>;
-    EXPECT_THAT(surface.lines, ElementsAre(Pair{0, 1}, Pair{1, 2}, Pair{4, 5}, Pair{5, 8}, Pair{6, 7}));
-    EXPECT_THAT(surface.lineCells, ElementsAre(0, 0, 1, 1, 2));
+    EXPECT_THAT(surface.lines,
+                ElementsAre(ElementsAre(0, 1), ElementsAre(1, 2), ElementsAre(4, 5), ElementsAre(5, 8)));
+    EXPECT_THAT(surface.lineCells, ElementsAre(0, 0, 1, 1));
     EXPECT_THAT(surface.points, ElementsAre(20, 22, 26));
-    EXPECT_THAT(surface.pointCells, ElementsAre(3, 3, 4));
+    EXPECT_THAT(surface.pointCells, ElementsAre(2, 2, 3));
     EXPECT_TRUE(surface.edges.empty());
 }
 

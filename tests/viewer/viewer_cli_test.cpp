@@ -71,47 +71,43 @@ protected:
 } // namespace
 
 TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
-    const struct {
-        const char* arguments; ///< besides -o
-        const char* word;      ///< in the message
-    } rows[] = {
-        {"", "FILE"},
-        {"@none.vtk", "none.vtk"},
-        {"/tmp", "/tmp"},
-        {"@empty.vtk", "empty.vtk"},
-        {"@cut.vtk", "cut.vtk"},
-        {"@bare.vtk", "cells"},
-        {"''", "file"},
-        {"@two.vtk --field stress", "disp"},
-        {"@two.vtk --field disp:7", "disp"},
-        {"@two.vtk --field disp@cell", "disp@cell"},
-        {"@two.vtk --field ''", "--field"},
-        {"@two.vtk --step 1", "no steps"},
-        {"--sample bridge", "cantilever"},
-        {"--sample hole:0", "1 to 2000"},
-        {"--sample cantilever:12x", "number"},
-        {"--sample hole:2000", "at most 4000000"},
-        {"@two.vtk --sample hole", "--sample"},
-        {"@two.vtk --colour", "--colour"},
-        {"@two.vtk --field T --bands 65", "--bands"},
-        {"@two.vtk --field T --bands 0", "--bands"},
-        {"@two.vtk --field T --bands 3x", "--bands"},
-        {"@two.vtk --field T --range 2,1", "--range"},
-        {"@two.vtk --field T --range 2", "--range"},
-        {"@two.vtk --field T --range 0,inf", "--range"},
-        {"@two.vtk --bands 5", "--field"},
-        {"@two.vtk --edges some", "feature"},
-        {"@two.vtk --view top", "--view"},
-        {"@two.vtk --size 100", "--size"},
-        {"@two.vtk --size 20000x10", "--size"},
-        {"@two.vtk --size 0x10", "--size"},
-        {"@two.vtk --background blue", "--background"},
-        {"@two.vtk --pick 3", "--pick"},
-        {"@two.vtk --deform much", "--deform"},
-        {"@two.vtk --deform 1 --deform-by T", "T"},
-        {"@flat.vtk --deform 1", "--deform-by"},
-    };
-    const auto expectError = [&](const std::string& arguments, const char* word) {
+    // Arguments besides -o, then a word of the message.
+    const std::vector<std::string> rows = {" => FILE",
+                                           "@none.vtk => none.vtk",
+                                           "/tmp => /tmp",
+                                           "@empty.vtk => empty.vtk",
+                                           "@cut.vtk => cut.vtk",
+                                           "@bare.vtk => cells",
+                                           "'' => file",
+                                           "@two.vtk --field stress => disp",
+                                           "@two.vtk --field disp:7 => disp",
+                                           "@two.vtk --field disp@cell => disp@cell",
+                                           "@two.vtk --field '' => --field",
+                                           "@two.vtk --step 1 => no steps",
+                                           "--sample bridge => cantilever",
+                                           "--sample hole:0 => 1 to 2000",
+                                           "--sample cantilever:12x => number",
+                                           "--sample hole:2000 => at most 4000000",
+                                           "@two.vtk --sample hole => --sample",
+                                           "@two.vtk --colour => --colour",
+                                           "@two.vtk --field T --bands 65 => --bands",
+                                           "@two.vtk --field T --bands 0 => --bands",
+                                           "@two.vtk --field T --bands 3x => --bands",
+                                           "@two.vtk --field T --range 2,1 => --range",
+                                           "@two.vtk --field T --range 2 => --range",
+                                           "@two.vtk --field T --range 0,inf => --range",
+                                           "@two.vtk --bands 5 => --field",
+                                           "@two.vtk --edges some => feature",
+                                           "@two.vtk --view top => --view",
+                                           "@two.vtk --size 100 => --size",
+                                           "@two.vtk --size 20000x10 => --size",
+                                           "@two.vtk --size 0x10 => --size",
+                                           "@two.vtk --background blue => --background",
+                                           "@two.vtk --pick 3 => --pick",
+                                           "@two.vtk --deform much => --deform",
+                                           "@two.vtk --deform 1 --deform-by T => T",
+                                           "@flat.vtk --deform 1 => --deform-by"};
+    const auto expectError = [&](const std::string& arguments, const std::string& word) {
         SCOPED_TRACE(arguments);
         const auto [exitCode, output] = nruview(arguments);
         EXPECT_EQ(exitCode, 2) << output;
@@ -120,8 +116,8 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         EXPECT_NE(output.find(word), std::string::npos) << output;
         EXPECT_FALSE(fs::exists(path("a.png")) || fs::exists(path("a.png.part")));
     };
-    for (const auto& row : rows)
-        expectError(std::string(row.arguments) + " -o @a.png", row.word);
+    for (const std::string& row : rows)
+        expectError(row.substr(0, row.find("=>")) + "-o @a.png", row.substr(row.find("=>") + 3));
     for (const char* output : {"@none/a.png", "/tmp", "/dev/full", "''"})
         expectError(std::string("@two.vtk -o ") + output, output[0] == '/' ? output : "");
 }
@@ -169,19 +165,15 @@ TEST_F(ViewerProgram, ListsWhatIsInAFile) {
                                  "  T@cell, cell, 1 component, T -1.5 .. 2.25\n");
 }
 
+// Off the middle, so that a mirrored picture picks something else.
 TEST_F(ViewerProgram, PicksWithoutAWindow) {
-    const struct {
-        const char* arguments;
-        const char* output;
-    } rows[] = {
-        {"@two.vtk --field T@cell --view xy --size 210x210 --pick 155,105",
-         "element 1 (quad) at 1.5 0.5 0.5: T = 2.25\n"},
-        {"@two.vtk --field T --view xy --size 210x210 --pick 105,54", "node 4 at 1 1 0.5: T = 5\n"},
-        {"@two.vtk --view xy --size 210x210 --pick 106,105", "edge 1 4 at 1 0.5 0.5\n"},
-        {"@two.vtk --view xy --size 210x210 --pick 1,1", "nothing\n"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(nruview(row.arguments).output, row.output) << row.arguments;
+    for (const char* projection : {"", " --persp"}) {
+        const std::string options = std::string(" --view xy --size 210x210") + projection;
+        EXPECT_EQ(nruview("@two.vtk --field T@cell --pick 155,105" + options).output,
+                  "element 1 (quad) at 1.5 0.5 0.5: T = 2.25\n");
+        EXPECT_EQ(nruview("@two.vtk --field T --pick 105,54" + options).output, "node 4 at 1 1 0.5: T = 5\n");
+        EXPECT_EQ(nruview("@two.vtk --pick 1,1" + options).output, "nothing\n");
+    }
 }
 
 TEST_F(ViewerProgram, HelpAndVersionSucceed) {

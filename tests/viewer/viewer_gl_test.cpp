@@ -211,18 +211,6 @@ TEST_F(ViewerScene, EdgesCloseBehindAFaceStayHidden) {
     }
 }
 
-TEST_F(ViewerScene, SplitFacesHideTheirInnerEdges) {
-    Model model;
-    model.nodes = {{0, 0, 0}, {2, 0, 0}, {2, 2, 0}, {0, 2, 0}, {1, 0, 0}, {2, 1, 0}, {1, 2, 0}, {0, 1, 0}};
-    model.addCell(CellType::Quad8, std::array<std::uint32_t, 8>{0, 1, 2, 3, 4, 5, 6, 7});
-    const ShownModel shown = showModel(model, {});
-    const Picture drawn = picture(shown, inBands(1, EdgeMode::All));
-    for (double t = 0.2; t < 1.9; t += 0.05)
-        for (const Point& inner : {Point{t, 1, 0}, {1, t, 0}, {t, t, 0}})
-            EXPECT_GT(brightness(colorAt(drawn, inner)), 160) << inner[0] << ", " << inner[1];
-    EXPECT_LT(brightness(colorAt(drawn, {0.5, 0, 0})), 160);
-}
-
 TEST_F(ViewerScene, FacesOfABoxHaveShadesOfTheirOwnAndNoneIsBlack) {
     const ShownModel shown = showModel(makeSample("cantilever:3"), {});
     for (const char* view : {"1,1,1", "-1,-1,-1", "1,-1,1"}) {

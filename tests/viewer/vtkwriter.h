@@ -20,9 +20,10 @@ struct XmlEncoding {
     std::size_t zlibBlock = 0; ///< bytes of a compressed block; 0 = not compressed
 };
 
-std::string writeVtu(const nruview::Model& model, const XmlEncoding& encoding);
+/// The reference model as a .vtu file.
+std::string writeVtu(const XmlEncoding& encoding);
 
-/// A legacy file; version 5 has OFFSETS and CONNECTIVITY.
-std::string writeLegacy(const nruview::Model& model, bool binary, int version);
+/// The reference model as a legacy file; version 5 has OFFSETS and CONNECTIVITY.
+std::string writeLegacy(bool binary, int version);
 
 } // namespace nrutest
