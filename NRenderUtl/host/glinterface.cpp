@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/host/libraryload.h"
 
 namespace {
 
@@ -88,7 +87,6 @@ int glslVersion(int glVersion) {
 } // namespace
 
 int GLeeInit() {
-    hostWatchProcessEnd();
     GLInterfaceState& gl = state();
     gl.enabled = {};
     if (!glContextIsCurrent())

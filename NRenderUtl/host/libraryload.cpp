@@ -3,7 +3,6 @@
 #include <cstdlib>
 
 #include "NRenderUtl/host/hostutl.h"
-#include "NRenderUtl/host/libraryload.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -24,12 +23,34 @@ LoadState& state() {
     return state;
 }
 
+#ifdef _WIN32
+
+void watchProcessEnd() {} // the loader tells
+
+#else
+
+__attribute__((destructor)) void detached() {
+    hostLibraryDetach(state().processIsEnding);
+}
+
+// on_exit, not atexit: a handler of atexit belongs to the shared object and would run on its unloading too.
+// Handlers run last in, first out: one registered while the library is loaded at start-up would come before
+// the dynamic linker's own, and so run after the destructors. Therefore the switch, used from main() on,
+// registers it.
+void watchProcessEnd() {
+    if (!state().watchesProcessEnd)
+        on_exit([](int, void*) { state().processIsEnding = true; }, nullptr);
+    state().watchesProcessEnd = true;
+}
+
+#endif
+
 } // namespace
 
 void __localFnToKeepNRenderUtlDllLoaded() {}
 
-void NHostEnableUnloadWarning(bool enable) {
-    hostWatchProcessEnd();
+void NHostEnableUnloadWarning(bool enable) noexcept {
+    watchProcessEnd();
     state().unloadWarning = enable;
 }
 
@@ -43,9 +64,7 @@ void hostLibraryDetach(bool processIsEnding) {
 
 #ifdef _WIN32
 
-void hostWatchProcessEnd() {}
-
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processIsEnding) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processIsEnding) {
     if (reason == DLL_PROCESS_ATTACH) {
         HMODULE self = nullptr;
         GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
@@ -54,27 +73,6 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processIsEnding) {
         hostLibraryDetach(processIsEnding != nullptr);
     }
     return TRUE;
-}
-
-#else
-
-namespace {
-
-__attribute__((destructor)) void detached() {
-    hostLibraryDetach(state().processIsEnding);
-}
-
-} // namespace
-
-// on_exit, not atexit: a handler of atexit belongs to the shared object and would run on its unloading too.
-// Handlers run last in, first out: one registered while the library is loaded at start-up would come before
-// the dynamic linker's own, and so run after the destructors. Therefore it is registered from main(), by the
-// entry points.
-void hostWatchProcessEnd() {
-    if (state().watchesProcessEnd)
-        return;
-    state().watchesProcessEnd = true;
-    on_exit([](int, void*) { state().processIsEnding = true; }, nullptr);
 }
 
 #endif
