@@ -3,8 +3,6 @@
 #include "NRenderUtl/host/hostxml.h"
 
 #include <cstdint>
-#include <fstream>
-#include <string>
 #include <system_error>
 #include <utility>
 
@@ -30,19 +28,10 @@ pugi::xml_node following(pugi::xml_node node) {
     return node.next_sibling();
 }
 
-std::optional<std::string> readFile(const GuStringFileName& path) {
-    const std::filesystem::path file = hostPath(path);
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
-        return std::nullopt;
-    const std::uintmax_t bytes = std::filesystem::file_size(file, error);
-    if (error || bytes > kMaxXmlBytes)
-        return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    std::string text(static_cast<std::size_t>(bytes), '\0');
-    if (!stream.read(text.data(), static_cast<std::streamsize>(bytes)))
-        return std::nullopt;
-    return text;
+bool isReadable(const std::filesystem::path& file) {
+    std::error_code error; // which makes the size the largest number
+    return std::filesystem::is_regular_file(file, error) &&
+           std::filesystem::file_size(file, error) <= kMaxXmlBytes;
 }
 
 } // namespace
@@ -73,8 +62,11 @@ XmlDocument& XmlDocument::operator=(XmlDocument&&) noexcept = default;
 XmlDocument::~XmlDocument() = default;
 
 std::optional<XmlDocument> XmlDocument::load(const GuStringFileName& path) {
-    const std::optional<std::string> text = readFile(path);
-    return text ? parse(*text) : std::nullopt;
+    const std::filesystem::path file = hostPath(path);
+    auto impl = std::make_unique<Impl>();
+    if (!isReadable(file) || !impl->document.load_file(file.c_str()))
+        return std::nullopt;
+    return XmlDocument(std::move(impl));
 }
 
 std::optional<XmlDocument> XmlDocument::parse(std::string_view text) {
