@@ -3,7 +3,7 @@
 
 #include "NRenderUtl/host/hostutl.h"
 
-NError::NError(GuString text) : m_text(std::move(text)), m_utf8(m_text.Utf8()) {}
+NError::NError(GuString text) noexcept : m_text(std::move(text)), m_utf8(m_text.Utf8()) {}
 
 NErrorPtr hostError(std::string_view text) {
     return std::make_unique<NError>(GuString(text));

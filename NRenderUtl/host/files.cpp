@@ -16,14 +16,14 @@ fs::path hostPath(const GuString& name) {
     return fs::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
-GuStringFileName GuStringFileName::Normalized() const {
+GuStringFileName GuStringFileName::Normalized() const noexcept {
     std::wstring unified = Wide();
     std::replace(unified.begin(), unified.end(), L'\\', L'/');
     const std::u8string normal = hostPath(GuString(unified)).lexically_normal().u8string();
     return GuStringFileName(std::string_view(reinterpret_cast<const char*>(normal.data()), normal.size()));
 }
 
-bool GuStringFileName::Exists() const {
+bool GuStringFileName::Exists() const noexcept {
     std::error_code error;
     const fs::file_status status = fs::status(hostPath(*this), error);
     return fs::exists(status) && !fs::is_directory(status);

@@ -120,21 +120,21 @@ float hostWideToFloat(const wchar_t* text) {
 #endif
 }
 
-GuString::GuString(const wchar_t* text) : m_text(text != nullptr ? text : L"") {}
-GuString::GuString(std::wstring text) : m_text(std::move(text)) {}
-GuString::GuString(const char* utf8) : m_text(hostWiden(utf8 != nullptr ? utf8 : "")) {}
-GuString::GuString(std::string_view utf8) : m_text(hostWiden(utf8)) {}
+GuString::GuString(const wchar_t* text) noexcept : m_text(text != nullptr ? text : L"") {}
+GuString::GuString(std::wstring text) noexcept : m_text(std::move(text)) {}
+GuString::GuString(const char* utf8) noexcept : m_text(hostWiden(utf8 != nullptr ? utf8 : "")) {}
+GuString::GuString(std::string_view utf8) noexcept : m_text(hostWiden(utf8)) {}
 
-std::string GuString::Utf8() const {
+std::string GuString::Utf8() const noexcept {
     return hostNarrow(m_text);
 }
 
-GuString& GuString::operator+=(const GuString& tail) {
+GuString& GuString::operator+=(const GuString& tail) noexcept {
     m_text += tail.m_text;
     return *this;
 }
 
-bool GuStringPredicate::operator()(const GuString& a, const GuString& b) const {
+bool GuStringPredicate::operator()(const GuString& a, const GuString& b) const noexcept {
     std::wstring_view left = a.Wide(), right = b.Wide();
     while (!left.empty() && !right.empty()) {
         const char32_t l = takeWide(left), r = takeWide(right);

@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 
 #include "NRenderUtl/host/hostutl.h"
 #include "NRenderUtl/host/services.h"
@@ -53,7 +54,7 @@ void freeDefault(void* block) {
 
 } // namespace
 
-void* NHostAllocate(std::size_t bytes, const char* file, int line) {
+void* NHostAllocate(std::size_t bytes, const char* file, int line) noexcept {
     const NHostServices& services = hostServices();
     void* block = services.allocate != nullptr ? services.allocate(services.context, bytes, file, line)
                                                : allocateDefault(bytes, file, line);
@@ -61,7 +62,7 @@ void* NHostAllocate(std::size_t bytes, const char* file, int line) {
     return block;
 }
 
-void NHostFree(void* block) {
+void NHostFree(void* block) noexcept {
     if (block == nullptr)
         return;
     --state().liveBlocks;
@@ -72,11 +73,11 @@ void NHostFree(void* block) {
         freeDefault(block);
 }
 
-std::size_t NHostLiveBlocks() {
+std::size_t NHostLiveBlocks() noexcept {
     return state().liveBlocks;
 }
 
-std::size_t NHostReportLiveBlocks() {
+std::size_t NHostReportLiveBlocks() noexcept {
     std::size_t count = 0;
     for (const BlockHeader* header = state().first; header != nullptr; header = header->next, ++count) {
         const std::string place =

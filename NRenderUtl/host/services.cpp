@@ -35,7 +35,7 @@ const NHostServices& hostServices() {
     return state().current;
 }
 
-int NHostSetServices(const NHostServices* services) {
+int NHostSetServices(const NHostServices* services) noexcept {
     const NHostServices wanted = services != nullptr ? *services : NHostServices{};
     if (!isComplete(wanted))
         return -1;
