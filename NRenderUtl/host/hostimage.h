@@ -18,10 +18,15 @@ inline constexpr bool imageSizeAllowed(std::int64_t width, std::int64_t height) 
            width * height <= kMaxImagePixels;
 }
 
-/// Frees the pixels of an image through the service that made them.
+/// Frees the pixels of an image by what belongs to their maker, whatever services were installed since:
+/// the host's function, or NHostFree where there is none.
 struct HostImageDeleter {
+    void (*freeImage)(void* context, void* pixels) = nullptr;
+    void* context = nullptr;
     void operator()(void* pixels) const;
 };
+/// The deleter for pixels that the host hands over now by other means than its loaders.
+HostImageDeleter hostImageDeleter();
 
 /// 8-bit pixels, rows from top to bottom, channels interleaved. Empty when loading failed.
 struct HostImage {
@@ -45,8 +50,6 @@ HostImage hostLoadImage(const GuStringFileName& path, int channels);
 /// Loads a Radiance (.hdr) file as linear floats with 3 (RGB) or 4 (RGB and alpha 1) channels; else as
 /// hostLoadImage.
 HostFloatImage hostLoadFloatImage(const GuStringFileName& path, int channels);
-/// Frees pixels that were released from a HostImage or HostFloatImage; null is ignored.
-void hostFreeImage(void* pixels);
 
 /// What a decoder made of the bytes of one file: pixels, rows from top to bottom, or the reason for refusing
 /// them.
@@ -62,7 +65,7 @@ struct DecodedFloatImage {
 };
 
 /// Any PNG. Raw sample values: gamma and colour profiles are ignored, of 16 bits the upper eight are kept.
-/// Every checksum counts; a file with extra or missing data is refused.
+/// Every checksum counts; pixel data that are too many or too few for the size are refused.
 DecodedImage decodePng(std::span<const std::uint8_t> data);
 /// Grey, RGB, YCbCr, CMYK and YCCK JPEG; EXIF orientation and colour profiles are ignored.
 /// Truncated or corrupt data are refused: half a picture is no picture.

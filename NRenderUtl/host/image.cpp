@@ -1,14 +1,14 @@
 // Loading of image files: the host's own functions where it has them, else the decoders of this folder.
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <fstream>
 #include <new>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 
 #include "NRenderUtl/host/hostimage.h"
 #include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/host/paths.h"
 #include "NRenderUtl/host/services.h"
 
 namespace {
@@ -41,27 +41,11 @@ constexpr Signature kSignatures[] = {
     {"v/1\x01", Format::Other, "OpenEXR"},
 };
 
-/// Pixels that the host's loader made, and what frees them: it stays the same when other services are
-/// installed.
-struct HostMaker {
-    void* context;
-    void (*freeImage)(void* context, void* pixels);
-};
-// Never destroyed: static objects may free their pixels during exit.
-std::unordered_map<void*, HostMaker>& hostMade() {
-    static auto& made = *new std::unordered_map<void*, HostMaker>;
-    return made;
-}
-
 /// Takes over what the host's loader returned; pixels of an impossible size count as a failure.
 template <typename Image>
 Image fromHost(const NHostServices& services, decltype(Image::pixels.get()) pixels, Image size) {
-    if (pixels == nullptr) {
-        return {};
-    }
-    hostMade()[pixels] = {services.context, services.freeImage};
-    size.pixels.reset(pixels);
-    return size.width > 0 && size.height > 0 ? std::move(size) : Image();
+    size.pixels = {pixels, {services.freeImage, services.context}};
+    return pixels != nullptr && size.width > 0 && size.height > 0 ? std::move(size) : Image();
 }
 
 /// The whole file. Gives a reason when it refuses, else null.
@@ -146,7 +130,7 @@ void convert(const DecodedFloatImage& from, int channels, float* to) {
 template <typename Decoded, typename Image, typename Value>
 Image load(const GuStringFileName& path, int channels, std::string& error) {
     Bytes bytes;
-    if (const char* reason = readFile(fs::path(path.Utf8()), bytes)) {
+    if (const char* reason = readFile(hostPath(path), bytes)) {
         error = reason;
         return {};
     }
@@ -166,7 +150,7 @@ Image load(const GuStringFileName& path, int channels, std::string& error) {
 }
 
 void tell(const GuStringFileName& path, const std::string& reason) {
-    hostMessage(NHostMessageNote, (path.Utf8() + ": " + reason).c_str());
+    hostMessage(NHostMessageNote, hostFormat("%s: %s", path.Utf8().c_str(), reason.c_str()).c_str());
 }
 
 /// As load, with the refusal, lack of memory included, told as a console message.
@@ -188,18 +172,15 @@ Image loadOrTell(const GuStringFileName& path, int channels) {
 } // namespace
 
 void HostImageDeleter::operator()(void* pixels) const {
-    hostFreeImage(pixels);
+    if (freeImage != nullptr) {
+        freeImage(context, pixels);
+    } else {
+        NHostFree(pixels);
+    }
 }
 
-void hostFreeImage(void* pixels) {
-    const auto made = hostMade().find(pixels);
-    if (made == hostMade().end()) {
-        NHostFree(pixels);
-        return;
-    }
-    const HostMaker maker = made->second;
-    hostMade().erase(made);
-    maker.freeImage(maker.context, pixels);
+HostImageDeleter hostImageDeleter() {
+    return {hostServices().freeImage, hostServices().context};
 }
 
 HostImage hostLoadImage(const GuStringFileName& path, int channels) {

@@ -1,18 +1,13 @@
-// PNG and JPEG pictures written by the test's own use of libpng and libjpeg, and the loader over them.
+// PNG files made chunk by chunk, small JPEG files, and the loader over them.
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <string>
 
 #include <gtest/gtest.h>
-#include <jpeglib.h>
-#include <png.h>
 #include <zlib.h>
 
 #include "NRenderUtl/host/hostimage.h"
@@ -20,475 +15,239 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Bytes = std::vector<std::uint8_t>;
 
-// Odd, so that rows end inside a byte and every interlace pass has pixels.
-constexpr int kWidth = 5, kHeight = 9;
+std::string hex(std::string_view digits) {
+    std::string bytes;
+    for (std::size_t i = 0; i < digits.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16));
+    return bytes;
+}
 
-// PNG writing
+std::string big(std::size_t value, int bytes = 4) {
+    std::string result;
+    while (bytes-- > 0)
+        result += static_cast<char>(value >> (8 * bytes));
+    return result;
+}
 
+std::span<const std::uint8_t> bytesOf(std::string_view file) {
+    return {reinterpret_cast<const std::uint8_t*>(file.data()), file.size()};
+}
+
+/// A PNG of three pixels in a row, in hexadecimal digits.
 struct PngKind {
     const char* name;
-    int colorType, depth, channels;
-    bool transparent = false; // a tRNS chunk: the sample of pixel (1, 1), or the first two palette entries
+    const char* header; // depth, colour type, two zeros, interlacing
+    const char* raw;    // each row, and each pass of an interlaced picture, begins with a filter byte
+    const char* palette;
+    const char* transparency;
+    const char* rgba;
+};
+constexpr PngKind kPngs[] = {
+    {"RGBA", "0806000000", "00C81E3CFF0ADC820700000000", "", "", "C81E3CFF0ADC820700000000"},
+    {"interlaced", "0806000001", "000102030400090A0B0C0005060708", "", "", "0102030405060708090A0B0C"},
+    {"grey 4, transparent", "0400000000", "005AF0", "", "000A", "555555FFAAAAAA00FFFFFFFF"},
+    {"grey 16, transparent", "1000000000", "00123412FF80FF", "", "1234", "12121200121212FF808080FF"},
+    {"grey and alpha", "0804000000", "00010203040506", "", "", "010101020303030405050506"},
+    {"palette 4", "0403000000", "002100", "010203040506070809", "0064", "070809FF0405066401020300"},
+    {"RGB, transparent", "0802000000", "00010203010204050607", "", "000100020004",
+     "010203FF01020400050607FF"},
 };
 
-unsigned sampleOf(const PngKind& kind, int x, int y, int channel) {
-    // Of 16 bits, steps of 11 leave many samples with equal upper bytes.
-    const unsigned value = kind.depth == 16 ? 50000 + (37 * x + 61 * y + 5 * channel) * 11
-                                            : 7 * x + 13 * y + channel * (29 + 5 * x) + 3;
-    return value & ((1U << kind.depth) - 1);
+std::string chunk(const std::string& body) {
+    return big(body.size() - 4) + body + big(crc32(0, bytesOf(body).data(), static_cast<uInt>(body.size())));
 }
 
-/// Bits of one row, most significant first.
-Bytes packedRow(const PngKind& kind, int y) {
-    Bytes row((kWidth * kind.channels * kind.depth + 7) / 8);
-    std::size_t bit = 0;
-    for (int x = 0; x < kWidth; ++x) {
-        for (int channel = 0; channel < kind.channels; ++channel) {
-            for (int i = kind.depth - 1; i >= 0; --i, ++bit) {
-                row[bit / 8] |= ((sampleOf(kind, x, y, channel) >> i) & 1) << (7 - bit % 8);
-            }
-        }
-    }
-    return row;
+/// The file, with any size in its header and a gamma that a reader of raw samples must not apply.
+std::string pngFile(const PngKind& kind, unsigned width = 3, unsigned height = 1) {
+    const std::string raw = hex(kind.raw), palette = hex(kind.palette), transparency = hex(kind.transparency);
+    Bytef packed[200];
+    uLongf size = sizeof packed;
+    compress(packed, &size, bytesOf(raw).data(), raw.size());
+    return "\x89PNG\r\n\x1A\n" + chunk("IHDR" + big(width) + big(height) + hex(kind.header)) +
+           chunk("gAMA" + big(100000)) + (palette.empty() ? "" : chunk("PLTE" + palette)) +
+           (transparency.empty() ? "" : chunk("tRNS" + transparency)) +
+           chunk("IDAT" + std::string(packed, packed + size)) + chunk("IEND");
 }
 
-png_color paletteEntry(int i) {
-    return {static_cast<png_byte>(i * 40 + 1), static_cast<png_byte>(255 - i * 3), static_cast<png_byte>(i)};
+using Decoder = DecodedImage (*)(std::span<const std::uint8_t>);
+
+/// Decodes a file, and demands that it is refused where it is cut.
+std::string rgbaOf(Decoder decode, const std::string& file) {
+    for (std::size_t size = 0; size < file.size(); ++size)
+        EXPECT_NE(decode(bytesOf(file).first(size)).error, "") << "cut to " << size << " bytes";
+    const DecodedImage image = decode(bytesOf(file));
+    EXPECT_EQ(image.error, "");
+    EXPECT_EQ(image.rgba.size(), std::size_t{4} * image.width * image.height);
+    return {image.rgba.begin(), image.rgba.end()};
 }
 
-/// A PNG file in the making.
-struct PngWriter {
-    PngWriter(int width, int height, int depth, int colorType, bool interlaced) {
-        png_set_write_fn(png, &file, append, nullptr);
-        png_set_IHDR(png, info, width, height, depth, colorType, interlaced, 0, 0);
-    }
-    ~PngWriter() { png_destroy_write_struct(&png, &info); }
-    static void append(png_structp png, png_bytep data, std::size_t size) {
-        auto& bytes = *static_cast<Bytes*>(png_get_io_ptr(png));
-        bytes.insert(bytes.end(), data, data + size);
-    }
-
-    Bytes file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-};
-
-/// A PNG file of kWidth x kHeight pixels, with a gamma that a reader of raw samples must not apply.
-Bytes pngFile(const PngKind& kind, bool interlaced) {
-    PngWriter out(kWidth, kHeight, kind.depth, kind.colorType, interlaced);
-    png_set_gAMA(out.png, out.info, 1.0);
-    if (kind.colorType == PNG_COLOR_TYPE_PALETTE) {
-        std::array<png_color, 256> palette;
-        std::generate(palette.begin(), palette.end(), [i = 0]() mutable { return paletteEntry(i++); });
-        png_set_PLTE(out.png, out.info, palette.data(), 1 << kind.depth);
-    }
-    if (kind.transparent) {
-        const png_byte alphas[2] = {0, 100};
-        const auto sample = [&](int channel) {
-            return static_cast<png_uint_16>(sampleOf(kind, 1, 1, channel));
-        };
-        const png_color_16 key{0, sample(0), sample(1), sample(2), sample(0)};
-        png_set_tRNS(out.png, out.info, alphas, 2, &key);
-    }
-    std::array<Bytes, kHeight> packed;
-    std::array<png_bytep, kHeight> rows;
-    for (int y = 0; y < kHeight; ++y) {
-        packed[y] = packedRow(kind, y);
-        rows[y] = packed[y].data();
-    }
-    png_set_rows(out.png, out.info, rows.data());
-    png_write_png(out.png, out.info, PNG_TRANSFORM_IDENTITY, nullptr);
-    return out.file;
-}
-
-/// A PNG of RGB pixels whose one data chunk holds these bytes, under a right checksum.
-Bytes pngOf(int width, int height, const Bytes& data) {
-    PngWriter out(width, height, 8, PNG_COLOR_TYPE_RGB, false);
-    png_write_info(out.png, out.info);
-    png_write_chunk(out.png, reinterpret_cast<png_const_bytep>("IDAT"), data.data(), data.size());
-    png_write_chunk(out.png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
-    return out.file;
-}
-
-/// A PNG whose header promises a size that its few bytes of data do not hold.
-Bytes pngOfSize(int width, int height) {
-    return pngOf(width, height, Bytes(20, 7));
-}
-
-/// What a pixel of pngFile means, from the format's own definition.
-std::array<unsigned, 4> expectedPng(const PngKind& kind, int x, int y) {
-    const auto sample = [&](int channel) { return sampleOf(kind, x, y, channel); };
-    if (kind.colorType == PNG_COLOR_TYPE_PALETTE) {
-        const png_color color = paletteEntry(static_cast<int>(sample(0)));
-        const unsigned alpha = !kind.transparent || sample(0) > 1 ? 255 : sample(0) * 100;
-        return {color.red, color.green, color.blue, alpha};
-    }
-    const auto to8 = [&](unsigned v) {
-        return kind.depth == 16 ? v >> 8 : v * 255 / ((1U << kind.depth) - 1);
-    };
-    const bool color = kind.channels >= 3, hasAlpha = kind.channels == 2 || kind.channels == 4;
-    bool isKey = kind.transparent;
-    for (int channel = 0; channel < kind.channels; ++channel) {
-        isKey = isKey && sample(channel) == sampleOf(kind, 1, 1, channel);
-    }
-    const unsigned alpha = hasAlpha ? to8(sample(kind.channels - 1)) : isKey ? 0 : 255;
-    return {to8(sample(0)), to8(sample(color ? 1 : 0)), to8(sample(color ? 2 : 0)), alpha};
-}
-
-constexpr PngKind kPngKinds[] = {
-    {"grey 1", PNG_COLOR_TYPE_GRAY, 1, 1},
-    {"grey 2", PNG_COLOR_TYPE_GRAY, 2, 1},
-    {"grey 4", PNG_COLOR_TYPE_GRAY, 4, 1},
-    {"grey 8", PNG_COLOR_TYPE_GRAY, 8, 1},
-    {"grey 16", PNG_COLOR_TYPE_GRAY, 16, 1},
-    {"grey 4, one transparent", PNG_COLOR_TYPE_GRAY, 4, 1, true},
-    {"grey 16, one transparent", PNG_COLOR_TYPE_GRAY, 16, 1, true},
-    {"grey and alpha 8", PNG_COLOR_TYPE_GRAY_ALPHA, 8, 2},
-    {"grey and alpha 16", PNG_COLOR_TYPE_GRAY_ALPHA, 16, 2},
-    {"palette 1", PNG_COLOR_TYPE_PALETTE, 1, 1},
-    {"palette 2, two transparent", PNG_COLOR_TYPE_PALETTE, 2, 1, true},
-    {"palette 4, two transparent", PNG_COLOR_TYPE_PALETTE, 4, 1, true},
-    {"palette 8", PNG_COLOR_TYPE_PALETTE, 8, 1},
-    {"RGB 8, one transparent", PNG_COLOR_TYPE_RGB, 8, 3, true},
-    {"RGB 16", PNG_COLOR_TYPE_RGB, 16, 3},
-    {"RGB 16, one transparent", PNG_COLOR_TYPE_RGB, 16, 3, true},
-    {"RGBA 8", PNG_COLOR_TYPE_RGB_ALPHA, 8, 4},
-    {"RGBA 16", PNG_COLOR_TYPE_RGB_ALPHA, 16, 4},
-};
-
-TEST(Png, EveryKindOfSampleBecomesRgba) {
-    for (const PngKind& kind : kPngKinds) {
-        for (const bool interlaced : {false, true}) {
-            SCOPED_TRACE(std::string(kind.name) + (interlaced ? ", interlaced" : ""));
-            const DecodedImage image = decodePng(pngFile(kind, interlaced));
-            ASSERT_EQ(image.error, "");
-            ASSERT_EQ(image.width * 100 + image.height, kWidth * 100 + kHeight);
-            for (int i = 0; i < kWidth * kHeight; ++i) {
-                const auto expected = expectedPng(kind, i % kWidth, i / kWidth);
-                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), &image.rgba[4 * i]))
-                    << "pixel " << i;
-            }
+TEST(Png, EveryKindBecomesRgbaAndADamagedOrMissingByteIsRefused) {
+    for (const PngKind& kind : kPngs) {
+        SCOPED_TRACE(kind.name);
+        const std::string whole = pngFile(kind);
+        EXPECT_EQ(rgbaOf(decodePng, whole), hex(kind.rgba));
+        for (std::size_t i = 0; i < whole.size(); ++i) {
+            std::string damaged = whole;
+            damaged[i] ^= 0x10;
+            EXPECT_NE(decodePng(bytesOf(damaged)).error, "") << "byte " << i << " changed";
         }
     }
 }
 
-TEST(Png, AnyDamagedOrMissingByteIsRefused) {
-    const PngKind kind{"palette 4, two transparent", PNG_COLOR_TYPE_PALETTE, 4, 1, true};
-    const Bytes whole = pngFile(kind, true);
-    ASSERT_EQ(decodePng(whole).error, "");
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        Bytes damaged = whole;
-        damaged[i] ^= 0x10;
-        EXPECT_NE(decodePng(damaged).error, "") << "byte " << i << " changed";
-        EXPECT_NE(decodePng({whole.data(), i}).error, "") << "cut to " << i << " bytes";
-    }
-}
-
-TEST(Png, PixelDataThatDoNotAddUpAreRefused) {
-    const auto deflated = [](std::size_t rawBytes) {
-        const Bytes raw(rawBytes);
-        Bytes out(compressBound(raw.size()));
-        uLongf size = out.size();
-        compress(out.data(), &size, raw.data(), raw.size());
-        out.resize(size);
-        return out;
-    };
-    constexpr std::size_t kRaw = (1 + 3 * 20) * 20; // rows of a filter byte and 20 pixels
-    ASSERT_EQ(decodePng(pngOf(20, 20, deflated(kRaw))).error, "");
-    EXPECT_NE(decodePng(pngOf(20, 20, deflated(kRaw - 1))).error, "");
-    EXPECT_NE(decodePng(pngOf(20, 20, deflated(kRaw + 1))).error, "");
-    Bytes wrongSum = deflated(kRaw);
-    wrongSum.back() ^= 1;
-    EXPECT_NE(decodePng(pngOf(20, 20, wrongSum)).error, "");
-}
-
-// JPEG writing
-
+/// A JPEG of 16x8 pixels that libjpeg wrote, the left half of one colour and the right half of another.
 struct JpegKind {
     const char* name;
-    J_COLOR_SPACE input, stored;
-    bool adobe;
-    bool progressive = false;
+    const char* rgba;        // of a pixel to the left and one to the right
+    const char* afterTables; // what follows the quantisation table, which is all ones
+};
+constexpr JpegKind kJpegs[] = {
+    {"YCbCr", "C81E3CFF0ADC82FF",
+     "FFC00011080008001003011100021100031100FFC4001800000203000000000000000000000000000609070A0BFFC400141001"
+     "00000000000000000000000000000000FFDA000C03010002000300003F0053E83D6983F81032577FFFD9"},
+    // Inks 99, 0, FF, 33 and none: 66 / FF * CC / FF of the red light comes back.
+    {"CMYK", "52CC00FFFFFFFFFF",
+     "FFC000140800080010044311004D11005911004B1100FFC4001800000203000000000000000000000000000A0B000809FFC400"
+     "14100100000000000000000000000000000000FFDA000E0443004D0059004B00003F00B905FF008FE032E59BA100EC677FFFD"
+     "9"},
+    {"YCCK of Adobe, complemented", "52CC00FFFFFFFFFF",
+     "FFEE000E41646F626500640000000002FFC00014080008001004011100021100031100041100FFC40015000101000000000000"
+     "0000000000000000090AFFC40014100100000000000000000000000000000000FFDA000E040100020003000400003F0015D660"
+     "7014C09A746783F330FFD9"},
 };
 
-/// A 32x16 JPEG: the left half of one colour, the right half of another, so that every block is flat.
-Bytes jpegFile(const JpegKind& kind, const Bytes& left, const Bytes& right) {
-    jpeg_compress_struct info{};
-    jpeg_error_mgr errors{};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&info);
-    unsigned char* out = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&info, &out, &size);
-    info.image_width = 32;
-    info.image_height = 16;
-    info.in_color_space = kind.input;
-    info.input_components = static_cast<int>(left.size());
-    jpeg_set_defaults(&info);
-    jpeg_set_colorspace(&info, kind.stored);
-    jpeg_set_quality(&info, 100, TRUE);
-    info.write_Adobe_marker = kind.adobe;
-    if (kind.progressive) {
-        jpeg_simple_progression(&info);
-    }
-    jpeg_start_compress(&info, TRUE);
-    Bytes row;
-    for (int x = 0; x < 32; ++x) {
-        const Bytes& pixel = x < 16 ? left : right;
-        row.insert(row.end(), pixel.begin(), pixel.end());
-    }
-    for (JSAMPROW line = row.data(); info.next_scanline < 16;) {
-        jpeg_write_scanlines(&info, &line, 1);
-    }
-    jpeg_finish_compress(&info);
-    jpeg_destroy_compress(&info);
-    const Bytes file(out, out + size);
-    std::free(out);
-    return file;
+std::string jpegFile(const JpegKind& kind) {
+    return hex("FFD8FFDB004300") + std::string(64, '\1') + hex(kind.afterTables);
 }
 
-const Bytes kRed{200, 30, 60}, kGreen{10, 220, 130};
-const Bytes kInk{153, 0, 255, 51}, kNoInk{0, 0, 0, 0}, kInkOfAdobe{102, 255, 0, 204}, kNoInkOfAdobe(4, 255);
-const Bytes kInkLight{82, 204, 0}, kWhite(3, 255); // 102/255 * 204/255 of the red light comes back
-
-const struct {
-    JpegKind kind;
-    Bytes left, right;       // as stored
-    Bytes leftRgb, rightRgb; // as light
-} kJpegs[] = {
-    {{"YCbCr", JCS_RGB, JCS_YCbCr, false}, kRed, kGreen, kRed, kGreen},
-    {{"progressive", JCS_RGB, JCS_YCbCr, false, true}, kRed, kGreen, kRed, kGreen},
-    {{"RGB", JCS_RGB, JCS_RGB, true}, kRed, kGreen, kRed, kGreen},
-    {{"grey", JCS_GRAYSCALE, JCS_GRAYSCALE, false}, {40}, {200}, Bytes(3, 40), Bytes(3, 200)},
-    {{"CMYK", JCS_CMYK, JCS_CMYK, false}, kInk, kNoInk, kInkLight, kWhite},
-    {{"CMYK of Adobe", JCS_CMYK, JCS_CMYK, true}, kInkOfAdobe, kNoInkOfAdobe, kInkLight, kWhite},
-    {{"YCCK of Adobe", JCS_CMYK, JCS_YCCK, true}, kInkOfAdobe, kNoInkOfAdobe, kInkLight, kWhite},
-};
-
-TEST(Jpeg, EveryColourSpaceBecomesRgba) {
-    for (const auto& row : kJpegs) {
-        SCOPED_TRACE(row.kind.name);
-        const DecodedImage image = decodeJpeg(jpegFile(row.kind, row.left, row.right));
-        ASSERT_EQ(image.error, "");
-        ASSERT_EQ(image.width * 100 + image.height, 3216);
-        for (const int x : {3, 28}) {
-            const unsigned char* pixel = &image.rgba[4 * (32 * 5 + x)];
-            const Bytes& expected = x < 16 ? row.leftRgb : row.rightRgb;
-            for (int channel = 0; channel < 3; ++channel) {
-                EXPECT_NEAR(pixel[channel], expected[channel], 2)
-                    << "x " << x << " channel " << channel; // chroma rounds
-            }
-            EXPECT_EQ(pixel[3], 255);
-        }
+TEST(Jpeg, EveryColourSpaceBecomesRgbaAndHalfAPictureIsRefused) {
+    for (const JpegKind& kind : kJpegs) {
+        SCOPED_TRACE(kind.name);
+        std::string file = jpegFile(kind);
+        const std::string pixels = rgbaOf(decodeJpeg, file), expected = hex(kind.rgba);
+        ASSERT_EQ(pixels.size(), 4U * 16 * 8);
+        for (int i = 0; i < 8; ++i) // chroma rounds
+            EXPECT_NEAR(pixels[4 * (16 * 5 + 2 + i / 4 * 9) + i % 4] & 255, expected[i] & 255, 2) << i;
+        file.erase(file.size() - 6, 4); // half a scan with an end marker
+        EXPECT_NE(decodeJpeg(bytesOf(file)).error, "");
     }
 }
 
-TEST(Jpeg, HalfAPictureIsRefusedButPaddingIsNot) {
-    for (const auto& row : kJpegs) {
-        SCOPED_TRACE(row.kind.name);
-        const Bytes whole = jpegFile(row.kind, row.left, row.right);
-        for (std::size_t size = 0; size < whole.size(); ++size) {
-            ASSERT_NE(decodeJpeg({whole.data(), size}).error, "") << "cut to " << size << " bytes";
-        }
-        Bytes ended(whole.begin(), whole.end() - 6); // without the end of the scan, but with the end marker
-        ended.insert(ended.end(), {0xff, 0xd9});
-        EXPECT_NE(decodeJpeg(ended).error, "");
-        Bytes padded = whole; // as some cameras write it
-        padded.insert(padded.end() - 2, 64, 0);
-        EXPECT_EQ(decodeJpeg(padded).rgba, decodeJpeg(whole).rgba);
-        padded.resize(padded.size() - 2);
-        EXPECT_NE(decodeJpeg(padded).error, "") << "no end marker";
-    }
-}
-
-/// The JPEG with another size in its frame header.
-Bytes jpegOfSize(int width, int height) {
-    Bytes file = jpegFile(kJpegs[0].kind, kRed, kGreen);
-    const std::uint8_t frame[] = {0xff, 0xc0};
-    auto size = std::search(file.begin(), file.end(), std::begin(frame), std::end(frame)) + 5;
-    for (const int value : {height >> 8, height, width >> 8, width}) {
-        *size++ = static_cast<std::uint8_t>(value);
-    }
-    return file;
-}
-
-TEST(Image, AFalseSizeTakesNoMemory) {
-    const struct {
-        const char* name;
-        std::string error, reason;
-    } rows[] = {
-        {"PNG", decodePng(pngOfSize(32768, 8192)).error, "too soon"},
-        {"wide PNG", decodePng(pngOfSize(32769, 1)).error, "out of range"},
-        {"large PNG", decodePng(pngOfSize(32768, 8193)).error, "out of range"},
-        {"JPEG", decodeJpeg(jpegOfSize(32768, 8192)).error, "too soon"},
-        {"tall JPEG", decodeJpeg(jpegOfSize(1, 32769)).error, "out of range"},
+TEST(Image, AFalseSizeIsRefusedAndTakesNoMemory) {
+    const auto png = [](int width, int height) {
+        return decodePng(bytesOf(pngFile(kPngs[0], width, height))).error;
     };
-    for (const auto& row : rows) {
-        EXPECT_NE(row.error.find(row.reason), std::string::npos) << row.name << ": '" << row.error << "'";
-    }
+    const auto jpeg = [](int width, int height) {
+        std::string file = jpegFile(kJpegs[0]);
+        file.replace(file.find("\xFF\xC0") + 5, 4, big(height, 2) + big(width, 2));
+        return decodeJpeg(bytesOf(file)).error;
+    };
+    const std::pair<const char*, std::string> rows[] = {
+        {"corrupt", png(3, 2)}, // a row that the data lack
+        {"corrupt", png(2, 1)}, // a pixel less than the data have
+        {"too soon", png(32768, 8192)},  {"out of range", png(32769, 1)},  {"out of range", png(32768, 8193)},
+        {"too soon", jpeg(32768, 8192)}, {"out of range", jpeg(1, 32769)},
+    };
+    for (const auto& row : rows)
+        EXPECT_NE(row.second.find(row.first), std::string::npos) << &row - rows << ": '" << row.second << "'";
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     EXPECT_LT(usage.ru_maxrss / 1024, 400) << "megabytes; the pixels alone would be 1024";
 }
 
-// The loader
-
-/// A folder of its own, and the console messages of the case.
-class ImageLoader : public ::testing::Test {
-protected:
-    void SetUp() override {
-        fs::create_directories(m_folder);
-        NHostServices services{};
-        services.context = this;
-        services.message = [](void* self, int kind, const char* text) {
-            static_cast<ImageLoader*>(self)->m_messages.push_back(std::to_string(kind) + " " + text);
-        };
-        NHostSetServices(&services);
+/// A folder of its own.
+struct ImageLoader : ::testing::Test {
+    const fs::path folder = fs::temp_directory_path() / ("image_test_" + std::to_string(getpid()));
+    void SetUp() override { fs::create_directories(folder); }
+    void TearDown() override { fs::remove_all(folder); }
+    GuStringFileName write(const fs::path& name, std::string_view bytes) {
+        std::ofstream(folder / name, std::ios::binary).write(bytes.data(), std::ssize(bytes));
+        return GuStringFileName((folder / name).native());
     }
-    void TearDown() override {
-        fs::remove_all(m_folder);
-        EXPECT_EQ(NHostLiveBlocks(), 0U);
-        NHostSetServices(nullptr);
-    }
-    GuStringFileName write(const char* name, const Bytes& bytes) {
-        std::ofstream(m_folder / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        return pathOf(name);
-    }
-    GuStringFileName pathOf(const char* name) { return GuStringFileName((m_folder / name).c_str()); }
-
-    fs::path m_folder = fs::temp_directory_path() / ("image_test_" + std::to_string(getpid()));
-    std::vector<std::string> m_messages;
 };
 
-Bytes text(std::string_view bytes) {
-    return {bytes.begin(), bytes.end()};
-}
-
 TEST_F(ImageLoader, GivesTheChannelsAskedFor) {
-    const PngKind kind{"RGBA 8", PNG_COLOR_TYPE_RGB_ALPHA, 8, 4};
-    const GuStringFileName png = write("größe.jpg", pngFile(kind, false)); // content decides
-    for (const int channels : {1, 3, 4}) {
+    const GuStringFileName png = write("größe.jpg", pngFile(kPngs[0])); // content decides
+    const std::pair<int, const char*> rows[] = {{1, "549300"},          // Rec. 601: 84.25, 146.95
+                                                {3, "C81E3C0ADC82000000"},
+                                                {4, "C81E3CFF0ADC820700000000"}};
+    for (const auto& [channels, expected] : rows) {
         const HostImage image = hostLoadImage(png, channels);
-        ASSERT_TRUE(image);
-        ASSERT_EQ(image.channels, channels);
-        for (int i = 0; i < kWidth * kHeight; ++i) {
-            const auto rgba = expectedPng(kind, i % kWidth, i / kWidth);
-            const double grey = 0.299 * rgba[0] + 0.587 * rgba[1] + 0.114 * rgba[2];
-            const unsigned char* pixel = image.pixels.get() + i * channels;
-            if (channels == 1) {
-                EXPECT_NEAR(pixel[0], grey, 0.5001); // rounded to nearest
-            } else {
-                EXPECT_TRUE(std::equal(pixel, pixel + channels, rgba.begin())) << i;
-            }
-        }
+        ASSERT_TRUE(image && image.width == 3 && image.height == 1 && image.channels == channels);
+        EXPECT_EQ(std::string(image.pixels.get(), image.pixels.get() + 3 * channels), hex(expected));
     }
-    const GuStringFileName hdr =
-        write("two.hdr", text("#?RGBE\n\n-Y 1 +X 2\n\x80\x40\x20\x81\x01\x02\x03\x88"));
-    const float expected[] = {1, 0.5, 0.25, 1, 1, 2, 3, 1};
-    const HostFloatImage three = hostLoadFloatImage(hdr, 3), four = hostLoadFloatImage(hdr, 4);
-    ASSERT_TRUE(three && four);
-    EXPECT_TRUE(std::equal(expected, expected + 8, four.pixels.get()));
-    EXPECT_TRUE(std::equal(expected, expected + 3, three.pixels.get()));
-    EXPECT_TRUE(std::equal(expected + 4, expected + 7, three.pixels.get() + 3));
-    EXPECT_EQ(NHostLiveBlocks(), 2U);
-    EXPECT_TRUE(m_messages.empty());
+    const GuStringFileName hdr = write("two.hdr", "#?RGBE\r\n\r\n-Y 1 +X 2\r\n\x80\x40\x20\x81\1\2\xFF\1");
+    const float kTiny = std::ldexp(1.0F, -135); // a subnormal number
+    const std::pair<int, std::vector<float>> floats[] = {
+        {3, {1, 0.5, 0.25, kTiny, 2 * kTiny, 255 * kTiny}},
+        {4, {1, 0.5, 0.25, 1, kTiny, 2 * kTiny, 255 * kTiny, 1}}};
+    for (const auto& [channels, expected] : floats) {
+        const HostFloatImage image = hostLoadFloatImage(hdr, channels);
+        ASSERT_TRUE(image && NHostLiveBlocks() == 1);
+        EXPECT_TRUE(std::equal(expected.begin(), expected.end(), image.pixels.get())) << channels;
+    }
+    EXPECT_EQ(NHostLiveBlocks(), 0U);
 }
 
 TEST_F(ImageLoader, ARefusalNamesTheFileAndTheReason) {
-    fs::create_directory(m_folder / "folder");
-    const Bytes png = pngFile(kPngKinds[0], false);
-    write("empty", {});
-    write("cut.png", {png.begin(), png.end() - 5});
-    write("whole.png", png);
-    write("map.bmp", text("BM......"));
-    write("letter", text("Dear reader"));
-    write("grey.pgm", text("P5 1 1 255 x"));
-    write("sky.hdr", text("#?RADIANCE\n\n-Y 1 +X 1\n...."));
-    write("bad.hdr", text("#?RADIANCE\n\n-Y 2 +X 1\n...."));
-    const struct {
-        const char* name;
-        const char* reason;
-        bool floats = false;
-        int channels = 4;
-    } rows[] = {
-        {"missing", "no such file"},
-        {"folder", "not a file"},
-        {"empty", "the file is empty"},
-        {"cut.png", "image data are corrupt"},
-        {"map.bmp", "BMP images are not supported"},
-        {"grey.pgm", "PGM images are not supported"},
-        {"letter", "not a PNG or JPEG image"},
-        {"sky.hdr", "Radiance images are not supported here"},
-        {"whole.png", "PNG images are not supported here", true},
-        {"bad.hdr", "image data end too soon", true},
-        {"whole.png", "2 channels", false, 2},
-        {"sky.hdr", "1 channels", true, 1},
+    const GuStringFileName png = write("whole.png", pngFile(kPngs[0]));
+    const GuStringFileName hdr = write("bad.hdr", "#?RADIANCE\n\n-Y 2 +X 1\n....");
+    const GuString root((folder / "").c_str());
+    const std::tuple<GuStringFileName, int, const char*> rows[] = {
+        // channels, and as many floats below 0
+        {root + "missing", 4, "no such file"},
+        {png + std::wstring(L"\0.png", 5), 4, "no such file"},
+        {write("a.bmp", "BM...."), 4, "BMP images are not supported"},
+        {write("letter", "Dear reader"), 4, "not a PNG or JPEG image"},
+        {hdr, -3, "image data end too soon"},
+        {png, -3, "PNG images are not supported here"},
+        {png, 2, "2 channels"},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        m_messages.clear();
-        const GuStringFileName path = pathOf(row.name);
-        const bool loaded = row.floats ? static_cast<bool>(hostLoadFloatImage(path, row.channels))
-                                       : static_cast<bool>(hostLoadImage(path, row.channels));
-        EXPECT_FALSE(loaded);
-        ASSERT_EQ(m_messages.size(), 1U);
-        EXPECT_EQ(m_messages[0].find("0 " + path.Utf8() + ": "), 0U) << m_messages[0];
-        EXPECT_NE(m_messages[0].find(row.reason), std::string::npos) << m_messages[0];
+    for (const auto& [path, channels, reason] : rows) {
+        ::testing::internal::CaptureStderr();
+        EXPECT_FALSE(channels < 0 ? bool(hostLoadFloatImage(path, -channels))
+                                  : bool(hostLoadImage(path, channels)));
+        const std::string told = ::testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(told.starts_with(path.Utf8().c_str())) << told;
+        EXPECT_NE(told.find(reason), std::string::npos) << reason << ", not " << told;
     }
 }
 
-/// A host with image functions of its own: every image is 2x1, all bytes or floats 7, counted while alive.
+/// A host that hands out the same image of 2x1 pixels each time and counts its users.
 struct ImageHost {
-    int alive = 0;
-    int width = 2;
-    template <typename Value>
-    static Value* make(void* self, int channels, int* width, int* height) {
+    int users = 0, width = 2;
+    unsigned char bytes[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    static unsigned char* load(void* self, const char*, int, int* width, int* height) {
         auto& host = *static_cast<ImageHost*>(self);
-        ++host.alive;
         *width = host.width;
         *height = 1;
-        auto* pixels = new Value[static_cast<std::size_t>(2 * channels)];
-        std::fill_n(pixels, 2 * channels, Value(7));
-        return pixels;
-    }
-    NHostServices services() {
-        NHostServices services{};
-        services.context = this;
-        services.loadImage = [](void* self, const char* path, int channels, int* w, int* h) {
-            return *path == 'x' ? nullptr : make<unsigned char>(self, channels, w, h);
-        };
-        services.loadFloatImage = [](void* self, const char*, int channels, int* w, int* h) {
-            return make<float>(self, channels, w, h);
-        };
-        services.freeImage = [](void* self, void* pixels) {
-            --static_cast<ImageHost*>(self)->alive;
-            ::operator delete[](pixels);
-        };
-        return services;
+        ++host.users;
+        return host.bytes;
     }
 };
 
-TEST(HostImages, TheHostsFunctionsLoadAndFreeEvenAfterTheyWereReplaced) {
+TEST(HostImages, AreFreedByTheirMakerAlsoAfterItWasReplaced) {
     ImageHost host;
-    const NHostServices services = host.services();
+    NHostServices services{};
+    services.context = &host;
+    services.loadImage = ImageHost::load;
+    services.loadFloatImage = [](void*, const char*, int, int*, int*) -> float* { return nullptr; };
+    services.freeImage = [](void* self, void*) { --static_cast<ImageHost*>(self)->users; };
     ASSERT_EQ(NHostSetServices(&services), 0);
-    HostImage image = hostLoadImage("no-such-file", 3);
-    HostFloatImage floats = hostLoadFloatImage("no-such-file", 4);
-    ASSERT_TRUE(image && floats);
+    HostImage image = hostLoadImage("no-such-file", 3), again = hostLoadImage("no-such-file", 3);
+    ASSERT_TRUE(image && again && image.pixels.get() == host.bytes);
     EXPECT_EQ(image.width * 10 + image.height, 21);
-    EXPECT_EQ(image.pixels.get()[5] + floats.pixels.get()[7], 14);
-    EXPECT_FALSE(hostLoadImage("x", 3));
+    EXPECT_FALSE(hostLoadFloatImage("no-such-file", 3));
     host.width = 0;
-    EXPECT_FALSE(hostLoadImage("empty", 3));
-    EXPECT_EQ(host.alive, 2) << "the image of no size went back to the host";
-    floats.pixels.reset();
+    EXPECT_FALSE(hostLoadImage("of no size", 3));
+    EXPECT_EQ(host.users, 2);
+    image.pixels.reset();
+    image.pixels = {ImageHost::load(&host, "", 3, &image.width, &image.height), hostImageDeleter()};
+    EXPECT_EQ(host.users, 2) << "pixels that came by another way";
+    image.pixels.reset();
     ASSERT_EQ(NHostSetServices(nullptr), 0);
-    hostFreeImage(image.pixels.release());
-    EXPECT_EQ(host.alive, 0);
-    EXPECT_EQ(NHostLiveBlocks(), 0U);
+    again.pixels.reset();
+    EXPECT_EQ(host.users, 0);
 }
 
 } // namespace
