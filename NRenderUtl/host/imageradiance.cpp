@@ -12,6 +12,9 @@ namespace {
 
 // Scanlines of these lengths may use the new run-length form.
 constexpr std::size_t kMinNewLength = 8, kMaxNewLength = 0x7fff;
+// Old runs can repeat one pixel without end, so that a small file unfolds to gigabytes. Real pictures stay
+// far below this many pixels a byte (new runs reach 16); small pictures may unfold as they like.
+constexpr std::int64_t kMaxPixelsPerByte = 64, kSmallPicturePixels = std::int64_t{1} << 22;
 
 using Rgbe = std::array<std::uint8_t, 4>;
 
@@ -274,6 +277,11 @@ DecodedFloatImage decodeRadiance(std::span<const std::uint8_t> data) {
     if (input.rest.size() / leastScanlineBytes(layout->length) <
         static_cast<std::size_t>(layout->scanlines)) {
         return refused("image data end too soon");
+    }
+    const std::int64_t pixelCount = std::int64_t{layout->width()} * layout->height();
+    if (pixelCount > kSmallPicturePixels &&
+        pixelCount / kMaxPixelsPerByte > static_cast<std::int64_t>(input.rest.size())) {
+        return refused("image is far larger than its data");
     }
     std::vector<Rgbe> pixels;
     if (const char* error = readPixels(input, *layout, pixels)) {

@@ -72,6 +72,9 @@ TEST(Radiance, MalformedFilesAreRefusedWithTheirReason) {
     std::string zeroRuns; // each makes the next one count 8 bits higher, and repeats nothing
     for (int i = 0; i < 8; ++i)
         zeroRuns += bytes({1, 1, 1, 0});
+    std::string bomb = kHeader + "-Y 8192 +X 8192\n"; // correct, and 67 million pixels of one colour
+    for (int i = 0; i < 8192; ++i)
+        bomb += pixel + bytes({1, 1, 1, 255, 1, 1, 1, 31});
     const std::pair<const char*, std::string> rows[] = {
         {"not a Radiance picture", "#?SOMETHING\n\n-Y 1 +X 8\n" + lots},
         {"XYZ", "#?RADIANCE\nFORMAT=32-bit_rle_xyze\n\n-Y 1 +X 8\n" + lots},
@@ -83,7 +86,8 @@ TEST(Radiance, MalformedFilesAreRefusedWithTheirReason) {
         {"out of range", kHeader + "-Y 1 +X -8\n" + lots},
         {"out of range", kHeader + "-Y 32768 +X 32768\n" + lots},
         {"too soon", kHeader + "-Y 8192 +X 32768\n" + pixel},
-        {"too soon", kHeader + "-Y 8192 +X 32768\n" + lots},
+        {"far larger", kHeader + "-Y 8192 +X 32768\n" + lots},
+        {"far larger", bomb},
         {"corrupt", line8 + bytes({1, 1, 1, 7}) + lots},         // nothing to repeat
         {"corrupt", line8 + pixel + bytes({1, 1, 1, 8}) + lots}, // one too many
         {"corrupt", line8 + pixel + zeroRuns + "\1\1\1\1"},      // 2^64
