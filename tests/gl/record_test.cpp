@@ -1,13 +1,10 @@
-// The records that hosts fill byte by byte, and the switches of the record room that need no context.
-#include <array>
+// The records that hosts fill byte by byte.
 #include <cstddef>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "NRenderUtl/gl/nglrecord.h"
+#include "NRenderUtl/gl/ngl.h"
 
 namespace {
 
@@ -19,19 +16,6 @@ Offsets layoutOf(const Record& record, const Fields&... fields) {
     const auto start = reinterpret_cast<const char*>(&record);
     return {reinterpret_cast<const char*>(&fields) - start..., sizeof record};
 }
-
-std::string& prompted() {
-    static std::string log;
-    return log;
-}
-
-template <char Kind>
-int onPrompt(const char* message) {
-    prompted() += Kind + std::string(message);
-    return -1;
-}
-
-} // namespace
 
 // The numbers are those of a 64-bit host that declares the records by itself.
 TEST(NglRecords, HaveTheHostsLayout) {
@@ -57,38 +41,4 @@ TEST(NglRecords, HaveTheHostsLayout) {
         (Offsets{0, 8, 12, 16, 20, 24, 28, 32}));
 }
 
-TEST(NglRecordState, MeshScaleFactorCountsFromItsThreshold) {
-    double factor = 42.0;
-    for (const auto& [value, flag] : {std::pair{5e-8, 0}, {1e-7, 1}, {-1e-7, 1}, {-9.9e-8, 0}}) {
-        NglSetMeshScaleFactor(value);
-        EXPECT_EQ(NglGetScaleFactorAndFlag(&factor), flag) << value;
-        EXPECT_EQ(factor, value);
-    }
-    NglResetScaleFactorAndFlag(7, 1e-30);
-    EXPECT_EQ(NglGetScaleFactorAndFlag(&factor), 7);
-}
-
-TEST(NglRecordState, ViewIsModifiedByEachOfThreeCauses) {
-    for (const std::array<int, 4>& row :
-         {std::array{1, 0, 0, 1}, {0, 1, 0, 1}, {0, 0, -1, 1}, {-1, -2, 0, 0}}) {
-        nglRecord().live.viewPushCount = row[0];
-        nglRecord().pushCount3d = row[1];
-        nglRecord().live.transformed = row[2];
-        EXPECT_EQ(viewIsModified(), row[3] == 1) << row[0] << row[1] << row[2];
-    }
-}
-
-TEST(NglRecordState, PromptsReachTheirFunctionsUnlessBlocked) {
-    PromptSetSimple("unheard");
-    NglRegisterPromptFunction(onPrompt<'s'>);
-    NglRegisterNoPumpPromptFunction(onPrompt<'n'>);
-    NglRegisterPromptFunction(nullptr);
-    NglRegisterNoPumpPromptFunction(nullptr);
-    NglBlockPrompts();
-    PromptSetSimple("blocked");
-    SetPromptNoUpdate("blocked");
-    NglUnBlockPrompts();
-    PromptSetSimple("a");
-    SetPromptNoUpdate("b");
-    EXPECT_EQ(prompted(), "sanb");
-}
+} // namespace
