@@ -88,6 +88,8 @@ TEST(NglColor, LookupsStayWithinTheTables) {
 
 TEST(NglColor, BackgroundIsLightFromASumOf382On) {
     const std::vector<NgColorLong> palette(16, 0xFF123456);
+    NglSetWindowBackGroundColor(0xFFFFFF);
+    EXPECT_EQ(NglIsWinBGBlackish(), 1) << "dark as long as there is no palette";
     NglUpdateColor(16, palette.data());
     for (const auto& [background, isDark] : {std::pair{0xFF7F7F7Fu, true}, {0x007F7F80u, false}}) {
         NglSetWindowBackGroundColor(background);

@@ -1,5 +1,7 @@
-// The records that hosts fill byte by byte.
+// The records that hosts fill byte by byte, and the switches beside them.
 #include <cstddef>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -39,6 +41,28 @@ TEST(NglRecords, HaveTheHostsLayout) {
     EXPECT_EQ(
         layoutOf(f, f.pixels, f.framebuffer, f.colorTexture, f.depthTexture, f.width, f.height, f.pixelCount),
         (Offsets{0, 8, 12, 16, 20, 24, 28, 32}));
+}
+
+TEST(NglSwitches, MeshScaleFactorCountsFromItsThresholdOn) {
+    for (const auto& [factor, flag] : {std::pair{5e-8, 0}, {-1e-7, 1}, {2.0, 1}}) {
+        double stored = 0;
+        NglSetMeshScaleFactor(factor);
+        EXPECT_EQ(NglGetScaleFactorAndFlag(&stored), flag) << factor;
+        EXPECT_EQ(stored, factor);
+    }
+}
+
+TEST(NglSwitches, PromptsGoToTheirFunctionUnlessBlocked) {
+    static std::string log;
+    NglRegisterPromptFunction([](const char* text) { return static_cast<int>((log += text).size()); });
+    NglRegisterPromptFunction(nullptr);
+    SetPromptNoUpdate("no function of this kind;");
+    PromptSetSimple("shown;");
+    NglBlockPrompts();
+    PromptSetSimple("blocked;");
+    NglUnBlockPrompts();
+    PromptSetSimple("again;");
+    EXPECT_EQ(log, "shown;again;");
 }
 
 } // namespace

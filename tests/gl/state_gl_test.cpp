@@ -1,7 +1,8 @@
-// Clip planes and the contour texture.
+// Clip planes, lights and the contour texture.
 #include <utility>
 
 #include "NRenderUtl/gl/nglclip.h"
+#include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "tests/gl/testgl.h"
 
@@ -39,6 +40,16 @@ TEST(NglClip, ScopesCallWhatIsRegistered) {
     NglRegisterLoadClipPlaneFunc(nullptr);
     expectScope<NglLoadClipPlanes>("both", "load;", "unload;");
     expectScope<NglUnloadClipPlanes>("both", "unload;", "load;");
+}
+
+using NglStateGl = GlTest;
+
+TEST_F(NglStateGl, EveryLightNumberAboveOneIsTheThirdLight) {
+    EXPECT_EQ(ngl_disable_given_light(7), 0) << "it was off";
+    ngl_enable_given_light(-3);
+    EXPECT_TRUE(glIsEnabled(GL_LIGHT2));
+    EXPECT_EQ(ngl_disable_given_light(7), 1);
+    EXPECT_FALSE(glIsEnabled(GL_LIGHT2));
 }
 
 class ContourTextureGl : public GlTest {
@@ -87,9 +98,14 @@ TEST_F(ContourTextureGl, WithoutTextureOrProviderNothingChanges) {
     EXPECT_EQ(NglEnableTexture(-1), -1);
     NglSetActiveTextureInfo(4, 0.25f, 0.75f);
     EXPECT_EQ(NglEnableTexture(-1), -1) << "the provider had none";
+    NHostServices services{};
+    services.message = [](void*, int kind, const char* text) { calls() += std::to_string(kind) + text; };
+    NHostSetServices(&services);
     NglRegisterGetActiveTextureAttribProc(nullptr);
     NglSetActiveTextureInfo(3, 0.25f, 0.75f);
     EXPECT_EQ(NglGetActiveTextureInfo(), nullptr);
+    EXPECT_EQ(calls(), "0Texture attribute instance can not be realized, contour visualization may be "
+                       "impacted! Please check the use case and fix this");
     EXPECT_TRUE(before.equals(GlSnapshot::take()));
 }
 

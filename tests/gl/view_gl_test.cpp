@@ -57,6 +57,7 @@ const struct {
      [] { glMultMatrixd(&kTurn[0][0]); }, true},
     // The record's inverse is trusted, whatever it is.
     {"nullify", ngl_nullify_view, [] { glMultMatrixd(&kStretch[0][0]); }, true},
+    {"rotate about nothing", [] { ngl_rotate_3d(30, 'q'); }, [] { glRotated(30, 0, 0, 0); }, false},
     {"rotate X", [] { ngl_rotate_3d(30, 'X'); }, [] { glRotated(30, 1, 0, 0); }, false},
     {"rotate y and z", [] { ngl_rotate_3d(30, 'y'), ngl_rotate_3d(30, 'z'); },
      [] { glRotated(30, 0, 1, 0), glRotated(30, 0, 0, 1); }, false},
