@@ -48,23 +48,40 @@ void setView() {
     NglUpdateNglInfo();
 }
 
-// 3. The library draws: a pyramid with its edges.
+// 3. The library draws: the sides of a pyramid, each with vertices of its own so that its normal is its own,
+// and its edges, which are listed once with shared vertices.
 void drawMesh() {
-    double coords[] = {-0.6, -0.6, 0, 0.6, -0.6, 0, 0.6, 0.6, 0, -0.6, 0.6, 0, 0, 0, 0.8};
+    constexpr double kApex[3] = {0, 0, 0.8};
+    constexpr double kBase[4][3] = {{-0.6, -0.6, 0}, {0.6, -0.6, 0}, {0.6, 0.6, 0}, {-0.6, 0.6, 0}};
+    constexpr double kNormals[4][3] = {{0, -0.8, 0.6}, {0.8, 0, 0.6}, {0, 0.8, 0.6}, {-0.8, 0, 0.6}};
+    std::vector<const double*> coords, normals;
+    std::vector<unsigned int> triangles;
+    for (int side = 0; side < 4; ++side)
+        for (const double* corner : {kBase[side], kBase[(side + 1) % 4], kApex}) {
+            triangles.push_back(static_cast<unsigned int>(coords.size()));
+            coords.push_back(corner);
+            normals.push_back(kNormals[side]);
+        }
+    _NgMeshStr* faces = ngl_create_mesh(12, coords.data(), normals.data(), 1, 1, 1);
+    ngl_add_connect(faces, 4, 3, triangles.data(), 1);
+    const double* corners[] = {kBase[0], kBase[1], kBase[2], kBase[3], kApex};
     unsigned int sides[] = {0, 1, 4, 1, 2, 4, 2, 3, 4, 3, 0, 4};
-    unsigned int base[] = {0, 3, 2, 1};
-    _NgMeshStr* mesh = ngl_create_mesh(5, coords, nullptr, 0, 0, 1);
-    ngl_add_connect(mesh, 4, 3, sides, 1);
-    ngl_add_connect(mesh, 1, 4, base, 1);
+    _NgMeshStr* outline = ngl_create_mesh(5, corners, nullptr, 1, 0, 1);
+    ngl_add_connect(outline, 4, 3, sides, 1);
+
     glEnable(GL_DEPTH_TEST);
     glEnable(GL_COLOR_MATERIAL);
     glEnable(GL_LIGHT0);
+    glEnable(GL_POLYGON_OFFSET_FILL); // faces step back, so that their edges are not cut by them
+    glPolygonOffset(1, 1);
     ngl_set_color(10);
-    ngl_mesh(mesh, NglMeshFaces | NglMeshFlat);
-    ngl_set_color(0);
-    ngl_mesh(mesh, NglMeshEdges | NglMeshFlat);
-    NglDestroyMesh(mesh);
-    NHostFree(mesh);
+    ngl_mesh(faces, NglMeshFaces);
+    ngl_set_color(48);
+    ngl_mesh(outline, NglMeshEdges | NglMeshFlat);
+    for (_NgMeshStr* mesh : {faces, outline}) {
+        NglDestroyMesh(mesh);
+        NHostFree(mesh);
+    }
 }
 
 // 4. The host takes the picture. Returns how many pixels differ from the background.
