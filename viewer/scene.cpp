@@ -142,6 +142,14 @@ void drawMesh(_NgMeshStr* mesh, float* values, unsigned int what) {
         ngl_mesh(mesh, what);
 }
 
+/// How far beside an edge its pixels or samples lie, where a sloping face may be nearer: faces step back by
+/// that. Without multisampling a line's pixels lie within half a pixel in the direction of its minor axis.
+float edgeReach_px() {
+    GLint samples = 0;
+    glGetIntegerv(GL_SAMPLES, &samples);
+    return samples > 1 ? 1.0f : 0.6f;
+}
+
 void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
     glBegin(GL_POINTS);
     for (std::int32_t i = 0; i < mesh->vertexCount; ++i) {
@@ -156,7 +164,7 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings)
     : m_bands(makeBands(shown, settings)), m_plainColor(m_bands ? kNoValue : kNeutral),
-      m_edgeMode(settings.edges) {
+      m_edgeMode(settings.edges), m_edgeReach_px(edgeReach_px()) {
     { // what the faces were made from is freed before the edges are made
         FaceMeshes faces(shown, m_bands);
         m_faces = {faces.colored.finish(), faces.plain.finish()};
@@ -223,9 +231,7 @@ void Scene::drawPart(Part& part, Draw draw) {
 }
 
 void Scene::drawFaces() {
-    // A pixel of an edge lies up to half a pixel beside it, where a sloping face may be nearer: faces step
-    // back by that.
-    glPolygonOffset(0.6f, 1.0f);
+    glPolygonOffset(m_edgeReach_px, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
     drawPart(m_faces, [](auto* mesh, float* values) { drawMesh(mesh, values, NglMeshFaces); });
     glDisable(GL_POLYGON_OFFSET_FILL);

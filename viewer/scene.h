@@ -39,6 +39,7 @@ private:
     std::optional<ColorBands> m_bands;
     NgColorLong m_plainColor;
     EdgeMode m_edgeMode;
+    float m_edgeReach_px;
     Part m_faces, m_beams, m_points;
     MeshPtr m_edges;
 };
