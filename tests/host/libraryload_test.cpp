@@ -6,26 +6,14 @@
 
 namespace {
 
-const std::string kWarning = "'NRenderUtl' dll is getting unloaded with application still running!\n";
-
-std::string detachMessage(bool processIsEnding) {
-    ::testing::internal::CaptureStderr();
-    hostLibraryDetach(processIsEnding);
-    return ::testing::internal::GetCapturedStderr();
-}
-
-TEST(LibraryDetach, WarnsOnlyWhenAskedAndTooEarly) {
-    EXPECT_EQ(detachMessage(false), "") << "off by default";
-    NHostEnableUnloadWarning(true);
-    EXPECT_EQ(detachMessage(false), kWarning);
-    EXPECT_EQ(detachMessage(true), "");
-    NHostEnableUnloadWarning(false);
-    EXPECT_EQ(detachMessage(false), "");
-}
-
 // The two ways into a process end it with the warning on: the library's destructor must know the reason. The
 // host that loads it closes its handle before that: the library stays.
 TEST(LibraryProcessEnd, IsNoUnload) {
+    NHostEnableUnloadWarning(true);
+    ::testing::internal::CaptureStderr();
+    hostLibraryDetach(false);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "'NRenderUtl' dll is getting unloaded with application still running!\n");
     for (const std::vector<std::string>& host :
          {std::vector<std::string>{LINKED_HOST}, {LOADING_HOST, SHARED_LIBRARY}}) {
         const nrutest::ProcessResult result = nrutest::runProgram(host);
