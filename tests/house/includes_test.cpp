@@ -1,11 +1,9 @@
 // Reads every #include of the tree: a folder may use what lies below it, and of its neighbours only public
 // headers.
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,9 +28,7 @@ std::string folderOf(const std::string& file) {
 }
 
 bool isPublic(const std::string& header) {
-    std::istringstream words(PUBLIC_HEADERS);
-    return std::find(std::istream_iterator<std::string>(words), {}, header) !=
-           std::istream_iterator<std::string>();
+    return std::string(" " PUBLIC_HEADERS " ").find(" " + header + " ") != std::string::npos;
 }
 
 bool mayInclude(const std::string& file, const std::string& header) {
@@ -47,9 +43,8 @@ bool mayInclude(const std::string& file, const std::string& header) {
     const auto from = kFloors.find(folderOf(file)), to = kFloors.find(folderOf(header));
     if (from == kFloors.end() || to == kFloors.end())
         return false;
-    if (from->first == to->first || from->second > to->second)
-        return true;
-    return from->second == to->second && isPublic(header);
+    return from->first == to->first || from->second > to->second ||
+           (from->second == to->second && isPublic(header));
 }
 
 // Project headers that a source file includes, in either spelling.
@@ -69,8 +64,7 @@ TEST(Includes, PointDownwards) {
     int read = 0;
     for (const char* top : {"NRenderUtl", "viewer", "examples"})
         for (const auto& entry : fs::recursive_directory_iterator(fs::path(PROJECT_SOURCE_DIR) / top)) {
-            const std::string extension = entry.path().extension().string();
-            if (extension != ".h" && extension != ".cpp")
+            if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
                 continue;
             const std::string file = fs::relative(entry.path(), PROJECT_SOURCE_DIR).generic_string();
             for (const std::string& header : includesOf(entry.path())) {

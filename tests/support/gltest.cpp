@@ -8,25 +8,14 @@ namespace nrutest {
 
 namespace {
 
-struct ErrorLog {
+struct {
     int count = 0;
     std::string first;
-};
+} errorLog;
 
-ErrorLog& errorLog() {
-    static ErrorLog log;
-    return log;
-}
-
-void record(const std::string& what) {
-    ErrorLog& log = errorLog();
-    if (log.count++ == 0)
-        log.first = what;
-}
-
-void onDebugMessage(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* message, const void*) {
-    if (type == GL_DEBUG_TYPE_ERROR)
-        record(std::string(message, static_cast<std::size_t>(std::max(length, 0))));
+void onDebugMessage(GLenum, GLenum type, GLuint, GLenum, GLsizei, const GLchar* message, const void*) {
+    if (type == GL_DEBUG_TYPE_ERROR && errorLog.count++ == 0)
+        errorLog.first = message;
 }
 
 } // namespace
@@ -92,7 +81,7 @@ void GlTest::SetUp() {
 
 void GlTest::TearDown() {
     const int errors = takeGlErrors();
-    EXPECT_EQ(errors, 0) << "first GL error: " << errorLog().first;
+    EXPECT_EQ(errors, 0) << "first GL error: " << errorLog.first;
     m_context.destroy();
 }
 
@@ -106,12 +95,12 @@ int GlTest::takeGlErrors() {
     int polled = 0;
     while (GLenum code = glGetError()) {
         ++polled;
-        if (errorLog().count == 0)
-            errorLog().first = "glGetError " + hex(code);
+        if (errorLog.count == 0)
+            errorLog.first = "glGetError " + hex(code);
     }
     // The callback and glGetError report the same errors: count the larger number.
-    const int errors = std::max(polled, errorLog().count);
-    errorLog().count = 0;
+    const int errors = std::max(polled, errorLog.count);
+    errorLog.count = 0;
     return errors;
 }
 
