@@ -34,6 +34,7 @@ std::string big(std::size_t value, int bytes = 4) {
 using PngKind = std::array<const char*, 6>;
 constexpr PngKind kPngs[] = {
     {"RGBA", "0806000000", "00C81E3CFF0ADC820700000000", "", "", "C81E3CFF0ADC820700000000"},
+    {"RGB", "0802000000", "00010203010204050607", "", "", "010203FF010204FF050607FF"},
     {"interlaced", "0806000001", "000102030400090A0B0C0005060708", "", "", "0102030405060708090A0B0C"},
     {"grey 4, transparent", "0400000000", "005AF0", "", "000A", "555555FFAAAAAA00FFFFFFFF"},
     {"grey 16, transparent", "1000000000", "00123412FF80FF", "", "1234", "12121200121212FF808080FF"},

@@ -43,6 +43,7 @@ TEST(NglMesh, MakesCopiesAndDestroysWithoutLeaks) {
     _NgMeshStr* mesh = ngl_create_mesh(3, indirect, normals, 1, 0, 1);
     ngl_add_connect(mesh, 1, 3, triangle, 1);
     ngl_add_connect(mesh, 2, 2, bars, 1);
+    ngl_add_connect(mesh, 1, 1, triangle, 1);
     ngl_process_mesh_edges(mesh);
     _NgMeshStr* copy = nullptr;
     ASSERT_EQ(NglCopyNgMesh(mesh, &copy), 0);
@@ -50,10 +51,11 @@ TEST(NglMesh, MakesCopiesAndDestroysWithoutLeaks) {
 
     EXPECT_EQ(listOf(copy->coords, 9), (std::vector<double>{7, 8, 9, 1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(listOf(copy->normals, 9), listOf(normals, 9));
-    ASSERT_TRUE(copy->blocks && copy->blocks->next && !copy->blocks->next->next);
+    ASSERT_TRUE(copy->blocks && copy->blocks->next && copy->blocks->next->next);
     EXPECT_EQ(listOf(copy->blocks->indices, 3), listOf(triangle, 3));
     EXPECT_EQ(listOf(copy->blocks->next->indices, 4), listOf(bars, 4));
     EXPECT_EQ(copy->blocks->next->elementCount, 2u);
+    EXPECT_EQ(copy->blocks->next->next->next, nullptr);
     EXPECT_EQ(copy->edges, nullptr);
     destroyTwice(copy);
     EXPECT_EQ(NHostLiveBlocks(), 0u);
