@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "tests/viewer/vtkwriter.h"
@@ -19,7 +20,8 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::PrintToString;
 
-const std::string kPath = "/tmp/reader_test_" + std::to_string(getpid());
+const std::string kPath =
+    (std::filesystem::temp_directory_path() / ("reader_test_" + std::to_string(getpid()))).string();
 
 Model readText(const std::string& content) {
     std::ofstream(kPath, std::ios::binary) << content;

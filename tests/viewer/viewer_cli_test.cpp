@@ -1,6 +1,7 @@
 // The program nruview as a user meets it: options, errors, listing, files.
 #include <gtest/gtest.h>
 #include <png.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -37,8 +38,8 @@ SCALARS T double 1
 class ViewerProgram : public ::testing::Test {
 protected:
     void SetUp() override {
-        char name[] = "/tmp/nruviewXXXXXX";
-        m_folder = mkdtemp(name);
+        m_folder = fs::temp_directory_path() / ("nruview_test_" + std::to_string(getpid()));
+        fs::create_directories(m_folder);
         write("two.vtk", kTwoCells);
         write("flat.vtk", kTwoCells.substr(0, kTwoCells.find("VECTORS")));
     }
@@ -78,7 +79,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
     // Arguments besides -o, then a word of the message.
     const std::vector<std::string> rows = {" => FILE",
                                            "@none.vtk => none.vtk",
-                                           "/tmp => /tmp",
+                                           "/usr => /usr",
                                            "@two.vtk --field '' => --field",
                                            "@two.vtk --step 1 => no steps",
                                            "--sample bridge => cantilever",
@@ -109,7 +110,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
 }
 
 TEST_F(ViewerProgram, WhatCannotBeShownOrWrittenIsAnError) {
-    for (const char* output : {"@none/a.png", "/tmp", "/dev/full", "''"})
+    for (const char* output : {"@none/a.png", "/usr", "/dev/full", "''"})
         expectError(nruview(std::string("@two.vtk -o ") + output), output[0] == '/' ? output : "");
     expectError(nruview("@two.vtk", {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}),
                 "no display; -o FILE.png draws without one");
