@@ -19,14 +19,14 @@ namespace {
 constexpr double kTurnRadPerPixel = 0.008;
 constexpr double kZoomPerNotch = 0.88;
 
-struct GlfwSession {
-    GlfwSession() {
+struct GlfwLibrary {
+    GlfwLibrary() {
         if (!glfwInit())
             throw ViewerError("window", "no display; -o FILE.png draws without one");
     }
-    ~GlfwSession() { glfwTerminate(); }
-    GlfwSession(const GlfwSession&) = delete;
-    GlfwSession& operator=(const GlfwSession&) = delete;
+    ~GlfwLibrary() { glfwTerminate(); }
+    GlfwLibrary(const GlfwLibrary&) = delete;
+    GlfwLibrary& operator=(const GlfwLibrary&) = delete;
 };
 
 /// What the callbacks change; the window's user pointer leads here.
@@ -101,7 +101,7 @@ void connect(GLFWwindow* window, Interaction& state) {
 } // namespace
 
 void showWindow(const ShownModel& shown, const Options& options) {
-    const GlfwSession session;
+    const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
     Interaction state{shown, options,
                       fitCamera(options.view, shown.bounds, aspectOf(window), options.perspective)};
