@@ -50,7 +50,7 @@ struct Palette {
 };
 
 struct ColorState {
-    ColorTable libraryTable = schemeTable(0);
+    ColorTable ownTable = schemeTable(0);
     int scheme = 0;
     NgColorLong blending = 0x7F800000; // bits 24 to 31 are the alpha of every issued colour
     NgColorLong highlight = 0xFF2020FF;
@@ -98,7 +98,7 @@ bool isCloseTo(NgColorLong a, NgColorLong b) {
 NgColorLong lookUp(const Palette& palette, int index) {
     if (palette.entries && index >= 0 && index < palette.count)
         return palette.entries[index];
-    return index >= 0 && index < kTableSize ? colors().libraryTable[index] : kWhite;
+    return index >= 0 && index < kTableSize ? colors().ownTable[index] : kWhite;
 }
 
 NgColorLong colorOfIndex(const Palette& palette, int index) {
@@ -140,7 +140,7 @@ void computeComplement(int count, const NgColorLong* source) {
 NgColorLong complementColor(int index) {
     ColorState& state = colors();
     if (!state.complement.entries)
-        NglUpdateColor(kTableSize, state.libraryTable.data());
+        NglUpdateColor(kTableSize, state.ownTable.data());
     return colorOfIndex(state.complement, index);
 }
 
@@ -209,7 +209,7 @@ int NglGetIndexGivenColor(NgColorLong color) {
 }
 
 NgColorLong* NglGetColors() {
-    return colors().libraryTable.data();
+    return colors().ownTable.data();
 }
 
 void NglSetColorScheme(int scheme) {
@@ -221,7 +221,7 @@ void NglSetColorScheme(int scheme) {
     if (scheme < 0 || scheme >= kSchemeCount || NglMaxColor < 1)
         return;
     const ColorTable table = schemeTable(scheme);
-    std::copy_n(table.begin(), std::min(NglMaxColor, kTableSize), state.libraryTable.begin());
+    std::copy_n(table.begin(), std::min(NglMaxColor, kTableSize), state.ownTable.begin());
 }
 
 void NglUpdateColor(int count, const NgColorLong* palette) {
