@@ -166,7 +166,6 @@ ViewMatrices viewMatrices(const Camera& camera, const Bounds& bounds, double asp
     const double far = camera.distance - farthest + pad;
     if (camera.perspective)
         near = std::max(near, 0.01 * camera.distance); // the eye may be inside the box
-    view.depthRange = far - near;
     const double halfHeight = camera.halfHeight;
     view.projection = camera.perspective ? perspective(aspect * halfHeight / camera.distance,
                                                        halfHeight / camera.distance, near, far)

@@ -42,7 +42,6 @@ void turnCamera(Camera& camera, double rightRad, double upRad);
 struct ViewMatrices {
     std::array<double, 16> modelView, projection;
     Point eye;
-    double depthRange; ///< model length between the clip planes
 };
 ViewMatrices viewMatrices(const Camera& camera, const Bounds& bounds, double aspect);
 

@@ -4,9 +4,6 @@
 #include <epoxy/gl.h>
 
 #include <array>
-#include <cmath>
-
-#include "viewer/vectors.h"
 
 namespace nruview {
 
@@ -66,17 +63,9 @@ void beginFrame(const Camera& camera, const Bounds& bounds, int width, int heigh
     setLights();
 
     NglUpdateNglInfo();
-    _NglInfoStr& record = *NglGetNglInfo();
-    record.perspective = camera.perspective ? 1 : 0;
+    NglGetNglInfo()->perspective = camera.perspective ? 1 : 0;
     _NgPoint3Str eye = {view.eye[0], view.eye[1], view.eye[2]};
     ngl_set_camera_position(&eye);
-    // 150 steps of the depth buffer toward the viewer. The library's own value is held between absolute
-    // lengths and made for parallel projections; this one fits models of any size and both projections.
-    int depthBits = 0;
-    glGetIntegerv(GL_DEPTH_BITS, &depthBits);
-    const double step = view.depthRange / (std::ldexp(1.0, depthBits) - 10.0);
-    const Point delta = (150.0 * step) * camera.axes.toward;
-    record.pushDelta = {delta[0], delta[1], delta[2]};
 
     NglSetWindowBackGroundColor(background);
     NglUpdateColor(NglMaxColor, NglGetColors());

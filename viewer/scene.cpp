@@ -253,9 +253,7 @@ void Scene::drawEdges() {
     if (!m_edges)
         return;
     ngl_set_color_long(kEdgeColor);
-    UtlPushViewPoint();
     ngl_mesh(m_edges.get(), m_edgeMode == EdgeMode::All ? NglMeshEdges : NglMeshSilhouette);
-    UtlPopViewPoint();
 }
 
 } // namespace nruview
