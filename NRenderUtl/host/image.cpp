@@ -51,22 +51,18 @@ Image fromHost(const NHostServices& services, decltype(Image::pixels.get()) pixe
 /// The whole file. Gives a reason when it refuses, else null.
 const char* readFile(const fs::path& path, Bytes& bytes) {
     std::error_code failure;
-    if (!fs::exists(path, failure)) {
+    if (!fs::exists(path, failure))
         return "no such file";
-    }
-    if (!fs::is_regular_file(path, failure)) {
+    if (!fs::is_regular_file(path, failure))
         return "not a file";
-    }
     const std::uintmax_t size = fs::file_size(path, failure);
-    if (failure || size > kMaxFileBytes) {
+    if (failure || size > kMaxFileBytes)
         return failure ? "cannot read the file" : "the file is too large";
-    }
     std::ifstream file(path, std::ios::binary);
     bytes.resize(size);
     file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(size));
-    if (!file) {
+    if (!file)
         return "cannot read the file";
-    }
     return bytes.empty() ? "the file is empty" : nullptr;
 }
 
@@ -84,22 +80,20 @@ std::string unsupported(const Signature* found, const char* wanted) {
 
 void decode(const Bytes& bytes, DecodedImage& image) {
     const Signature* found = recognise(bytes);
-    if (found && found->format == Format::Png) {
+    if (found && found->format == Format::Png)
         image = decodePng(bytes);
-    } else if (found && found->format == Format::Jpeg) {
+    else if (found && found->format == Format::Jpeg)
         image = decodeJpeg(bytes);
-    } else {
+    else
         image.error = unsupported(found, "PNG or JPEG");
-    }
 }
 
 void decode(const Bytes& bytes, DecodedFloatImage& image) {
     const Signature* found = recognise(bytes);
-    if (found && found->format == Format::Radiance) {
+    if (found && found->format == Format::Radiance)
         image = decodeRadiance(bytes);
-    } else {
+    else
         image.error = unsupported(found, "Radiance");
-    }
 }
 
 /// Rec. 601 luma, rounded; equal red, green and blue give themselves.
@@ -108,21 +102,18 @@ unsigned char luma(const unsigned char* rgb) {
 }
 
 void convert(const DecodedImage& from, int channels, unsigned char* to) {
-    for (std::size_t i = 0; i < from.rgba.size(); i += 4, to += channels) {
-        if (channels == 1) {
+    for (std::size_t i = 0; i < from.rgba.size(); i += 4, to += channels)
+        if (channels == 1)
             *to = luma(&from.rgba[i]);
-        } else {
+        else
             std::copy_n(&from.rgba[i], channels, to);
-        }
-    }
 }
 
 void convert(const DecodedFloatImage& from, int channels, float* to) {
     for (std::size_t i = 0; i < from.rgb.size(); i += 3, to += channels) {
         std::copy_n(&from.rgb[i], 3, to);
-        if (channels == 4) {
+        if (channels == 4)
             to[3] = 1.0F;
-        }
     }
 }
 
@@ -142,9 +133,8 @@ Image load(const GuStringFileName& path, int channels, std::string& error) {
     }
     const std::size_t values = std::size_t{1} * decoded.width * decoded.height * channels;
     auto* pixels = static_cast<Value*>(NHOST_ALLOCATE(values * sizeof(Value)));
-    if (pixels == nullptr) {
+    if (pixels == nullptr)
         throw std::bad_alloc();
-    }
     convert(decoded, channels, pixels);
     return Image{decoded.width, decoded.height, channels, {pixels, HostImageDeleter()}};
 }
@@ -163,20 +153,18 @@ Image loadOrTell(const GuStringFileName& path, int channels) {
     } catch (const std::bad_alloc&) {
         error = "not enough memory for the image";
     }
-    if (!error.empty()) {
+    if (!error.empty())
         tell(path, error);
-    }
     return image;
 }
 
 } // namespace
 
 void HostImageDeleter::operator()(void* pixels) const {
-    if (freeImage != nullptr) {
+    if (freeImage != nullptr)
         freeImage(context, pixels);
-    } else {
+    else
         NHostFree(pixels);
-    }
 }
 
 HostImageDeleter hostImageDeleter() {
@@ -189,9 +177,8 @@ HostImage hostLoadImage(const GuStringFileName& path, int channels) {
         return {};
     }
     const NHostServices services = hostServices();
-    if (services.loadImage == nullptr) {
+    if (services.loadImage == nullptr)
         return loadOrTell<DecodedImage, HostImage, unsigned char>(path, channels);
-    }
     HostImage image{0, 0, channels, {}};
     auto* pixels =
         services.loadImage(services.context, path.Utf8().c_str(), channels, &image.width, &image.height);
@@ -204,9 +191,8 @@ HostFloatImage hostLoadFloatImage(const GuStringFileName& path, int channels) {
         return {};
     }
     const NHostServices services = hostServices();
-    if (services.loadFloatImage == nullptr) {
+    if (services.loadFloatImage == nullptr)
         return loadOrTell<DecodedFloatImage, HostFloatImage, float>(path, channels);
-    }
     HostFloatImage image{0, 0, channels, {}};
     auto* pixels =
         services.loadFloatImage(services.context, path.Utf8().c_str(), channels, &image.width, &image.height);

@@ -48,9 +48,8 @@ bool isHarmless(int code) {
 }
 
 void onMessage(j_common_ptr info, int level) {
-    if (level < 0 && !isHarmless(info->err->msg_code)) {
+    if (level < 0 && !isHarmless(info->err->msg_code))
         onError(info);
-    }
 }
 
 void onOutput(j_common_ptr) {}
@@ -73,9 +72,8 @@ JpegReader::JpegReader() {
 }
 
 bool readHeader(JpegReader& reader, std::span<const std::uint8_t> data) {
-    if (setjmp(reader.jump) != 0) {
+    if (setjmp(reader.jump) != 0)
         return false;
-    }
     jpeg_create_decompress(&reader.info);
     reader.info.progress = &reader.progress;
     jpeg_mem_src(&reader.info, data.data(), static_cast<unsigned long>(data.size()));
@@ -91,9 +89,8 @@ bool couldHoldPixels(const JpegReader& reader, std::size_t fileBytes) {
 
 /// Rows as RGBA, or as CMYK where the file has four components.
 bool readRows(JpegReader& reader, unsigned char* pixels) {
-    if (setjmp(reader.jump) != 0) {
+    if (setjmp(reader.jump) != 0)
         return false;
-    }
     reader.info.out_color_space = reader.info.num_components == 4 ? JCS_CMYK : JCS_EXT_RGBA;
     jpeg_start_decompress(&reader.info);
     while (reader.info.output_scanline < reader.info.output_height) {
@@ -109,9 +106,8 @@ void cmykToRgba(std::vector<unsigned char>& pixels, bool complemented) {
     const auto light = [&](unsigned ink) { return complemented ? ink : 255 - ink; };
     for (std::size_t i = 0; i < pixels.size(); i += 4) {
         const unsigned paper = light(pixels[i + 3]);
-        for (std::size_t channel = i; channel < i + 3; ++channel) {
+        for (std::size_t channel = i; channel < i + 3; ++channel)
             pixels[channel] = static_cast<unsigned char>((light(pixels[channel]) * paper + 127) / 255);
-        }
         pixels[i + 3] = 255;
     }
 }
@@ -130,23 +126,18 @@ DecodedImage corrupt(const JpegReader& reader) {
 
 DecodedImage decodeJpeg(std::span<const std::uint8_t> data) {
     JpegReader reader;
-    if (!readHeader(reader, data)) {
+    if (!readHeader(reader, data))
         return corrupt(reader);
-    }
     const jpeg_decompress_struct& info = reader.info;
-    if (!imageSizeAllowed(info.image_width, info.image_height)) {
+    if (!imageSizeAllowed(info.image_width, info.image_height))
         return refused("image size is out of range");
-    }
-    if (!couldHoldPixels(reader, data.size())) {
+    if (!couldHoldPixels(reader, data.size()))
         return refused("image data end too soon");
-    }
     DecodedImage image{static_cast<int>(info.image_width), static_cast<int>(info.image_height), {}, {}};
     image.rgba.resize(std::size_t{info.image_width} * info.image_height * 4);
-    if (!readRows(reader, image.rgba.data())) {
+    if (!readRows(reader, image.rgba.data()))
         return corrupt(reader);
-    }
-    if (info.out_color_space == JCS_CMYK) {
+    if (info.out_color_space == JCS_CMYK)
         cmykToRgba(image.rgba, info.saw_Adobe_marker);
-    }
     return image;
 }

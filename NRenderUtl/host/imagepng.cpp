@@ -36,9 +36,8 @@ void onWarning(png_structp, png_const_charp) {}
 
 void onRead(png_structp png, png_bytep out, std::size_t bytes) {
     auto* reader = static_cast<PngReader*>(png_get_io_ptr(png));
-    if (bytes > reader->rest.size()) {
+    if (bytes > reader->rest.size())
         png_error(png, "file ends too soon");
-    }
     std::memcpy(out, reader->rest.data(), bytes);
     reader->rest = reader->rest.subspan(bytes);
 }
@@ -52,9 +51,8 @@ bool create(PngReader& reader) {
 /// Everything before the pixels. Chunks that do not change raw sample values are skipped, so that only a
 /// fault in what makes the picture refuses it; checksums are checked in all of them.
 bool readHeader(PngReader& reader) {
-    if (setjmp(png_jmpbuf(reader.png)) != 0) {
+    if (setjmp(png_jmpbuf(reader.png)) != 0)
         return false;
-    }
     png_set_read_fn(reader.png, &reader, onRead);
     png_set_keep_unknown_chunks(reader.png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_set_crc_action(reader.png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
@@ -74,13 +72,11 @@ void askForRgba(PngReader& reader) {
 }
 
 bool readPixels(PngReader& reader, png_bytepp rows, std::size_t rowBytes) {
-    if (setjmp(png_jmpbuf(reader.png)) != 0) {
+    if (setjmp(png_jmpbuf(reader.png)) != 0)
         return false;
-    }
     askForRgba(reader);
-    if (png_get_rowbytes(reader.png, reader.info) != rowBytes) {
+    if (png_get_rowbytes(reader.png, reader.info) != rowBytes)
         png_error(reader.png, "unexpected row size");
-    }
     png_read_image(reader.png, rows);
     png_read_end(reader.png, nullptr);
     return true;
@@ -106,26 +102,21 @@ DecodedImage corrupt(const PngReader& reader) {
 
 DecodedImage decodePng(std::span<const std::uint8_t> data) {
     PngReader reader(data);
-    if (!create(reader)) {
+    if (!create(reader))
         return refused("no memory for the PNG reader");
-    }
-    if (!readHeader(reader)) {
+    if (!readHeader(reader))
         return corrupt(reader);
-    }
     const std::int64_t width = png_get_image_width(reader.png, reader.info);
     const std::int64_t height = png_get_image_height(reader.png, reader.info);
-    if (!imageSizeAllowed(width, height)) {
+    if (!imageSizeAllowed(width, height))
         return refused("image size is out of range");
-    }
-    if (!couldHoldPixels(reader, data.size(), width * height)) {
+    if (!couldHoldPixels(reader, data.size(), width * height))
         return refused("image data end too soon");
-    }
     DecodedImage image{static_cast<int>(width), static_cast<int>(height), {}, {}};
     const auto rowBytes = static_cast<std::size_t>(width) * 4;
     image.rgba.resize(rowBytes * height);
     std::vector<png_bytep> rows(static_cast<std::size_t>(height));
-    for (std::size_t y = 0; y < rows.size(); ++y) {
+    for (std::size_t y = 0; y < rows.size(); ++y)
         rows[y] = image.rgba.data() + y * rowBytes;
-    }
     return readPixels(reader, rows.data(), rowBytes) ? std::move(image) : corrupt(reader);
 }
