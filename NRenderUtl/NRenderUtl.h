@@ -6,3 +6,4 @@
 #include "NRenderUtl/markers/nmarkers.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/ntypes.h"
+#include "NRenderUtl/shaders/nshaders.h"

@@ -1,7 +1,8 @@
 // Mesh and field rendering: the colour scale with its texture attributes, the library's mesh record with
-// picking, and mesh drawing.
+// picking, mesh drawing, and the element mesh.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "NRenderUtl/ntypes.h"
@@ -173,3 +174,149 @@ NRENDERUTL_API void ngl_mesh(_NgMeshStr* mesh, unsigned int flags);
 /// The same with one value per vertex as coordinate of the texture that the caller has bound to unit 0 and
 /// enabled. Null values draw nothing; while a mesh scale factor is set, faces are drawn without the values.
 NRENDERUTL_API void ngl_mesh_contour_draw(_NgMeshStr* mesh, unsigned int flags, float* values);
+
+// --- element mesh ------------------------------------------------------------------------------------------
+
+namespace ngl {
+
+/// Nodes and faces as NglElementMesh::Create takes them. The arrays are read during the call and not kept.
+struct NglElementMeshInput {
+    std::uint32_t nodeCount = 0;
+    const double* nodes = nullptr;  ///< nodeCount x 3, model space
+    const float* normals = nullptr; ///< nodeCount x 3, unit; null: made from the faces
+    std::uint32_t triangleCount = 0;
+    const std::uint32_t* triangles = nullptr;        ///< triangleCount x 3 node indices, counter-clockwise
+    const std::uint32_t* triangleElements = nullptr; ///< element number of each; null: 0, 1, 2, ...
+    std::uint32_t quadCount = 0;
+    const std::uint32_t* quads = nullptr;        ///< quadCount x 4 node indices, counter-clockwise
+    const std::uint32_t* quadElements = nullptr; ///< null: triangleCount, triangleCount + 1, ...
+    std::uint32_t elementCount = 0;              ///< 0: one more than the largest element number
+    /// Faces that meet at a larger angle do not share a made normal; 180 and more: all about a node do.
+    double creaseDeg = 30.0;
+};
+
+/// The elements that a change is for. A list is read during the call and not kept.
+struct NglElements {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+    const std::uint32_t* list = nullptr; ///< count element numbers; null: first, first + 1, ...
+
+    static NglElements One(std::uint32_t element) { return {element, 1, nullptr}; }
+    static NglElements Range(std::uint32_t first, std::uint32_t count) { return {first, count, nullptr}; }
+    static NglElements List(const std::uint32_t* list, std::uint32_t count) { return {0, count, list}; }
+};
+
+enum NglElementShading : int {
+    NglElementSmooth,  ///< normals of the nodes
+    NglElementFlat,    ///< a normal for each triangle
+    NglElementNormals, ///< a normal for each face as given: both halves of a warped quad in one shade
+};
+
+enum NglElementSelection : int {
+    NglElementNotSelected = 0,
+    NglElementSelected = 1,
+    NglElementHighlighted = 2
+};
+
+/// Which programs draw. What is wanted and not to be had falls back to the next possible, down to the last.
+enum NglElementRoute : int {
+    NglElementRouteAutomatic, ///< the fastest that gives the picture
+    NglElementRouteMesh,      ///< RenderShaderMesh
+    NglElementRouteGeometry,  ///< RenderShaderMeshTriangles and RenderShaderMeshQuads
+    NglElementRouteFixed,     ///< fixed function
+};
+
+/// How an element mesh is drawn.
+struct NglElementAttributes {
+    NglElementShading shading = NglElementSmooth;
+    NglElementRoute route = NglElementRouteAutomatic;
+    NgColorLong color = 0xFFC0C0C0; ///< where nothing else colours; its alpha is ignored
+    bool frontAndBack = false;      ///< the next two by facing, in place of color
+    NgColorLong frontColor = 0xFFC0C0C0, backColor = 0xFF808080;
+    bool lit = true;
+    bool contour = true;  ///< values in the colours of the scale, where there are both
+    float opacity = 1.0f; ///< below 1: transparent, back faces first, without writing depth
+    int clipFlag = 0;     ///< 1 leaves out elements of clip code 2 and above, 3 those of 2 and below
+    int failureMode = 0;  ///< 1 level >= lower fails, 2 level < upper fails, 3 both; see SetFailureLevels
+    int failureLevel = 0;
+};
+
+/// What NglElementMesh::Pick found. Distances are in model units.
+struct NglElementPick {
+    std::uint32_t element; ///< element number
+    std::uint32_t face;    ///< triangles first, then quads, as given
+    std::uint32_t edge[2]; ///< nodes of the nearest edge of that face
+    std::uint32_t node;    ///< nearest node of that face
+    _NgPoint3Str point;    ///< where the ray meets the face, model space
+    double distance;       ///< from the ray's start to point
+    double edgeDistance;   ///< from point to the edge
+    double nodeDistance;   ///< from point to the node
+};
+
+/// A finite-element surface on the GPU: geometry in buffers, what is known of each element (shown, selected,
+/// coloured, clipped, failing) in texture buffers, so that changing it uploads no geometry. It draws with the
+/// catalogue's mesh programs, or the same picture through fixed function where IsFastRendererEnabled is 0.
+/// Positions are kept in single precision about an origin of the mesh's own, and drawn with the record's
+/// double-precision model-view where GL holds the same: coordinates may lie far from zero.
+/// Only Draw calls GL, and Clear and the destructor as RenderGLBuffer does. Setters return 0; -1, with
+/// nothing changed, for an element out of range, a null array or a call before Create; -2 without memory.
+class NRENDERUTL_API NglElementMesh {
+public:
+    NglElementMesh();
+    ~NglElementMesh();
+    NglElementMesh(NglElementMesh&&) noexcept;
+    NglElementMesh& operator=(NglElementMesh&&) noexcept;
+
+    std::uint32_t ElementCount() const;
+    std::uint32_t NodeCount() const;
+    const NglElementAttributes& Attributes() const;
+    /// Whether the element is drawn under the attributes: neither clipped nor failing, and visible, selected
+    /// or highlighted.
+    bool IsElementShown(std::uint32_t element) const;
+
+    void SetAttributes(const NglElementAttributes& attributes);
+    /// The scale for the values, copied; null or one without bands: no contour.
+    int SetColorScale(const RenderColorScale* scale);
+    /// One value for each node, or for each element; NaN takes the out-of-range minimum colour. The last call
+    /// counts; null takes the values away.
+    int SetNodeValues(const float* values);
+    int SetElementValues(const float* values);
+    /// The values of some elements, in their order.
+    int SetElementValues(const NglElements& elements, const float* values);
+
+    int SetVisible(const NglElements& elements, bool visible);
+    int SetSelection(const NglElements& elements, NglElementSelection selection);
+    /// Elements' own colours (alpha ignored); one for all, or one each in their order. ClearColors takes them
+    /// away.
+    int SetColor(const NglElements& elements, NgColorLong color);
+    int SetColors(const NglElements& elements, const NgColorLong* colors);
+    int ClearColors(const NglElements& elements);
+    /// Clip code 0 to 255; 0 at start.
+    int SetClipCode(const NglElements& elements, int code);
+    /// The two failure levels, -1 = none, as at start. In mode 1 an element fails when the current level is
+    /// at or above lower, in mode 2 when it is below upper; mode 3 joins them, and with lower < upper only
+    /// the second counts. lower and upper of SetFailureLevels hold a level for each element in turn.
+    int SetFailureLevel(const NglElements& elements, int lower, int upper);
+    int SetFailureLevels(const NglElements& elements, const int* lower, const int* upper);
+
+    /// Takes over a surface; facts and values start anew, attributes and scale stay. -1 for missing arrays, a
+    /// node or element out of range, or positions that are not finite; -2 without memory: what was there
+    /// stays then.
+    int Create(const NglElementMeshInput& input);
+    /// Frees everything that Create made.
+    void Clear();
+    /// Draws with the record's view, lights and materials under GL's current state; changes it only while
+    /// drawing. Returns 0, also when there is nothing to draw.
+    int Draw();
+    /// The first shown face that the ray from start through end meets. False, *picked untouched, when it
+    /// meets none or has no direction. The first pick prepares a tree over the faces.
+    bool Pick(const _NgPoint3Str* start, const _NgPoint3Str* end, NglElementPick* picked);
+    /// The same through a window pixel, y from the top, with the record's view.
+    bool PickPixel(int x, int y, NglElementPick* picked);
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace ngl
