@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/host/hostutl.h"
 
 namespace {
 
@@ -104,5 +105,5 @@ bool GLeeEnabled(int capability) {
 }
 
 bool glContextIsCurrent() {
-    return epoxy_gl_version() != 0;
+    return !hostThreadIsEnding() && epoxy_gl_version() != 0;
 }

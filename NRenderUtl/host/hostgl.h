@@ -24,5 +24,6 @@ enum GLeeCapability {
 int GLeeInit();
 /// Whether a capability of the table is present; false for an unknown number and before GLeeInit.
 bool GLeeEnabled(int capability);
-/// Whether a context is current, without touching one.
+/// Whether GL can be called: a context is current on this thread, and the process is not ending, when the
+/// driver may be gone. Touches no context.
 bool glContextIsCurrent();

@@ -51,3 +51,6 @@ bool hostEqual(double a, double b);
 
 /// What happens when the library is detached from the process; see NHostEnableUnloadWarning.
 void hostLibraryDetach(bool processIsEnding);
+/// Whether the calling thread is past its end, as the one that runs the process's exit handlers is. A thread
+/// is watched from its first call on.
+bool hostThreadIsEnding();

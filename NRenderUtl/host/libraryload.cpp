@@ -23,6 +23,14 @@ LoadState& state() {
     return state;
 }
 
+thread_local bool threadIsEnding = false;
+
+/// The objects of a thread are destroyed before every static object and every exit handler, the driver's own
+/// included, in whatever order those came to be.
+struct ThreadEndWatch {
+    ~ThreadEndWatch() { threadIsEnding = true; }
+};
+
 #ifdef _WIN32
 
 void watchProcessEnd() {} // the loader tells
@@ -52,6 +60,11 @@ void __localFnToKeepNRenderUtlDllLoaded() {}
 void NHostEnableUnloadWarning(bool enable) noexcept {
     watchProcessEnd();
     state().unloadWarning = enable;
+}
+
+bool hostThreadIsEnding() {
+    static thread_local ThreadEndWatch watch;
+    return threadIsEnding;
 }
 
 void hostLibraryDetach(bool processIsEnding) {

@@ -156,7 +156,8 @@ public:
 
     /// Builds the program, once for an object: one vertex string, fragment and (count above 0) geometry
     /// strings joined in their order. geometryInputKind: 3 triangles to triangles, 4 four-vertex adjacency to
-    /// a strip of 4, 2 the same to a line strip of 5. False, without a message, when it does not link.
+    /// a strip of 4, 2 the same to a line strip of 5; layouts in the sources win. False, without a message,
+    /// when the program does not link, the driver lacks a stage or no context is current.
     bool CompileProgram(const char* vertexSource, int fragmentCount, const char** fragmentSources,
                         int geometryCount, const char** geometrySources, int geometryInputKind);
     /// Writes the driver's log as console message when the program cannot run in the present state.
@@ -165,9 +166,10 @@ public:
     void DeleteProgram();
     /// Makes the program current, or none.
     void UseProgram(bool on);
+    /// A negative index, as of an attribute that the program lacks, does nothing.
     void EnableDisableVertexAttribute(int index, bool enable);
     /// Enables array index and points it at tightly packed vertices of `components` floats: client memory, or
-    /// an offset into the buffer bound.
+    /// an offset into the buffer bound. A negative index does nothing.
     void SetVertexAttribute(int index, int components, const float* data);
 
 protected:
@@ -190,7 +192,8 @@ private:
 
 // --- catalogue and rendering switches ----------------------------------------------------------------------
 
-/// Reads the settings "DISPLAY_OPTIMIZED_SPH" and "NU_RENDERING_MODE" into the switches, once.
+/// Reads the setting "DISPLAY_OPTIMIZED_SPH" and the environment variable "NU_RENDERING_MODE" (1: fast
+/// renderer and geometry stages off, 2: on) into the switches, once.
 NRENDERUTL_API void InitRenderDefaults();
 /// Decides optimized rendering and builds the catalogue, once; tells its decision on the console. Needs a
 /// current context after NglInitGLExtensions. Returns 0 whatever the decision.
