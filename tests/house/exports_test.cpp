@@ -26,7 +26,9 @@ std::vector<std::string> tokensOf(const std::string& header) {
     text =
         std::regex_replace(text, std::regex(R"(/\*[^]*?\*/|//[^\n]*|\n\s*#(\\\n|[^\n])*|"[^"\n]*")"), "\n");
     const std::regex token(R"(\w+|[{}();:=])");
-    return {std::sregex_token_iterator(text.begin(), text.end(), token), {}};
+    std::vector<std::string> tokens(std::sregex_token_iterator(text.begin(), text.end(), token), {});
+    tokens.push_back(";"); // every token has one after it
+    return tokens;
 }
 
 /// Collects the qualified names that a header marks. It follows the scopes around them: one entry for each
