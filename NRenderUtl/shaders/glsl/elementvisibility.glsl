@@ -1,0 +1,33 @@
+// Which elements are drawn, and in which colour of their own.
+
+uniform int g_bem;
+uniform int g_bao;
+uniform int g_behs;
+uniform int g_nvlp;
+uniform isamplerBuffer g_osbuff;  // 0 = hidden
+uniform isamplerBuffer g_shcbuff; // 1 = selected, 2 = highlighted
+uniform isamplerBuffer g_mcbuff;  // colour 0 to 255, in a 1 = the element has one
+uniform vec3 g_es_col;
+uniform vec3 g_eh_col;
+
+// Whether an element is drawn. `selected` is true for a highlighted element too. color becomes that of its
+// selection, else its own, else stays.
+bool isElementVisible(int element, int derived, inout vec4 color, out bool ownColor, out bool selected) {
+    bool visible = true;
+    if ((derived == 1 && g_nvlp == 1) || g_bao == 0)
+        visible = texelFetch(g_osbuff, element).r != 0;
+
+    int selection = g_behs == 1 ? texelFetch(g_shcbuff, element).r : 0;
+    selected = selection == 1 || selection == 2;
+    if (selected)
+        color = vec4(selection == 1 ? g_es_col : g_eh_col, 1.0);
+
+    ownColor = false;
+    if (g_bem == 1 && !selected) {
+        ivec4 texel = texelFetch(g_mcbuff, element);
+        ownColor = texel.a == 1;
+        if (ownColor)
+            color = vec4(texel.rgb, color.a) / 255.0; // deliberate: the alpha is scaled down as well
+    }
+    return visible || selected || ownColor;
+}

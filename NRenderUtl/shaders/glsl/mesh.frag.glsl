@@ -1,0 +1,100 @@
+#version 150 compatibility
+#extension GL_EXT_gpu_shader4 : enable
+// Fragment stage of the mesh program without a geometry stage: tests and colours the element of each fragment.
+
+in VertexData {
+    vec3 position;
+    vec4 color;
+    vec2 texcoord;
+    vec3 normal;
+    flat int sharp;
+#ifdef ELEMENT_ATTRIBUTE
+    flat int primitive;
+#endif
+} VertexIn;
+
+uniform int g_bd;
+uniform int g_nfconn;
+uniform int g_bct;
+uniform int g_ct;
+uniform int g_use_clr_scale;
+uniform int g_bw;
+uniform int g_bsw;
+uniform int g_bfbcol;
+uniform vec4 g_fcolor;
+uniform vec4 g_bcolor;
+uniform int g_transparent;
+uniform float g_alphavalue;
+uniform int g_smooth;
+uniform int g_useelemnormbuff;
+uniform mat4 g_normalmat;
+uniform isamplerBuffer g_fpbuff;
+uniform isamplerBuffer g_dbuff;
+uniform isamplerBuffer g_fporgconnbuff;
+uniform samplerBuffer g_elnormbuff;
+
+bool isElementClipped(int element);
+bool isElementFailing(int element);
+bool isElementVisible(int element, int derived, inout vec4 color, out bool ownColor, out bool selected);
+vec4 lightColor(vec4 color, vec3 position, vec3 normal);
+void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, out vec4 color);
+
+int primitiveNumber() {
+#ifdef ELEMENT_ATTRIBUTE
+    return VertexIn.primitive;
+#else
+    return gl_PrimitiveID;
+#endif
+}
+
+int elementOf(int primitive) {
+    if (g_nfconn == 1)
+        return texelFetch(g_fpbuff, primitive).r;
+    return g_bd == 1 ? texelFetch(g_dbuff, primitive).r : primitive;
+}
+
+vec3 elementNormal(int primitive) {
+    if (g_nfconn == 1)
+        primitive = texelFetch(g_fporgconnbuff, primitive).r;
+    vec3 normal = texelFetch(g_elnormbuff, primitive).xyz;
+    return (g_normalmat * vec4(normal, 1.0)).xyz;
+}
+
+vec3 fragmentNormal(int primitive) {
+    if (g_smooth == 1)
+        return normalize(VertexIn.normal);
+    if (g_useelemnormbuff == 1)
+        return normalize(elementNormal(primitive));
+    return normalize(cross(dFdy(VertexIn.position), dFdx(VertexIn.position)));
+}
+
+void main() {
+    int primitive = primitiveNumber();
+    vec3 normal = fragmentNormal(primitive); // before any discard, which leaves derivatives undefined
+    int element = elementOf(primitive);
+    if (isElementClipped(element) || (g_nfconn == 0 && isElementFailing(element)))
+        discard;
+    vec4 elementColor = VertexIn.color;
+    bool ownColor, selected;
+    if (!isElementVisible(element, g_bd, elementColor, ownColor, selected))
+        discard;
+
+    vec4 color = VertexIn.color;
+    if (g_bfbcol == 1 && g_bw == 0)
+        color = gl_FrontFacing ? g_fcolor : g_bcolor;
+    bool contour = g_bct == 1 && !selected;
+    if (g_bw == 0) {
+        vec4 base = contour ? vec4(1.0) : selected || ownColor ? elementColor : color;
+        color = lightColor(base, VertexIn.position, normal);
+    } else {
+        color = contour ? vec4(1.0) : g_bsw == 1 ? color : elementColor;
+    }
+    if (contour) {
+        vec4 contourColor;
+        getContourColor(g_use_clr_scale, element, g_ct, VertexIn.texcoord, contourColor);
+        color *= contourColor;
+    }
+    if (g_transparent == 1)
+        color.a = g_alphavalue;
+    gl_FragColor = color;
+}

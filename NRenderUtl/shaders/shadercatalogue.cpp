@@ -1,0 +1,172 @@
+// The catalogue of programs: which sources make which, and the start-up that decides on optimized rendering.
+#include "NRenderUtl/shaders/shadercatalogue.h"
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/shaders/gllabel.h"
+#include "NRenderUtl/shaders/programinuse.h"
+#include "NRenderUtl/shaders/renderswitches.h"
+#include "NRenderUtl/shaders/samplerunits.h"
+#include "NRenderUtl/shaders/shadersources.h"
+#include "NRenderUtl/shaders/texturebufferprobe.h"
+
+namespace {
+
+using Sources = std::vector<const char*>; ///< main source first
+
+struct Composition {
+    const char* label;
+    Sources vertex, geometry, fragment;
+    int geometryInputKind;
+};
+
+const Composition& compositionOf(_RenderingShaderType type) {
+    static const Sources meshGeometryFragment = {kMeshGeometryFragmentMain, kLightingLibrary,
+                                                 kColorBandLibrary};
+    static const std::array<Composition, 4> compositions = {{
+        {"NRenderUtl mesh",
+         {kMeshVertexMain},
+         {},
+         {kMeshFragmentMain, kLightingLibrary, kColorBandLibrary, kElementVisibilityLibrary,
+          kVisibilityListLibrary},
+         0},
+        {"NRenderUtl mesh triangles",
+         {kMeshVertexMain},
+         {kMeshTriangleGeometryMain, kConnectivityLibrary, kLightingLibrary, kElementVisibilityLibrary,
+          kVisibilityListLibrary},
+         meshGeometryFragment,
+         3},
+        {"NRenderUtl mesh quads",
+         {kMeshVertexMain},
+         {kMeshQuadGeometryMain, kConnectivityLibrary, kLightingLibrary, kElementVisibilityLibrary,
+          kVisibilityListLibrary},
+         meshGeometryFragment,
+         4},
+        {"NRenderUtl points",
+         {kPointVertexMain},
+         {},
+         {kPointFragmentMain, kLightingLibrary, kColorBandLibrary, kElementVisibilityLibrary},
+         0},
+    }};
+    return compositions[type - RenderShaderMesh];
+}
+
+/// A main source with a name defined right after its version line.
+std::string withDefine(const char* source, const char* define) {
+    std::string text = source;
+    if (define)
+        text.insert(text.find('\n') + 1, "#define " + std::string(define) + "\n");
+    return text;
+}
+
+struct Catalogue {
+    bool initialised = false;
+    std::array<ComposedProgram, 4> programs;
+
+    ComposedProgram& program(_RenderingShaderType type) { return programs[type - RenderShaderMesh]; }
+    bool build(_RenderingShaderType type) { return program(type).build(type); }
+};
+
+Catalogue& catalogue() {
+    static Catalogue catalogue;
+    return catalogue;
+}
+
+void switchOff(int kind, const char* message) {
+    renderSwitches().fastRenderer = 0;
+    renderSwitches().geometryShaderRendering = 0;
+    hostMessage(kind, message);
+}
+
+void switchGeometryStagesOff(int kind, const char* message) {
+    renderSwitches().geometryShaderRendering = 0;
+    hostMessage(kind, message);
+}
+
+bool textureBuffersWork() {
+    TextureBufferProbe probe;
+    return probe.run();
+}
+
+void buildGeometryPrograms() {
+    const bool triangles = catalogue().build(RenderShaderMeshTriangles);
+    const bool quads = catalogue().build(RenderShaderMeshQuads);
+    if (!triangles || !quads)
+        switchGeometryStagesOff(NHostMessageStatus, "\nOptimized smooth shaded rendering is disabled\n");
+}
+
+void buildPointProgram() {
+    if (catalogue().build(RenderShaderPoints)) {
+        hostMessage(NHostMessageStatus, "\nOptimized rendering is enabled\n");
+        return;
+    }
+    // Deliberate: the fast renderer stays on, as the mesh programs can be used.
+    renderSwitches().sphereShaderRendering = 0;
+    renderSwitches().optimizedSph = 0;
+    hostMessage(NHostMessageStatus, "\nOptimized rendering is disabled\n");
+}
+
+void buildCatalogue() {
+    if (!catalogue().build(RenderShaderMesh)) {
+        switchOff(NHostMessageStatus, "\nOptimized rendering is disabled\n");
+        return;
+    }
+    if (renderSwitches().geometryShaderRendering == 1)
+        buildGeometryPrograms();
+    buildPointProgram();
+}
+
+void startUp() {
+    if (!NglIsShaderSupported()) {
+        switchOff(NHostMessageAdvice,
+                  "\nPlease update your graphic card to benefit from our optimized rendering\n");
+        return;
+    }
+    if (renderSwitches().geometryShaderRendering == 1 && !GLeeEnabled(GLeeGeometryStage) &&
+        !GLeeEnabled(GLeeGeometryStageExt))
+        switchGeometryStagesOff(
+            NHostMessageAdvice,
+            "\nPlease update your graphic card to benefit from our optimized smooth shaded rendering\n");
+    if (!textureBuffersWork()) {
+        switchOff(NHostMessageAdvice,
+                  "\nPlease update your graphic card driver to benefit from our optimized rendering\n");
+        return;
+    }
+    buildCatalogue();
+}
+
+} // namespace
+
+bool ComposedProgram::build(_RenderingShaderType type, const char* define) {
+    const Composition& composition = compositionOf(type);
+    const std::string vertex = withDefine(composition.vertex.front(), define);
+    const std::string fragmentMain = withDefine(composition.fragment.front(), define);
+    Sources fragment = composition.fragment, geometry = composition.geometry;
+    fragment.front() = fragmentMain.c_str();
+    if (!CompileProgram(vertex.c_str(), static_cast<int>(fragment.size()), fragment.data(),
+                        static_cast<int>(geometry.size()), geometry.data(), composition.geometryInputKind))
+        return false;
+    labelGlObject(GL_PROGRAM, static_cast<GLuint>(m_program), composition.label);
+    assignSamplerUnits(*this);
+    return true;
+}
+
+int RenderingInitShaders() {
+    if (!catalogue().initialised) {
+        catalogue().initialised = true;
+        startUp();
+    }
+    return 0;
+}
+
+NShaderProgram* RenderingGetShaderProgram(_RenderingShaderType type) {
+    if (type < RenderShaderMesh || type > RenderShaderPoints)
+        return nullptr;
+    NShaderProgram& program = catalogue().program(type);
+    program.SetShaderTypeAttached(type);
+    return &program;
+}
