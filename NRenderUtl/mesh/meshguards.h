@@ -98,6 +98,84 @@ private:
     GLint m_object = 0;
 };
 
+/// Keeps groups of GL's attribute stack.
+class AttributesGuard {
+public:
+    explicit AttributesGuard(GLbitfield groups) { glPushAttrib(groups); }
+    ~AttributesGuard() { glPopAttrib(); }
+    AttributesGuard(const AttributesGuard&) = delete;
+    AttributesGuard& operator=(const AttributesGuard&) = delete;
+};
+
+/// Replaces the matrix of a mode, outside its stack, which may be full. The matrix mode is kept.
+class MatrixGuard {
+public:
+    MatrixGuard(GLenum mode, const double matrix[16]) : m_mode(mode) {
+        glGetDoublev(query(), m_matrix);
+        load(matrix);
+    }
+    ~MatrixGuard() { load(m_matrix); }
+    MatrixGuard(const MatrixGuard&) = delete;
+    MatrixGuard& operator=(const MatrixGuard&) = delete;
+
+private:
+    GLenum query() const {
+        return m_mode == GL_MODELVIEW    ? GL_MODELVIEW_MATRIX
+               : m_mode == GL_PROJECTION ? GL_PROJECTION_MATRIX
+                                         : GL_TEXTURE_MATRIX;
+    }
+    void load(const double* matrix) {
+        GLint mode;
+        glGetIntegerv(GL_MATRIX_MODE, &mode);
+        glMatrixMode(m_mode);
+        glLoadMatrixd(matrix);
+        glMatrixMode(static_cast<GLenum>(mode));
+    }
+    const GLenum m_mode;
+    GLdouble m_matrix[16];
+};
+
+/// The active texture unit without a sampler object, which would override the texture's own parameters.
+class NoSamplerGuard {
+public:
+    NoSamplerGuard() {
+        if (epoxy_gl_version() < 33)
+            return;
+        GLint unit;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+        m_unit = static_cast<GLuint>(unit - GL_TEXTURE0);
+        glGetIntegerv(GL_SAMPLER_BINDING, &m_sampler);
+        if (m_sampler != 0)
+            glBindSampler(m_unit, 0);
+    }
+    ~NoSamplerGuard() {
+        if (m_sampler != 0)
+            glBindSampler(m_unit, static_cast<GLuint>(m_sampler));
+    }
+    NoSamplerGuard(const NoSamplerGuard&) = delete;
+    NoSamplerGuard& operator=(const NoSamplerGuard&) = delete;
+
+private:
+    GLuint m_unit = 0;
+    GLint m_sampler = 0;
+};
+
+/// Pixels are read from client memory, tightly packed.
+class UnpackGuard {
+public:
+    UnpackGuard() {
+        glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+        if (epoxy_gl_version() >= 21)
+            glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+        glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_FALSE);
+        for (const GLenum value : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS})
+            glPixelStorei(value, 0);
+    }
+    ~UnpackGuard() { glPopClientAttrib(); }
+    UnpackGuard(const UnpackGuard&) = delete;
+    UnpackGuard& operator=(const UnpackGuard&) = delete;
+};
+
 /// Pulls what is drawn towards the viewer.
 class DepthOffset {
 public:

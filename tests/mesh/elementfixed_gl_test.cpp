@@ -1,0 +1,469 @@
+// Element meshes through fixed function, by their pixels.
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "NRenderUtl/gl/nglrecord.h"
+#include "NRenderUtl/mesh/elementfixed.h"
+#include "tests/support/glsnapshot.h"
+#include "tests/support/gltest.h"
+
+using namespace nrutest;
+
+namespace {
+
+constexpr std::uint32_t kRed = 0xFF0000FF, kGreen = 0xFF00FF00, kBlue = 0xFFFF0000;
+constexpr std::uint32_t kGray = 0xFF808080, kYellow = 0xFF00FFFF, kPink = 0xFFCBC0FF;
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr double kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+
+using Vector = ElementSurface::Vector;
+
+/// Quads of 8 x 8 pixels, in rows of eight from the bottom up, with no vertex in common.
+ElementSurface tiles(std::uint32_t count) {
+    ElementSurface surface;
+    surface.quadCount = surface.elementCount = count;
+    surface.nodeCount = 4 * count;
+    for (std::uint32_t i = 0; i < count; ++i)
+        for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) {
+            surface.corners.push_back(static_cast<std::uint32_t>(surface.positions.size()));
+            surface.positions.push_back({(i % 8 + x) / 4.0f - 1, (i / 8 + y) / 4.0f - 1, 0});
+            surface.normals.push_back({0, 0, 1});
+        }
+    return surface;
+}
+
+/// One quad of the corners 0 1 2 3, facing +z, over the whole window.
+ElementSurface sheet() {
+    ElementSurface surface = tiles(1);
+    surface.positions = {{-1, -1, 0}, {1, -1, 0}, {1, 1, 0}, {-1, 1, 0}};
+    return surface;
+}
+
+/// A white light.
+NglLightParams light(Vector position, float ambient, float diffuse, float specular,
+                     Vector attenuation = {1, 0, 0}) {
+    return {1,
+            {ambient, ambient, ambient, 1},
+            {diffuse, diffuse, diffuse, 1},
+            {specular, specular, specular, 1},
+            {position[0], position[1], position[2], 0},
+            attenuation[0],
+            attenuation[1],
+            attenuation[2]};
+}
+
+NglMatParams material(const Vector& values) {
+    const auto [emission, specular, shininess] = values;
+    return {{emission, emission, emission}, {}, {}, {specular, specular, specular}, shininess};
+}
+
+/// The square -1..1 fills the window; the colours of the record's palette are those of a selection.
+class ElementFixed : public GlTest {
+protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        glEnable(GL_DEPTH_TEST);
+        NglSetSelectionColor(kYellow);
+        NglSetHighlightColor(kPink);
+        how.color = kGray;
+        how.lit = false;
+    }
+    /// Draws what may have changed since the last time.
+    Picture draw(const double* modelView = kIdentity) {
+        ++revision;
+        return draw(route, modelView);
+    }
+    Picture draw(ElementFixedRoute& with, const double* modelView = kIdentity) {
+        clear();
+        with.draw({surface, facts, values, how, revision}, modelView);
+        return read();
+    }
+    void setNodeValues(const std::vector<float>& nodes) {
+        values.kind = ElementValues::OfNodes;
+        values.values = nodes;
+    }
+    template <class Value>
+    void set(ElementFact<Value>& fact, std::uint32_t element, Value value) {
+        fact.writable(surface.elementCount)[element] = value;
+    }
+
+    ElementSurface surface = sheet();
+    ElementFacts facts;
+    ElementValues values;
+    ngl::NglElementAttributes how;
+    std::uint64_t revision = 0;
+    ElementFixedRoute route;
+};
+
+} // namespace
+
+TEST_F(ElementFixed, FactsDecideWhatIsSeen) {
+    surface = tiles(8);
+    set(facts.visible, 1, std::uint8_t{0});
+    set(facts.visible, 2, std::uint8_t{0});
+    set(facts.visible, 7, std::uint8_t{0});
+    set(facts.selection, 2, std::uint8_t{ngl::NglElementHighlighted});
+    set(facts.selection, 3, std::uint8_t{ngl::NglElementSelected});
+    for (const std::uint32_t owner : {3, 4, 7})
+        set(facts.color, owner, std::uint32_t{0x0100FF00});
+    set(facts.color, 0, std::uint32_t{0x0000FF00}); // a colour, but not its own
+    set(facts.clipCode, 5, std::uint8_t{2});
+    set(facts.clipCode, 6, std::uint8_t{3});
+    set(facts.lower, 6, 5);
+    set(facts.upper, 6, 2);
+    values.values.assign(32, 0.5f);
+    values.scale.SetColorBands({{0, 1, kBlue}});
+    const struct {
+        const char* name;
+        ElementValues::Kind kind;
+        int clipFlag, failureMode, failureLevel;
+        const char* seen; ///< of each element: Default, Own, Selected, Highlighted, Contour, or nothing
+    } rows[] = {{"as it is", ElementValues::None, 0, 0, 0, "D HSODD "},
+                {"contour", ElementValues::OfNodes, 0, 0, 0, "C HSCCC "},
+                {"contour of elements", ElementValues::OfElements, 0, 0, 0, "C HSCCC "},
+                {"clipped from above", ElementValues::None, 1, 0, 0, "D HSO   "},
+                {"clipped from below", ElementValues::None, 3, 0, 0, "      D "},
+                {"flag without meaning", ElementValues::None, 2, 0, 0, "D HSODD "},
+                {"failing", ElementValues::OfNodes, 0, 1, 5, "C HSCC  "},
+                {"not failing", ElementValues::None, 0, 3, 4, "D HSODD "}};
+    for (const auto& row : rows)
+        for (const ngl::NglElementShading shading :
+             {ngl::NglElementSmooth, ngl::NglElementFlat, ngl::NglElementNormals}) {
+            values.kind = row.kind;
+            how.shading = shading;
+            how.clipFlag = row.clipFlag;
+            how.failureMode = row.failureMode;
+            how.failureLevel = row.failureLevel;
+            const Picture p = draw();
+            for (int i = 0; i < 8; ++i) {
+                const std::map<char, std::uint32_t> colors = {{'D', kGray}, {'O', kGreen}, {'S', kYellow},
+                                                              {'H', kPink}, {'C', kBlue},  {' ', kClear}};
+                for (const int x : {8 * i, 8 * i + 7})
+                    EXPECT_EQ(hex(p.at(x, 4)), hex(colors.at(row.seen[i])))
+                        << row.name << ", shading " << shading << ", element " << i;
+            }
+        }
+}
+
+TEST_F(ElementFixed, BandsFollowTheRulesOfThePrograms) {
+    const auto below = [](float value) { return std::nextafter(value, -kInfinity); };
+    const auto above = [](float value) { return std::nextafter(value, kInfinity); };
+    const std::map<char, std::uint32_t> colors = {
+        {'R', kRed}, {'G', kGreen}, {'B', kBlue}, {'Y', kYellow}, {'P', kPink}};
+    std::vector<RenderColorScale::ColorBand> narrow;
+    for (int i = 0; i < 64; ++i)
+        narrow.push_back({1 + i / 64.0f, 1 + (i + 1) / 64.0f, i % 2 ? kRed : kBlue});
+    const struct {
+        const char* name;
+        std::vector<RenderColorScale::ColorBand> bands;
+        bool marksOutside; ///< yellow below and pink above the range
+        std::vector<float> values;
+        const char* seen; ///< first letters of their colours
+    } rows[] = {
+        {"even", {{0, 1, kRed}, {1, 2, kGreen}}, true, {0, -1e-30f, -5, below(1), 1, above(1), 2}, "RYYRGGG"},
+        {"far",
+         {{0, 1, kRed}, {1, 2, kGreen}},
+         true,
+         {above(2), 1e30f, kInfinity, -kInfinity, kNan},
+         "PPPYY"},
+        {"unmarked", {{0, 1, kRed}, {1, 2, kGreen}}, false, {-1, 3, kNan}, "RGR"},
+        {"one value", {{1, 1, kRed}, {1, 1, kGreen}}, true, {1, below(1), above(1)}, "GYP"},
+        {"a gap", {{0, 1, kRed}, {2, 3, kGreen}}, true, {below(1), 1, 1.5f, 2}, "RYYG"},
+        {"thin",
+         {{0, 1, kRed}, {1, 30011, kGreen}, {30011, 30012.5f, kBlue}},
+         true,
+         {0, 6, 30000, 30012.5f, 30013, -1},
+         "RGGBPY"},
+        {"open",
+         {{-kInfinity, 0, kRed}, {0, 1, kGreen}, {1, kInfinity, kBlue}},
+         true,
+         {-1e20f, 0, below(1), 1, 1e20f},
+         "RGGBB"},
+        {"many", narrow, true, {1.5f, 1.515625f, below(1.515625f), 2}, "BRBR"}};
+    // Turned about y and seen in perspective, which rounds what is interpolated.
+    const double turned[16] = {0.8, 0, -0.6, 0, 0, 1, 0, 0, 0.6, 0, 0.8, 0, 0, 0, 0, 1};
+    const double perspective[16] = {0.75, 0, 0, 0, 0, 0.75, 0, 0, 0, 0, 0.1, -0.4, 0, 0, 0, 1};
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixd(perspective);
+    for (const auto& row : rows)
+        for (const int perElement : {1, 4}) { // values of elements, or of nodes
+            surface = tiles(static_cast<std::uint32_t>(row.values.size()));
+            values.scale.SetColorBands(row.bands);
+            values.scale.SetOutOfRangeMinColor(row.marksOutside ? kYellow : 0xFFFFFFFF);
+            values.scale.SetOutOfRangeMaxColor(row.marksOutside ? kPink : 0xFFFFFFFF);
+            values.kind = perElement == 1 ? ElementValues::OfElements : ElementValues::OfNodes;
+            values.values.clear();
+            for (const float value : row.values)
+                values.values.insert(values.values.end(), perElement, value);
+            const Picture p = draw(turned);
+            for (std::size_t i = 0; i < row.values.size(); ++i) {
+                const double x = (i + 0.5) / 4 - 1, y = 0.125 - 1, w = 1 + 0.4 * 0.6 * x;
+                const int px = static_cast<int>((0.6 * x / w + 1) * 32),
+                          py = static_cast<int>((0.75 * y / w + 1) * 32);
+                for (const int d : {-1, 0, 1})
+                    EXPECT_EQ(hex(p.at(px + d, py + d)), hex(colors.at(row.seen[i])))
+                        << row.name << ", value " << row.values[i] << ", " << perElement << " per element";
+            }
+        }
+}
+
+TEST_F(ElementFixed, BandLimitsLieWhereTheValuesAre) {
+    // Values 0..64 from left to right, so that pixels lie half a column from whole numbers.
+    const float limits[] = {4, 9.3f, 9.9f, 25, 31.7f, 60};
+    const std::uint32_t colors[] = {0xFF0000F0, 0xFF00F000, 0xFF600000, 0xFFF06000, 0xFF00F0F0};
+    std::vector<RenderColorScale::ColorBand> bands;
+    for (int i = 0; i < 5; ++i)
+        bands.push_back({limits[i], limits[i + 1], colors[i]});
+    values.scale.SetColorBands(bands);
+    values.scale.SetOutOfRangeMinColor(kYellow);
+    values.scale.SetOutOfRangeMaxColor(kGray);
+    setNodeValues({0, 64, 64, 0});
+    for (const bool smeared : {false, true}) {
+        values.scale.SetSmearedMode(smeared);
+        const Picture p = draw();
+        for (int x = 0; x < kSize; ++x) {
+            const float value = x + 0.5f;
+            const int band = static_cast<int>(std::upper_bound(limits, limits + 6, value) - limits) - 1;
+            std::uint32_t expected = band < 0 ? kYellow : band > 4 ? kGray : colors[band];
+            if (smeared && band >= 0 && band < 4)
+                for (int shift = 0; shift < 24; shift += 8) {
+                    const float t = (value - limits[band]) / (limits[band + 1] - limits[band]);
+                    const int c0 = colors[band] >> shift & 0xFF, c1 = colors[band + 1] >> shift & 0xFF;
+                    expected = (expected & ~(0xFFu << shift)) |
+                               static_cast<std::uint32_t>(std::lround(c0 + t * (c1 - c0))) << shift;
+                }
+            // Smeared, a texel is a step of up to 3 levels in the narrowest band.
+            for (int shift = 0; shift < 24; shift += 8)
+                EXPECT_NEAR(p.at(x, 32) >> shift & 0xFF, expected >> shift & 0xFF, smeared ? 2 : 0)
+                    << "column " << x << (smeared ? ", smeared" : "");
+        }
+    }
+}
+
+TEST_F(ElementFixed, ValuesThatAreNotFiniteTakeTheirTriangles) {
+    values.scale.SetColorBands({{0, 1, kRed}});
+    values.scale.SetOutOfRangeMinColor(kYellow);
+    values.scale.SetOutOfRangeMaxColor(kPink);
+    const std::pair<float, std::uint32_t> rows[] = {
+        {kNan, kYellow}, {kInfinity, kPink}, {-kInfinity, kYellow}};
+    for (const auto& [value, color] : rows) {
+        setNodeValues({0.5f, value, 0.5f, 0.5f});
+        const Picture p = draw();
+        EXPECT_EQ(hex(p.at(60, 2)), hex(color));
+        EXPECT_EQ(hex(p.at(34, 30)), hex(color));
+        EXPECT_EQ(hex(p.at(2, 60)), hex(kRed)) << "the triangle without that corner";
+    }
+}
+
+TEST_F(ElementFixed, LightsByTheClassicModel) {
+    // Of a light to the side the cosine is 0.8, the squared cosine of the half vector 0.9.
+    const NglLightParams aside = light({0.6f, 0, 0.8f}, 0.1f, 0.8f, 0.5f);
+    const NglLightParams behind = light({0, 0, -2}, 0.05f, 1, 0.4f);
+    const NglLightParams fading = light({3, 0, 4}, 0.1f, 1.5f, 0, {0.5f, 0.2f, 0.1f}); // brightness 0.25
+    NglLightParams off = aside;
+    off.enabled = 0;
+    const double ofAside = 1.74 * 0.1 + 0.5 * 0.8 * 0.8, ofBehind = 1.74 * 0.05 + 0.5 * 1;
+    const double ofFading = 0.25 * (1.74 * 0.1 + 0.5 * 1.5 * 0.8);
+    const struct {
+        const char* name;
+        std::vector<NglLightParams> lights;
+        float normal;        ///< its z
+        Vector front, back;  ///< emission, specular, shininess
+        double share, extra; ///< of the base colour, and on top of it
+    } rows[] = {{"no light", {}, 1, {0.1f, 0, 1}, {0.2f, 0, 1}, 0, 0.3},
+                {"aside", {aside}, 1, {}, {}, ofAside, 0},
+                {"behind", {behind}, 1, {}, {}, ofBehind, 0},
+                {"attenuated", {fading}, -1, {}, {}, ofFading, 0},
+                {"front highlight", {aside}, 1, {0, 0.6f, 2}, {0, 1, 1}, ofAside, 0.27},
+                {"back highlight", {aside}, -1, {0, 1, 1}, {0, 0.6f, 4}, ofAside, 0.243},
+                {"shininess 0", {aside}, 1, {0, 0.6f, 0}, {}, ofAside, 0.3},
+                {"several", {off, behind, off, fading, off}, 1, {}, {}, ofBehind + ofFading, 0},
+                {"too bright", {aside, aside, aside, aside, aside}, 1, {}, {}, 2, 0}};
+    how.lit = true;
+    // The face is so small that its corners are lit alike, and its view mirrored and not of unit scale.
+    const double view[16] = {-1e-3, 0, 0, 0, 0, 2e-3, 0, 0, 0, 0, 1e-2, 0, 0, 0, 0, 1};
+    glMatrixMode(GL_PROJECTION);
+    glScaled(1e3, 1e3, 1);
+    values.scale.SetColorBands({{0, 1, 0x808080}});
+    setNodeValues({0, 0, 0, 0});
+    for (const auto& row : rows) {
+        std::fill_n(nglRecord().live.lights, 8, NglLightParams{});
+        std::copy(row.lights.begin(), row.lights.end(), nglRecord().live.lights);
+        nglRecord().live.frontMaterial = material(row.front);
+        nglRecord().live.backMaterial = material(row.back);
+        surface.normals.assign(4, {0, 0, row.normal});
+        const double gray = 0x80;
+        how.contour = false;
+        EXPECT_NEAR(draw(view).at(32, 32) & 0xFF, std::min(row.share * gray + row.extra * 255, 255.0), 0.51)
+            << row.name;
+        // A contour's colour multiplies what is lit in white, which is rounded to 8 bits before.
+        how.contour = true;
+        EXPECT_NEAR(draw(view).at(32, 32) & 0xFF, std::min(row.share + row.extra, 1.0) * gray, 1) << row.name;
+    }
+}
+
+TEST_F(ElementFixed, ShadesByTheNormalsAskedFor) {
+    // A light far out on +z, full where a normal faces it; the quad is bent up at corner 3 by slope 1.
+    nglRecord().live.lights[0] = light({0, 0, 1e6f}, 0, 2, 0);
+    how.lit = true;
+    how.color = 0xFFFFFF;
+    surface.positions[3][2] = -2;
+    surface.normals[1] = {0, 1, 0};
+    glMatrixMode(GL_PROJECTION);
+    glScaled(1, 1, 0.1);
+    const int bent = std::lround(255 / std::sqrt(3.0)); // of the normal (-1, 1, 1) to the light
+    const std::tuple<ngl::NglElementShading, int, int> rows[] = {{ngl::NglElementSmooth, 0, 255},
+                                                                 {ngl::NglElementFlat, 255, bent},
+                                                                 {ngl::NglElementNormals, 255, 255}};
+    for (const auto& [shading, right, left] : rows) {
+        how.shading = shading;
+        const Picture p = draw();
+        EXPECT_NEAR(p.at(63, 0) & 0xFF, right, 8) << shading; // half a pixel from corner 1
+        EXPECT_NEAR(p.at(2, 40) & 0xFF, left, 1) << shading;
+    }
+}
+
+TEST_F(ElementFixed, ColorsByFacingAndBlendsBackFacesFirst) {
+    // Two sheets; the nearer one covers the lower half, and faces away.
+    surface = tiles(2);
+    surface.positions = {{-1, -1, 0.5f},  {1, -1, 0.5f},  {1, 1, 0.5f},  {-1, 1, 0.5f},
+                         {-1, -1, -0.5f}, {-1, 0, -0.5f}, {1, 0, -0.5f}, {1, -1, -0.5f}};
+    how.frontColor = 0xFF0000;
+    how.backColor = 0x0000FF;
+    const auto over = [](std::uint32_t color, std::uint32_t below) {
+        std::uint32_t blended = 0;
+        for (int shift = 0; shift < 24; shift += 8)
+            blended |= static_cast<std::uint32_t>(0.4 * (color >> shift & 0xFF) +
+                                                  0.6 * (below >> shift & 0xFF) + 0.5)
+                       << shift;
+        return blended;
+    };
+    const std::uint32_t blueOver = over(kBlue, kClear), bothOver = over(kBlue, over(kRed, kClear));
+    const struct {
+        const char* name;
+        bool byFacing;
+        float opacity;
+        GLenum culled; ///< by the caller; 0: nothing
+        std::uint32_t upper, lower;
+    } rows[] = {
+        {"one colour", false, 1, 0, kGray, kGray},
+        {"two colours", true, 1, 0, kBlue, kRed},
+        {"back faces culled", true, 1, GL_BACK, kBlue, kBlue},
+        {"front faces culled", true, 1, GL_FRONT, kClear, kRed},
+        {"all culled", true, 1, GL_FRONT_AND_BACK, kClear, kClear},
+        {"transparent", true, 0.4f, 0, blueOver, bothOver},
+        {"transparent, front faces culled", true, 0.4f, GL_FRONT, blueOver, bothOver},
+        {"one colour, transparent", false, 0.4f, 0, over(kGray, kClear), over(kGray, over(kGray, kClear))},
+        {"nothing left", true, 0, 0, kClear, kClear}};
+    for (const auto& row : rows) {
+        how.frontAndBack = row.byFacing;
+        how.opacity = row.opacity;
+        row.culled ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
+        glCullFace(row.culled ? row.culled : GL_BACK);
+        const GlSnapshot before = GlSnapshot::take();
+        const Picture p = draw();
+        EXPECT_TRUE(before.equals(GlSnapshot::take())) << row.name;
+        for (int shift = 0; shift < 24; shift += 8) { // blending rounds twice
+            EXPECT_NEAR(p.at(32, 48) >> shift & 0xFF, row.upper >> shift & 0xFF, 1) << row.name;
+            EXPECT_NEAR(p.at(32, 16) >> shift & 0xFF, row.lower >> shift & 0xFF, 1) << row.name;
+        }
+    }
+}
+
+TEST_F(ElementFixed, TakesNoHarmFromTheCallersState) {
+    values.scale.SetColorBands({{0, 1, kRed}, {1, 2, kGreen}, {2, 3, kBlue}});
+    setNodeValues({0, 3, 3, 0});
+    nglRecord().live.lights[0] = light({0, 0, 2}, 0.1f, 1.5f, 0);
+    how.lit = true;
+    const double moved[16] = {0.5, 0, 0, 0, 0, 0.5, 0, 0, 0, 0, 1, 0, 0.25, 0, 0.5, 1};
+    const Picture plain = draw(moved);
+    EXPECT_GT(plain.countOtherThan(kClear), 0);
+    // Everything that could disturb it is in use.
+    glEnable(GL_LIGHTING);
+    glEnable(GL_FOG);
+    glShadeModel(GL_FLAT);
+    const std::uint32_t texel = kPink;
+    GLuint names[3];
+    glGenTextures(2, names);
+    for (const GLenum unit : {GL_TEXTURE1, GL_TEXTURE0}) {
+        glActiveTexture(unit);
+        glBindTexture(GL_TEXTURE_2D, names[0]);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, &texel);
+        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glEnable(GL_TEXTURE_2D);
+        glBindTexture(GL_TEXTURE_1D, names[1]);
+        glEnable(GL_TEXTURE_GEN_S);
+        glMatrixMode(GL_TEXTURE);
+        glTranslatef(0.3f, 0, 0);
+    }
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_DECAL);
+    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 2);
+    glGenBuffers(3, names);
+    for (const GLenum target : {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER, GL_PIXEL_UNPACK_BUFFER})
+        glBindBuffer(target, names[0]);
+    glGenSamplers(1, names);
+    glBindSampler(0, names[0]);
+    glSamplerParameteri(names[0], GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    const char* source = "void main() { gl_FragColor = vec4(1.0); }";
+    glUseProgram(glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source));
+    glColor3f(0, 1, 0);
+    while (takeGlErrors() == 0) // no room on the matrix stack
+        glPushMatrix();
+    const GlSnapshot before = GlSnapshot::take();
+    EXPECT_TRUE(samePicture(draw(moved), plain));
+    EXPECT_TRUE(before.equals(GlSnapshot::take()));
+}
+
+TEST_F(ElementFixed, KeepsItsArraysUntilSomethingChanges) {
+    surface = tiles(4);
+    set(facts.selection, 1, std::uint8_t{ngl::NglElementSelected});
+    set(facts.selection, 2, std::uint8_t{ngl::NglElementHighlighted});
+    set(facts.clipCode, 3, std::uint8_t{2});
+    set(facts.lower, 3, 1);
+    setNodeValues(std::vector<float>(16, 0.5f));
+    values.scale.SetColorBands({{0, 1, kBlue}});
+    how.contour = false;
+    nglRecord().live.lights[0] = light({0, 0, 2}, 0.1f, 1, 0.5f);
+    const double moved[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0.25, 0, 0, 1};
+    const double* view = kIdentity;
+    const std::pair<const char*, std::function<void()>> changes[] = {
+        {"contour", [&] { how.contour = true; }},
+        {"values",
+         [&] {
+             values.values.assign(16, 7), ++revision;
+             values.scale.SetOutOfRangeMaxColor(kRed);
+         }},
+        {"clipping", [&] { how.clipFlag = 1; }},
+        {"no clipping", [&] { how.clipFlag = 0; }},
+        {"failure", [&] { how.failureMode = 1, how.failureLevel = 1; }},
+        {"level", [&] { how.failureLevel = 0; }},
+        {"selection colour", [&] { NglSetSelectionColor(kGreen); }},
+        {"highlight colour", [&] { NglSetHighlightColor(kRed); }},
+        {"plain", [&] { how.contour = false; }},
+        {"colour", [&] { how.color = 0xFFFF00; }},
+        {"lit", [&] { how.lit = true; }},
+        {"light", [&] { nglRecord().live.lights[0].position[0] = 2; }},
+        {"material", [&] { nglRecord().live.frontMaterial.emission[2] = 0.5f; }},
+        {"two colours", [&] { how.frontAndBack = true; }},
+        {"view", [&] { view = moved; }}};
+    Picture last = draw(route);
+    for (const auto& [name, change] : changes) {
+        change();
+        const Picture now = draw(route, view);
+        ElementFixedRoute fresh;
+        EXPECT_TRUE(samePicture(now, draw(fresh, view))) << name;
+        EXPECT_FALSE(samePicture(now, last)) << name << " changed nothing";
+        last = now;
+    }
+    surface = sheet();
+    route.clear();
+    EXPECT_FALSE(samePicture(draw(route, view), last));
+}
