@@ -25,8 +25,8 @@ bool isElementVisible(int element, int derived, inout vec4 color, out bool ownCo
     ownColor = false;
     if (g_bem == 1 && !selected) {
         ivec4 texel = texelFetch(g_mcbuff, element);
-        ownColor = texel.a == 1;
-        if (ownColor)
+        ownColor = texel.a != 0;
+        if (texel.a == 1)
             color = vec4(texel.rgb, color.a) / 255.0; // deliberate: the alpha is scaled down as well
     }
     return visible || selected || ownColor;
