@@ -1,0 +1,216 @@
+// Which colour a value has: the contour pixels of the mesh program against the shaders' rules, the CPU's
+// colours against its own, and where the two differ on purpose.
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <map>
+
+#include "tests/shaders/shaderscene.h"
+
+using namespace nrutest;
+
+namespace {
+
+using Bands = std::vector<RenderColorScale::ColorBand>;
+constexpr float kInf = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr NgColorLong kLow = 0x0A141E, kHigh = 0xC8D2DC, kUnset = 0xFFFFFFFF;
+
+/// Bands between limits, each with a colour of its own.
+Bands bandsBetween(const std::vector<float>& limits) {
+    Bands bands;
+    for (unsigned i = 0; i + 1 < limits.size(); ++i)
+        bands.push_back(
+            {limits[i], limits[i + 1], (i * 37 + 5) % 251 | (i * 91 % 241) << 8 | (i * 53 % 239) << 16});
+    return bands;
+}
+
+struct ScaleCase {
+    const char* name;
+    Bands bands;
+};
+
+std::vector<ScaleCase> scaleCases() {
+    std::vector<float> even, uneven;
+    for (int i = 0; i <= 64; ++i) {
+        even.push_back(i * 0.1f - 3);
+        uneven.push_back(std::sinh(i * 0.4f - 12));
+    }
+    return {{"one band", bandsBetween({-2, 3})},
+            {"two bands", {{0, 1, 0x6400FF}, {1, 2, 0x0A0A0A}}},
+            {"uneven bands", bandsBetween({-1e6f, -1, -1e-3f, 2e-3f, 7, 1e30f})},
+            {"64 even bands", bandsBetween(even)},
+            {"64 uneven bands", bandsBetween(uneven)},
+            {"a gap", {{0, 1, 0x0000FF}, {2, 3, 0x00FF00}, {3, 4, 0xFF0000}, {6.5f, 7, 0x123456}}},
+            {"a constant field", {{5, 5, 0x0000FF}}},
+            {"a constant field in three bands", {{5, 5, 0x0000FF}, {5, 5, 0x00FF00}, {5, 5, 0xFF0000}}},
+            {"a constant field at 0 in two bands", {{0, 0, 0x0000FF}, {0, 0, 0x00FF00}}},
+            {"the whole float range", bandsBetween({-FLT_MAX, 0, FLT_MAX})},
+            {"neighbouring floats",
+             bandsBetween({1, std::nextafter(1.0f, 2.0f), std::nextafter(1.0f, 2.0f) + FLT_EPSILON})}};
+}
+
+RenderColorScale makeScale(const Bands& bands, bool ownEnds, bool smeared) {
+    RenderColorScale scale;
+    scale.SetColorBands(bands);
+    scale.SetOutOfRangeMinColor(ownEnds ? kLow : kUnset);
+    scale.SetOutOfRangeMaxColor(ownEnds ? kHigh : kUnset);
+    scale.SetSmearedMode(smeared);
+    return scale;
+}
+
+/// On, just below and just above every limit, inside every band and gap, far out, and no number.
+std::vector<float> valuesOf(const Bands& bands) {
+    std::vector<float> values = {kNan, -kNan, kInf, -kInf, FLT_MAX, -FLT_MAX, 0.0f, -0.0f};
+    float last = bands.front().min_val;
+    for (const auto& band : bands) {
+        for (float limit : {band.min_val, band.max_val})
+            for (float value : {limit, std::nextafter(limit, -kInf), std::nextafter(limit, kInf)})
+                values.push_back(value);
+        for (double t : {0.1, 0.5, 0.75})
+            values.push_back(float(band.min_val * (1 - t) + band.max_val * t));
+        values.push_back(last / 2 + band.min_val / 2);
+        last = band.max_val;
+    }
+    for (float distance : {0.5f, 1e9f}) {
+        values.push_back(bands.front().min_val - distance);
+        values.push_back(last + distance);
+    }
+    return values;
+}
+
+class BandAudit : public ShaderTest {
+protected:
+    void SetUp() override {
+        ShaderTest::SetUp();
+        useCatalogue(RenderShaderMesh);
+        settings.bct = settings.use_clr_scale = 1;
+        set("g_lightsOff", 1); // the contour colour alone shows
+    }
+    /// The pixels of one point for each value, by the attribute or, in type 2, by the element.
+    std::vector<glm::vec4> drawValues(Contour contour, int type, const std::vector<glm::vec4>& coordinates) {
+        Vertices points;
+        contour.elementValues.clear();
+        for (int i = 0; i < int(coordinates.size()); ++i) {
+            points.position.push_back(pixelCentre(i));
+            points.texture.push_back(type == 2 ? glm::vec4(77) : coordinates[i]);
+            contour.elementValues.push_back(coordinates[i].s);
+        }
+        settings.ct = type;
+        set(settings);
+        set(contour);
+        return draw(GL_POINTS, points);
+    }
+    std::vector<glm::vec4> drawValues(const RenderColorScale& scale, int type,
+                                      const std::vector<float>& values) {
+        Contour contour;
+        contour.scale = scale;
+        return drawValues(contour, type, std::vector<glm::vec4>(values.begin(), values.end()));
+    }
+    MeshSettings settings;
+};
+
+/// The rules' colour of a value; a driver may take a denormal for zero.
+dvec4 expectedColor(const RenderColorScale& scale, bool smeared, float value, glm::vec4 pixel) {
+    const dvec4 color(shaderBandColor(scale, smeared, value), 1);
+    if (std::fpclassify(value) == FP_SUBNORMAL && distance(color, dvec4(pixel)) > 1e-6)
+        return {shaderBandColor(scale, smeared, std::copysign(0.0f, value)), 1};
+    return color;
+}
+
+} // namespace
+
+TEST_F(BandAudit, PixelsFollowTheShadersRules) {
+    Audit exact, mixed;
+    for (const auto& [name, bands] : scaleCases())
+        for (bool ownEnds : {false, true})
+            for (int type : {1, 2, 3}) {
+                const RenderColorScale scale = makeScale(bands, ownEnds, false);
+                const std::vector<float> values = valuesOf(bands);
+                const auto pixels = drawValues(scale, type, values);
+                for (std::size_t i = 0; i < values.size(); ++i)
+                    (type == 1 ? mixed : exact)
+                        .add(expectedColor(scale, type == 1, values[i], pixels[i]), pixels[i],
+                             [&, name = name] {
+                                 return name + std::string(" type ") + std::to_string(type) + " value " +
+                                        std::to_string(values[i]);
+                             });
+            }
+    exact.report("band colours");
+    mixed.report("smeared bands");
+    EXPECT_GT(exact.compared, 5000);
+    EXPECT_EQ(exact.largest, 0) << exact.worst;
+    // A mix may be rounded once or twice, and its factor by the driver's division.
+    EXPECT_LE(mixed.largest, 4e-7) << mixed.worst;
+}
+
+TEST_F(BandAudit, CpuColorsFollowTheirOwnRulesAndDifferWhereTheyShould) {
+    ngl_set_blending_value(0);
+    std::map<std::string, int> reasons;
+    int compared = 0;
+    for (const auto& [name, bands] : scaleCases())
+        for (bool ownEnds : {false, true})
+            for (bool smeared : {false, true}) {
+                SCOPED_TRACE(name);
+                const RenderColorScale scale = makeScale(bands, ownEnds, smeared);
+                const std::vector<float> values = valuesOf(bands);
+                const auto pixels = drawValues(scale, smeared ? 1 : 3, values);
+                for (std::size_t i = 0; i < values.size(); ++i) {
+                    const float value = values[i];
+                    const NgColorLong cpu = scale.GetColor(value) & 0xFFFFFF;
+                    ASSERT_EQ(cpu, hostBandColor(scale, smeared, value) & 0xFFFFFF) << value;
+                    ++compared;
+                    const glm::vec3 gpu = glm::vec3(pixels[i]) * 255.0f;
+                    const glm::vec3 apart = abs(gpu - channels(cpu) * 255.0f);
+                    if (std::max({apart.x, apart.y, apart.z}) < 0.01f ||
+                        std::fpclassify(value) == FP_SUBNORMAL)
+                        continue;
+                    const bool constant = scale.GetMinValue() == scale.GetMaxValue();
+                    const bool inside = !(value < scale.GetMinValue() || value > scale.GetMaxValue());
+                    if (constant && !inside)
+                        ++reasons["equal limits: the CPU's middle band, the shader's colour out of range"];
+                    else if (inside && bandOf(scale, value) < 0 && cpu == 0xFFFFFF)
+                        ++reasons["in a gap or not a number: white, the shader's colour below the range"];
+                    else if (inside && smeared && std::max({apart.x, apart.y, apart.z}) < 1)
+                        ++reasons["a mix: the CPU truncates it to 8 bits"];
+                    else
+                        ADD_FAILURE() << value << ": " << hex(cpu) << " on the CPU, " << gpu.x << ", "
+                                      << gpu.y << ", " << gpu.z << " in the shader";
+                }
+            }
+    EXPECT_EQ(reasons.size(), 3u) << "each kind of difference occurs";
+    std::printf("[ compared ] %d values on CPU and GPU\n", compared);
+    for (const auto& [reason, count] : reasons)
+        std::printf("[ compared ]   %d %s\n", count, reason.c_str());
+}
+
+TEST_F(BandAudit, TextureColorsFollowTheRules) {
+    Contour contour;
+    contour.offset = 3;
+    contour.factor = 0.125f;
+    // s = r / 8 - 3 / 8, t = s / 4 + q, as the view's texture matrix and one that mixes the coordinates.
+    const dmat4 range{0.125, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -0.375, 0, 0, 1};
+    const dmat4 mixing{0.125, 0.03125, 0, 0, 0, 0.5, 0, 0, 0, 0, 1, 0, 0.25, -0.125, 0, 1};
+    std::vector<glm::vec4> coordinates;
+    for (int quarter = -12; quarter < 76; ++quarter) // between the texels' limits, and beyond the texture
+        coordinates.push_back({3 + quarter / 8.0f + 0.0625f, quarter % 5 * 0.5f + 0.1f, 0, 1});
+    settings.use_clr_scale = 0;
+    Audit audit;
+    for (const dmat4& matrix : {range, mixing})
+        for (int type : {1, 2, 3})
+            for (int scaled : {0, 1}) {
+                contour.textureMatrix = matrix;
+                contour.scaled = scaled;
+                const auto pixels = drawValues(contour, type, coordinates);
+                contour.elementValues.assign(coordinates.size(), 0);
+                for (int i = 0; i < int(coordinates.size()); ++i) {
+                    contour.elementValues[i] = coordinates[i].s;
+                    audit.add(contour.color(false, type, i, coordinates[i]), pixels[i], [&] {
+                        return "type " + std::to_string(type) + " scaled " + std::to_string(scaled) +
+                               " value " + std::to_string(coordinates[i].s);
+                    });
+                }
+            }
+    audit.report("contour texture");
+    EXPECT_EQ(audit.largest, 0) << audit.worst;
+}

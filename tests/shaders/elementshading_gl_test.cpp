@@ -1,0 +1,232 @@
+// Which elements are drawn, in which colour and with which normal: every program that shades elements against
+// the rules, one pixel for each of 653 elements, over settings taken evenly from all combinations.
+#include <tuple>
+
+#include "tests/shaders/shaderscene.h"
+
+using namespace nrutest;
+
+namespace {
+
+/// One of the 4e7 combinations of settings, the first setting fastest.
+MeshSettings settingsAt(std::uint64_t index) {
+    MeshSettings settings;
+    for (const MeshSetting& setting : kMeshSettings) {
+        settings.*setting.field = setting.values[index % setting.values.size()];
+        index /= setting.values.size();
+    }
+    return settings;
+}
+
+std::string describe(const MeshSettings& settings) {
+    std::string text;
+    for (const MeshSetting& setting : kMeshSettings)
+        text += std::string(setting.name) + " " + std::to_string(settings.*setting.field) + ", ";
+    return text;
+}
+
+constexpr int kElements = 3 * 3 * 3 * 2 * 4 * 3 + 5; // every combination of the facts below, and a few again
+
+/// Every combination of clip codes, levels, visibility, selection and colour; permutations that tell a
+/// primitive, its element and its original apart.
+MeshFacts makeFacts() {
+    MeshFacts facts;
+    for (int i = 0; i < kElements; ++i) {
+        ElementFacts e;
+        int rest = i;
+        const auto pick = [&](std::initializer_list<int> values) {
+            const int value = values.begin()[rest % values.size()];
+            rest /= int(values.size());
+            return value;
+        };
+        e.clipCode = pick({1, 2, 3});
+        e.failsAt = pick({-1, 2, 5});
+        e.failsBelow = pick({-1, 2, 5});
+        e.visible = pick({0, 1});
+        e.picked = pick({0, 1, 2, 3});
+        e.color = {i * 7 % 256, i * 11 % 256, i * 13 % 256, pick({0, 1, 2})};
+        facts.elements.push_back(e);
+        facts.failingElement.push_back((i * 11 + 5) % kElements);
+        facts.derivedElement.push_back((i * 7 + 3) % kElements);
+        facts.originalPrimitive.push_back((i * 13 + 1) % kElements);
+        facts.normals.push_back(normalize(dvec3(std::sin(i), std::cos(i * 1.7), i % 2 - 0.4)));
+    }
+    facts.contour = Contour(kElements);
+    return facts;
+}
+
+/// One light at the front with every term, and none of them neutral.
+Lighting makeLighting() {
+    Lighting lighting;
+    lighting.lights[1] = {1,
+                          {0.125f, 0.25f, 0.125f, 0.5f},
+                          {0.75f, 0.5f, 0.625f, 0.75f},
+                          {0.25f, 0.5f, 0.375f, 0.25f},
+                          {40, 20, 60, 1},
+                          0.5f,
+                          0.0078125f,
+                          0.00006103515625f};
+    lighting.front = {{0.0625f, 0, 0.03125f, 0.125f}, {}, {}, {0.5f, 0.25f, 0.75f, 0.5f}, 3};
+    lighting.back = {{0, 0.0625f, 0, 0}, {}, {}, {0.125f, 0.5f, 0.25f, 0.25f}, 5};
+    return lighting;
+}
+
+/// Elements of three or four corners, each over the middle of one pixel, tilted, every other one seen from
+/// behind, and the fragment of each.
+struct Elements {
+    Vertices vertices;
+    std::vector<Fragment> fragments;
+};
+Elements makeElements(int corners) {
+    static const glm::vec2 triangle[] = {{-0.45f, -0.45f}, {0.55f, -0.4f}, {-0.4f, 0.55f}},
+                           quad[] = {{-0.45f, -0.4f}, {0.4f, -0.45f}, {0.45f, 0.35f}, {-0.35f, 0.45f}};
+    Elements elements;
+    for (int i = 0; i < kElements; ++i) {
+        const glm::vec2 slope(i % 5 * 0.5f - 1, i % 7 * 0.25f - 0.75f);
+        const bool front = i % 2 == 0;
+        const glm::vec4 vertexNormal(glm::normalize(glm::vec3(i % 3 - 1.1f, i % 4 - 1.5f, i % 5 - 1.6f)),
+                                     i % 3 == 0);
+        const glm::vec3 normal = glm::normalize(glm::vec3(0.5f - i % 4, 1.25f, i % 3 - 0.75f));
+        const glm::vec4 texture((i * 19 % 48 + 0.5f) / 48, i % 2, 0, 1);
+        std::vector<glm::vec3> p;
+        for (int c = 0; c < corners; ++c) {
+            const int corner = front ? c : corners - 1 - c;
+            const glm::vec2 at = corners == 3 ? triangle[corner] : quad[corner];
+            p.push_back(pixelCentre(i) + glm::vec3(at, dot(slope, at) + i % 11));
+        }
+        elements.vertices.position.insert(elements.vertices.position.end(), p.begin(), p.end());
+        elements.vertices.vertexNormal.insert(elements.vertices.vertexNormal.end(), corners, vertexNormal);
+        elements.vertices.normal.insert(elements.vertices.normal.end(), corners, normal);
+        elements.vertices.texture.insert(elements.vertices.texture.end(), corners, texture);
+        elements.vertices.element.insert(elements.vertices.element.end(), corners - 1, float(kElements - i));
+        elements.vertices.element.push_back(float(i)); // of the provoking vertex
+        elements.fragments.push_back({i, front, pixelCentre(i, i % 11),
+                                      normalize(cross(dvec3(p[1] - p[0]), dvec3(p[2] - p[0]))),
+                                      dvec3(vertexNormal), dvec3(normal), vertexNormal.w != 0, texture});
+    }
+    return elements;
+}
+
+using Rule = decltype(meshFragment);
+
+class ElementShading : public ShaderTest {
+protected:
+    /// Draws the elements under settings spread evenly over their product and compares every pixel.
+    void audit(const char* name, GLenum mode, int corners, Rule& rule) {
+        const MeshFacts facts = makeFacts();
+        const Elements elements = makeElements(corners);
+        const Lighting lighting = makeLighting();
+        set(facts);
+        set(lighting);
+        Audit lit, unlit;
+        long drawn = 0;
+        for (std::uint64_t i = 0; i < 600; ++i) {
+            const MeshSettings settings = settingsAt(i * 1000003);
+            set(settings);
+            const auto pixels = draw(mode, elements.vertices);
+            for (const Fragment& f : elements.fragments) {
+                const auto expected = rule(settings, facts, lighting, f);
+                drawn += expected.has_value();
+                (settings.bw == 0 ? lit : unlit).add(expected, pixels[f.primitive], [&] {
+                    return describe(settings) + "primitive " + std::to_string(f.primitive);
+                });
+            }
+        }
+        lit.report(name);
+        unlit.report((std::string(name) + ", unlit").c_str());
+        EXPECT_GT(drawn, 100000);
+        EXPECT_GT(lit.compared + unlit.compared - drawn, 100000) << "left out";
+        // Slopes are differences of positions interpolated in float over a target of 64 pixels.
+        EXPECT_LE(lit.largest, 1e-4) << lit.worst;
+        EXPECT_LE(unlit.largest, 1e-6) << unlit.worst; // 8-bit colours divided by 255, and mixes of two
+    }
+};
+
+} // namespace
+
+TEST_F(ElementShading, MeshProgram) {
+    useCatalogue(RenderShaderMesh);
+    audit("mesh program", GL_TRIANGLES, 3, meshFragment);
+}
+
+TEST_F(ElementShading, MeshProgramWithElementsByAttribute) {
+    use(elementMeshProgram());
+    audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
+}
+
+TEST_F(ElementShading, TriangleProgram) {
+    useCatalogue(RenderShaderMeshTriangles);
+    audit("triangle program", GL_TRIANGLES, 3, geometryFragment);
+}
+
+TEST_F(ElementShading, QuadProgram) {
+    useCatalogue(RenderShaderMeshQuads);
+    audit("quad program", GL_LINES_ADJACENCY, 4, geometryFragment);
+}
+
+TEST_F(ElementShading, RowsThatAnEngineerWouldState) {
+    const dvec4 gone(kNothing), grey(0.5, 0.5, 0.5, 1);
+    const auto atLevel = [](int level) { return S{.bvlf = 1, .nvlf = 3, .ncvl = level}; };
+    const ElementFacts levels{.failsAt = 5, .failsBelow = 2}, colored{.color = {51, 102, 153, 1}};
+    const std::tuple<const char*, MeshSettings, ElementFacts, dvec4> rows[] = {
+        {"plain", {}, {}, grey},
+        {"clip flag 1 leaves code 2 out", {.clip_flag = 1}, {.clipCode = 2}, gone},
+        {"clip flag 2 clips nothing", {.clip_flag = 2}, {.clipCode = 2}, grey},
+        {"clip flag 3 leaves code 2 out", {.clip_flag = 3}, {.clipCode = 2}, gone},
+        {"clip flag 3 keeps code 3", {.clip_flag = 3}, {.clipCode = 3}, grey},
+        {"levels 5 and 2, at 1", atLevel(1), levels, gone},
+        {"levels 5 and 2, at 2", atLevel(2), levels, grey},
+        {"levels 5 and 2, at 4", atLevel(4), levels, grey},
+        {"levels 5 and 2, at 5", atLevel(5), levels, gone},
+        {"hidden", {.bao = 0}, {.visible = 0}, gone},
+        {"hidden and highlighted", {.bao = 0, .behs = 1}, {.visible = 0, .picked = 2}, {0, 0.5, 1, 1}},
+        {"an own colour divides its alpha too", {.bem = 1}, colored, {0.2, 0.4, 0.6, 1 / 255.0}},
+        {"transparent", {.bem = 1, .transparent = 1}, colored, {0.2, 0.4, 0.6, 0.375}},
+    };
+    const std::pair<_RenderingShaderType, GLenum> programs[] = {{RenderShaderMesh, GL_TRIANGLES},
+                                                                {RenderShaderMeshTriangles, GL_TRIANGLES},
+                                                                {RenderShaderMeshQuads, GL_LINES_ADJACENCY}};
+    for (const auto& [type, mode] : programs)
+        for (const auto& [name, settings, element, color] : rows) {
+            useCatalogue(type);
+            MeshFacts facts;
+            facts.vertexColor = grey;
+            facts.elements = {element};
+            set(facts);
+            set(settings);
+            set("g_lightsOff", 1);
+            Vertices one;
+            one.position = {{0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 4, 0}};
+            if (mode == GL_TRIANGLES)
+                one.position.pop_back();
+            EXPECT_LT(distance(dvec4(draw(mode, one)[64 + 2]), color), 1e-6) << name << ", program " << type;
+        }
+}
+
+TEST_F(ElementShading, ClipPlanesCutOnlyWhenAskedTo) {
+    const double plane[] = {-1, 0, 0, 32}; // keeps x < 32
+    glEnable(GL_CLIP_PLANE0);
+    glClipPlane(GL_CLIP_PLANE0, plane);
+    const std::pair<_RenderingShaderType, GLenum> programs[] = {{RenderShaderMesh, GL_TRIANGLE_STRIP},
+                                                                {RenderShaderMeshTriangles, GL_TRIANGLES},
+                                                                {RenderShaderMeshQuads, GL_LINES_ADJACENCY},
+                                                                {RenderShaderPoints, GL_POINTS}};
+    for (const auto& [type, mode] : programs)
+        for (int clipped : {0, 1}) {
+            useCatalogue(type);
+            set(MeshSettings{});
+            set("g_lightsOff", 1);
+            set("g_clipped", clipped);
+            Vertices v;
+            v.position = {{0, 0, 0}, {64, 0, 0}, {64, 64, 0}, {0, 64, 0}};
+            if (mode == GL_TRIANGLE_STRIP)
+                std::swap(v.position[2], v.position[3]);
+            if (mode == GL_TRIANGLES)
+                v.position[2] = {64, 128, 0}, v.position.pop_back();
+            if (mode == GL_POINTS)
+                v.position = {{16, 8, 0}, {48, 8, 0}}, v.diameter = {16, 16};
+            const auto pixels = draw(mode, v);
+            EXPECT_NE(pixels[8 * 64 + 15].r, kNothing) << type;
+            EXPECT_EQ(pixels[8 * 64 + 45].r != kNothing, clipped == 0) << type;
+        }
+}

@@ -1,0 +1,315 @@
+// Lighting by its fragments: both models against the rules and what holds for any light, whether what faces
+// the viewer is lit, and the points, which are lit as spheres.
+#include <algorithm>
+#include <random>
+
+#include "tests/shaders/shaderscene.h"
+
+using namespace nrutest;
+
+namespace {
+
+constexpr int kPixels = 64 * 64;
+
+/// A number of -1..1 that is the same on every machine.
+double spread(std::mt19937& random) {
+    return random() / 2147483648.0 - 1;
+}
+
+dvec3 direction(std::mt19937& random) {
+    for (;;) {
+        const dvec3 v(spread(random), spread(random), spread(random));
+        if (const double length = glm::length(v); length > 0.1 && length < 1)
+            return v / length;
+    }
+}
+
+/// Eight lights around the target, all different, of which the bits of a mask are on.
+Lighting makeLighting(unsigned mask, double strength = 0.25) {
+    std::mt19937 random(7);
+    Lighting lighting;
+    const auto fill = [&](float(&color)[4], double scale) {
+        for (float& c : color)
+            c = float(scale * (spread(random) * 0.5 + 0.5));
+    };
+    for (int i = 0; i < 8; ++i) {
+        NglLightParams& light = lighting.lights[i];
+        light.enabled = mask >> i & 1;
+        fill(light.ambient, strength * 0.5);
+        fill(light.diffuse, strength * 2);
+        fill(light.specular, strength * 4);
+        const dvec3 at = dvec3(32, 32, 0) + 60.0 * direction(random);
+        std::copy_n(glm::value_ptr(glm::vec4(at, 1)), 4, light.position);
+        light.constantAttenuation = 0.75f;
+        light.linearAttenuation = 0.005f * i;
+        light.quadraticAttenuation = 0.0001f * (i % 3);
+        lighting.pbrLights[i] = light;
+        std::copy_n(glm::value_ptr(glm::vec4(direction(random), 1)), 4, lighting.pbrLights[i].position);
+    }
+    for (NglMatParams* side : {&lighting.front, &lighting.back}) {
+        fill(side->emission, 0.2);
+        fill(side->specular, 1);
+        side->shininess = side == &lighting.front ? 12 : 3;
+    }
+    return lighting;
+}
+
+class ShaderLighting : public ShaderTest {
+protected:
+    void SetUp() override {
+        ShaderTest::SetUp();
+        settings.useelemnormbuff = 1;
+        std::mt19937 random(3);
+        for (int i = 0; i < kPixels; ++i) {
+            points.position.push_back(pixelCentre(i, float(20 * spread(random))));
+            facts.normals.push_back(direction(random));
+        }
+    }
+    /// One point a pixel, each with a normal of its own.
+    std::vector<glm::vec4> drawPoints(const Lighting& lighting, glm::mat4 model = glm::mat4(1)) {
+        useCatalogue(RenderShaderMesh);
+        glm::mat4 view = model;
+        glm::mat4 projection = glm::ortho(0.0f, 64.0f, 0.0f, 64.0f, -100.0f, 100.0f) * glm::inverse(model);
+        RenderingGetShaderProgram(RenderShaderMesh)
+            ->SetMVPMatrices(glm::value_ptr(projection), glm::value_ptr(view), true);
+        set(facts);
+        set(settings);
+        set(lighting);
+        return draw(GL_POINTS, points);
+    }
+    void expectRules(const char* name, const Lighting& lighting, double tolerance,
+                     glm::mat4 model = glm::mat4(1)) {
+        SCOPED_TRACE(name);
+        const auto pixels = drawPoints(lighting, model);
+        const dmat4 modelView(model), normalMatrix = transpose(inverse(modelView));
+        Audit audit;
+        for (int i = 0; i < kPixels; ++i) {
+            const dvec3 N = normalize(dvec3(normalMatrix * dvec4(facts.normals[i], 0)));
+            dvec3 position(points.position[i]);
+            if (!lighting.physicallyBased)
+                position = dvec3(modelView * dvec4(position, 1));
+            audit.add(lighting.shade(facts.vertexColor, N, position), pixels[i],
+                      [i] { return "pixel " + std::to_string(i); });
+        }
+        audit.report(name);
+        EXPECT_LE(audit.largest, tolerance) << audit.worst;
+    }
+    MeshFacts facts;
+    MeshSettings settings;
+    Vertices points;
+};
+
+/// The largest difference of two pictures.
+double apart(const std::vector<glm::vec4>& a, const std::vector<glm::vec4>& b) {
+    Audit audit;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        audit.add(dvec4(a[i]), b[i], [] { return std::string(); });
+    return audit.largest;
+}
+
+/// Directions spread evenly over the half sphere around +z.
+dvec3 hemisphere(int i, int count) {
+    const double z = (i + 0.5) / count, angle = i * 2.399963229728653, r = std::sqrt(1 - z * z);
+    return {r * std::cos(angle), r * std::sin(angle), z};
+}
+
+} // namespace
+
+TEST_F(ShaderLighting, ClassicModelFollowsTheRules) {
+    // Sums of eight lights in float, and the driver's power.
+    constexpr double kTolerance = 2e-5;
+    expectRules("no light", makeLighting(0), kTolerance);
+    expectRules("light 5 alone", makeLighting(1 << 5), kTolerance);
+    expectRules("lights 0, 3, 6 and 7", makeLighting(0xC9), kTolerance);
+    expectRules("all lights", makeLighting(0xFF), kTolerance);
+    expectRules("lights too bright", makeLighting(0xFF, 4), kTolerance);
+    const glm::mat4 model = glm::rotate(
+        glm::scale(glm::translate(glm::mat4(1), {9, -4, 3}), {0.5f, 0.75f, 1.5f}), 0.7f, {1, 2, 3});
+    expectRules("a turned and stretched model", makeLighting(0xFF), kTolerance, model);
+    Lighting lighting = makeLighting(0xFF);
+    lighting.off = 1;
+    expectRules("lights off", lighting, 0);
+    const auto off = drawPoints(lighting);
+    lighting.physicallyBased = 1;
+    EXPECT_EQ(apart(drawPoints(lighting), off), 0) << "lights off holds for both models";
+}
+
+TEST_F(ShaderLighting, PhysicallyBasedModelFollowsTheRules) {
+    for (const dvec3& material : // metalness, roughness, reflectivity
+         {dvec3(0, 1, 0.04), dvec3(0.3, 0.2, 0.92), dvec3(1, 0.5, 0), dvec3(0.5, 0.3, 0.5)})
+        for (const dvec3 camera : {dvec3(32, 32, 100), dvec3(-50, 10, 20)})
+            for (unsigned mask : {0u, 0x20u, 0xB7u, 0xFFu}) {
+                Lighting lighting = makeLighting(mask);
+                lighting.physicallyBased = 1;
+                lighting.metalness = material.x;
+                lighting.roughness = material.y;
+                lighting.reflectivity = material.z;
+                lighting.camera = camera;
+                // The distribution's peak loses digits: its denominator is roughness^4 beside terms of 1;
+                // then the driver's powers.
+                expectRules("physically based", lighting, 1e-4);
+            }
+}
+
+TEST_F(ShaderLighting, HoldsWhatHoldsForAnyLight) {
+    for (int physicallyBased : {0, 1}) {
+        SCOPED_TRACE(physicallyBased);
+        Lighting lighting = makeLighting(0xFF);
+        lighting.physicallyBased = physicallyBased;
+        lighting.back = lighting.front;
+        const auto pixels = drawPoints(lighting);
+        for (dvec3& normal : facts.normals)
+            normal = -normal;
+        EXPECT_LE(apart(drawPoints(lighting), pixels), 2e-7) << "both sides look the same but for a rounding";
+        std::reverse(lighting.lights.begin(), lighting.lights.end());
+        std::reverse(lighting.pbrLights.begin(), lighting.pbrLights.end());
+        EXPECT_LE(apart(drawPoints(lighting), pixels), 2e-6) << "the order of a float sum";
+    }
+}
+
+TEST_F(ShaderLighting, ReflectsNoMoreThanItsConstantsAllow) {
+    constexpr int kLights = 1024;
+    facts.normals = {{0, 0, 1}};
+    points.position = {{8.5f, 8.5f, 0}};
+    facts.vertexColor = {1, 1, 1, 1};
+    // The light of a whole white sky that one point sends to the camera.
+    const auto reflected = [&](Lighting lighting) {
+        double sum = 0;
+        for (int i = 0; i < kLights; i += 8) {
+            for (int l = 0; l < 8; ++l) {
+                lighting.pbrLights[l].enabled = 1;
+                std::copy_n(glm::value_ptr(glm::vec4(hemisphere(i + l, kLights), 1)), 4,
+                            lighting.pbrLights[l].position);
+            }
+            const double mapped = std::pow(double(drawPoints(lighting)[8 * 64 + 8].r), 2.2);
+            sum += mapped / (1 - mapped);
+        }
+        return sum * 2 * 3.14159265359 / kLights;
+    };
+    Lighting lighting;
+    lighting.physicallyBased = 1;
+    for (double roughness : {0.5, 0.75, 1.0})
+        for (double tilt : {0.0, 50.0}) {
+            SCOPED_TRACE(roughness + tilt);
+            lighting.roughness = roughness;
+            lighting.camera = dvec3(8.5 + tilt, 8.5, 40);
+            lighting.metalness = 1;
+            const double metal = reflected(lighting);
+            EXPECT_LT(metal, 0.9) << "the factor of the specular term";
+            EXPECT_GT(metal, 0.2);
+            lighting.metalness = 0;
+            lighting.reflectivity = 0;
+            const double dull = reflected(lighting);
+            EXPECT_GT(dull, 0.99) << "all that falls on it, as diffuse light";
+            EXPECT_LT(dull, 1.2) << "and its Fresnel edge";
+        }
+}
+
+TEST_F(ShaderLighting, WhatFacesTheViewerIsLit) {
+    struct Row {
+        const char* name;
+        _RenderingShaderType type; // none: elements by attribute
+        GLenum mode;
+        int smooth = 0, elementNormals = 0;
+    };
+    const Row rows[] = {{"derivatives", RenderShaderMesh, GL_QUADS},
+                        {"element normals", RenderShaderMesh, GL_QUADS, 0, 1},
+                        {"vertex normals", RenderShaderMesh, GL_QUADS, 1},
+                        {"elements by attribute", RenderShaderNone, GL_QUADS},
+                        {"triangle stage", RenderShaderMeshTriangles, GL_TRIANGLES},
+                        {"triangle stage, vertex normals", RenderShaderMeshTriangles, GL_TRIANGLES, 1},
+                        {"quad stage", RenderShaderMeshQuads, GL_LINES_ADJACENCY},
+                        {"quad stage, vertex normals", RenderShaderMeshQuads, GL_LINES_ADJACENCY, 1}};
+    Lighting lighting;
+    lighting.lights[2] = {1, {0.1f, 0.1f, 0.1f, 1}, {0.8f, 0.8f, 0.8f, 1}, {}, {32, 32, 90, 1}, 1, 0, 0};
+    lighting.pbrLights[2] = {1, {}, {}, {}, {0, 0, 1, 1}, 1, 0, 0};
+    lighting.roughness = 0.75;
+    lighting.reflectivity = 0.1;
+    facts.vertexColor = {1, 1, 1, 1};
+    facts.elements = {{}};
+    facts.normals = {{0, 0, 1}};
+    for (const Row& row : rows)
+        for (int physicallyBased : {0, 1}) {
+            SCOPED_TRACE(row.name);
+            NShaderProgram* program = RenderingGetShaderProgram(row.type);
+            lighting.physicallyBased = physicallyBased;
+            // The middle of a square of 32 units that is turned about the vertical through it.
+            const auto middle = [&](double degrees) {
+                const glm::mat4 turn = glm::translate(glm::mat4(1), {32, 32, 0}) *
+                                       glm::rotate(glm::mat4(1), float(degrees * M_PI / 180), {0, 1, 0});
+                use(program ? *program : elementMeshProgram(), physicallyBased ? glm::mat4(1) : turn);
+                settings = {};
+                settings.smooth = row.smooth;
+                settings.useelemnormbuff = row.elementNormals;
+                const glm::mat4 model = physicallyBased ? turn : glm::mat4(1);
+                facts.normals = {dvec3(model * glm::vec4(0, 0, 1, 0))};
+                set(facts);
+                set(settings);
+                set(lighting);
+                Vertices square;
+                for (const glm::vec2& at : {glm::vec2(-16, -16), {16, -16}, {16, 20}, {-16, 16}})
+                    square.position.push_back(model * glm::vec4(at, 0, 1));
+                if (row.mode == GL_TRIANGLES)
+                    square.position.pop_back();
+                square.vertexNormal.assign(4, glm::vec4(facts.normals[0], 0));
+                square.element.assign(4, 0);
+                return draw(row.mode, square)[31 * 64 + 32].r;
+            };
+            const float facing = middle(0), edgeOn = middle(80), behind = middle(180);
+            EXPECT_GT(facing, edgeOn + 0.2f);
+            EXPECT_NEAR(behind, facing, 1e-3) << "both sides are lit alike";
+            if (!physicallyBased) {
+                EXPECT_NEAR(facing, 0.1 * 1.74 + 0.8 * 0.5, 1e-3) << "beside the light's axis by a pixel";
+            }
+        }
+}
+
+TEST_F(ShaderLighting, PointsFollowTheRules) {
+    // Points of 8 x 8 pixels, one for each combination of the elements' facts.
+    constexpr int kPoints = 64, kDiameter = 8;
+    facts.normals.clear();
+    points = {};
+    for (int i = 0; i < kPoints; ++i) {
+        ElementFacts e;
+        e.visible = i & 1;
+        e.picked = i >> 1 & 3;
+        e.color = {i * 3, 255 - i * 2, i * 4, i >> 3 & 1};
+        facts.elements.push_back(e);
+        points.position.push_back({i % 8 * kDiameter + 4, i / 8 * kDiameter + 4, i % 5});
+        points.texture.push_back({(i * 5 % 24 + 0.5f) / 24, i % 2, 0, 1});
+        points.diameter.push_back(kDiameter / 2);
+        points.size.push_back(kDiameter);
+    }
+    facts.contour = Contour(kPoints);
+    const Lighting lighting = makeLighting(0x2D);
+    useCatalogue(RenderShaderPoints);
+    set(facts);
+    set(lighting);
+    Audit audit;
+    for (int i = 0; i < 1 << 8; ++i)
+        for (int type : {1, 2, 3}) {
+            MeshSettings s{.ct = type};
+            for (int bit = 0; const auto field : {&S::advdisp, &S::advparamset, &S::bao, &S::behs, &S::bem,
+                                                  &S::bct, &S::use_clr_scale, &S::transparent})
+                s.*field = i >> bit++ & 1;
+            set(s);
+            // Without a size for each point its diameter counts; the scale makes 8 pixels of both.
+            set("g_ptsize_scale", s.advdisp == 1 && s.advparamset == 1 ? 1.0f : 2.0f);
+            const auto pixels = draw(GL_POINTS, points);
+            for (int p = 0; p < kPixels; ++p) {
+                const int x = p % 64, y = p / 64, primitive = y / kDiameter * 8 + x / kDiameter;
+                const dvec2 place((x % kDiameter + 0.5) / 4 - 1, 1 - (y % kDiameter + 0.5) / 4);
+                Fragment f{};
+                f.primitive = primitive;
+                f.position = points.position[primitive];
+                f.texture = points.texture[primitive];
+                audit.add(pointFragment(s, facts, lighting, f, place), pixels[p], [&] {
+                    return "combination " + std::to_string(i) + " type " + std::to_string(type) + " point " +
+                           std::to_string(primitive) + " at " + std::to_string(place.x) + ", " +
+                           std::to_string(place.y);
+                });
+            }
+        }
+    audit.report("points");
+    EXPECT_LE(audit.largest, 2e-5) << audit.worst; // sums of lights in float, and the driver's power
+}
