@@ -33,8 +33,8 @@ inline std::string& hostLog() {
 }
 
 inline void captureHostLog() {
-    static const auto write = [](int number, const char* text) {
-        hostLog() += std::to_string(number) + " " + text + "\n";
+    static const auto write = [](int n, const char* text) {
+        hostLog() += std::to_string(n) + " " + text + "\n";
     };
     NHostServices services{};
     services.message = [](void*, int kind, const char* text) { write(kind, text); };
