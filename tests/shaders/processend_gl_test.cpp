@@ -14,10 +14,11 @@ namespace {
 TestProgram program;
 RenderGLBuffer buffer;
 RenderGLTBO textureBuffer;
+nruview::OffscreenContext* context; ///< destroyed by choice only
 
 void makeAll(bool destroyContext) {
-    auto& context = *new nruview::OffscreenContext;
-    ASSERT_EQ(context.create(4, 4), "");
+    context = new nruview::OffscreenContext;
+    ASSERT_EQ(context->create(4, 4), "");
     const float texels[3] = {1, 2, 3};
     ASSERT_TRUE(program.build("void main() { gl_Position = gl_Vertex; }", "void main() {}"));
     SetRenderingContextActive(true); // and never taken back
@@ -25,7 +26,7 @@ void makeAll(bool destroyContext) {
     textureBuffer.Create(GL_TEXTURE_BUFFER, texels, sizeof texels, GL_STATIC_DRAW, GL_R32F, 0);
     ASSERT_TRUE(buffer.IsValid() && textureBuffer.IsValid());
     if (destroyContext)
-        delete &context;
+        delete context;
 }
 
 /// From here on a deletion shows in the exit code.
@@ -36,8 +37,8 @@ void refuseDeletions() {
 }
 
 TEST(StaticGlObjects, CallNoDriverAtProcessEnd) {
-    for (const char* context : {"none", "kept", "of another thread", "destroyed"})
-        if (!ranInSubprocess({{"CONTEXT", context}})) {
+    for (const char* fate : {"none", "kept", "of another thread", "destroyed"})
+        if (!ranInSubprocess({{"CONTEXT", fate}})) {
             const std::string_view wanted = std::getenv("CONTEXT");
             if (wanted == "of another thread")
                 std::thread(makeAll, false).join();
