@@ -17,41 +17,47 @@ uniform float g_tsf;
 uniform samplerBuffer g_tbuff; // a value, or a texture coordinate, for each element
 uniform sampler2D g_ctt;
 
-// Band that holds a value, or -1; no band holds a value that is not a number.
+// Band that holds a value, or -1; no band holds a value that is not a number. A binary search that first looks
+// where the value lies if all bands are equally wide, as they mostly are.
 int findBandIndex(float value) {
-    int low = 0, high = isnan(value) ? -1 : g_num_clr_bands - 1;
-    while (low <= high) {
-        int mid = (low + high) / 2;
-        if (value >= g_clr_bands[mid].min_val && g_clr_bands[mid].max_val > value)
-            return mid;
-        if (g_clr_bands[mid].min_val > value)
-            high = mid - 1;
-        else
-            low = mid + 1;
-    }
-    return -1;
+    int low = 0, high = g_num_clr_bands - 1, band = -1;
+    float part = (value - g_band_min_val) / (g_band_max_val - g_band_min_val);
+    int mid = max(0, min(int(part * float(g_num_clr_bands)), high));
+    if (high >= 0 && !isnan(value))
+        do {
+            bool below = g_clr_bands[mid].min_val > value;
+            if (!below && g_clr_bands[mid].max_val > value)
+                band = mid;
+            if (below)
+                high = mid - 1;
+            else
+                low = mid + 1;
+            mid = (low + high) / 2;
+        } while (band == -1 && low <= high);
+    return band;
 }
 
-vec3 bandColor(int band, int ctype, float value) {
-    vec3 color = g_clr_bands[band].color;
-    if (ctype != 1 || band == g_num_clr_bands - 1)
-        return color;
-    float width = g_clr_bands[band].max_val - g_clr_bands[band].min_val;
-    return mix(color, g_clr_bands[band + 1].color, (value - g_clr_bands[band].min_val) / width);
+// Towards the colour of the next band.
+vec3 smearedColor(int band, float value) {
+    float low = g_clr_bands[band].min_val, high = g_clr_bands[band].max_val;
+    return mix(g_clr_bands[band].color, g_clr_bands[band + 1].color, (value - low) / (high - low));
 }
 
 vec4 getContourColorFromColorScale(int primID, int ctype, float bandvalue) {
     float value = ctype == 2 ? texelFetch(g_tbuff, primID).r : bandvalue;
+    int last = g_num_clr_bands - 1;
+    bool oneValue = g_band_min_val == g_band_max_val;
+    int band = value == g_band_max_val ? last : findBandIndex(value);
+    vec3 color = band == -1 ? g_oor_min_clr : g_clr_bands[band].color;
+    if (ctype == 1 && band != -1 && band != last)
+        color = smearedColor(band, value);
+    if (oneValue)
+        color = g_clr_bands[g_num_clr_bands / 2].color;
     if (value < g_band_min_val)
-        return vec4(g_oor_min_clr, 1.0);
+        color = g_oor_min_clr;
     if (value > g_band_max_val)
-        return vec4(g_oor_max_clr, 1.0);
-    if (g_band_min_val == g_band_max_val)
-        return vec4(g_clr_bands[g_num_clr_bands / 2].color, 1.0);
-    if (value == g_band_max_val)
-        return vec4(g_clr_bands[g_num_clr_bands - 1].color, 1.0);
-    int band = findBandIndex(value);
-    return vec4(band == -1 ? g_oor_min_clr : bandColor(band, ctype, value), 1.0);
+        color = g_oor_max_clr;
+    return vec4(color, 1.0);
 }
 
 vec4 getContourColorFromTexture(int primID, int ctype, vec2 texcoord) {

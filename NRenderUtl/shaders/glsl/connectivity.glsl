@@ -11,7 +11,7 @@ uniform int g_smooth;
 
 out GSVertexData {
     vec3 position;
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
     vec3 normal;
     flat int contour;

@@ -51,11 +51,23 @@ float highlight(float cosine, float shininess) {
     return shininess == 0.0 ? 1.0 : pow(max(0.0, cosine), shininess);
 }
 
-// Sums of what the lights give to the two sides, before colour and material.
+// Number of the last light that is on, or 0. Loops over lights end there: on a processor without a GPU each
+// pass costs as much for a light that is off.
+int lastLight() {
+#ifdef LIGHT_COUNT
+    return LIGHT_COUNT - 1;
+#else
+    int last = 7;
+    while (last > 0 && g_lights[last].status != 1)
+        --last;
+    return last;
+#endif
+}
+
+// What the lights give, before the colour and the emission of the surface.
 struct Illumination {
     vec4 ambientDiffuse;
-    vec4 frontSpecular;
-    vec4 backSpecular;
+    vec4 specular;
 };
 
 void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illumination sum) {
@@ -63,35 +75,35 @@ void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illuminatio
     float d = length(toLight);
     toLight /= d;
     float brightness = 1.0 / (light.constattn + light.linattn * d + light.quadattn * d * d);
-    vec3 halfway = normalize(vec3(0.0, 0.0, 1.0) + toLight); // the viewer stays on +z
     float cosLight = dot(normal, toLight);
-    float cosHalf = dot(normal, halfway);
+    // The half vector is z + toLight, with a viewer fixed on +z; its square is 2 + 2 toLight.z.
+    float cosHalf = (normal.z + cosLight) * inversesqrt(2.0 + 2.0 * toLight.z);
+    bool front = cosLight > 0.0;
+    float shine = highlight(front ? cosHalf : -cosHalf, front ? g_frontmat.shininess : g_backmat.shininess);
+    vec4 specular = front ? g_frontmat.specular : g_backmat.specular;
+    // Ambient and diffuse weigh the same on both sides.
     sum.ambientDiffuse += light.ambient * (brightness * kAmbientScale);
-    // Both sides weigh the same, whichever the light is on.
     sum.ambientDiffuse += light.diffuse * (brightness * kDiffuseScale * abs(cosLight));
-    if (cosLight > 0.0)
-        sum.frontSpecular += light.specular * (brightness * highlight(cosHalf, g_frontmat.shininess));
-    if (cosLight < 0.0)
-        sum.backSpecular += light.specular * (brightness * highlight(-cosHalf, g_backmat.shininess));
+    if (cosLight != 0.0)
+        sum.specular += light.specular * specular * (brightness * shine);
 }
 
-// Blinn 1977 with a viewer at infinity, both sides lit.
+// Blinn 1977, both sides lit.
 vec4 classicColor(vec4 color, vec3 position, vec3 normal) {
-    Illumination sum = Illumination(vec4(0.0), vec4(0.0), vec4(0.0));
-    int last = 7;
-    while (last >= 0 && g_lights[last].status != 1)
-        --last;
-    for (int i = 0; i <= last; ++i)
+    Illumination sum = Illumination(vec4(0.0), vec4(0.0));
+    int last = lastLight(), i = 0;
+    do {
         if (g_lights[i].status == 1)
             addLight(g_lights[i], position, normal, sum);
-    color = g_frontmat.emission + g_backmat.emission + sum.ambientDiffuse * color +
-            sum.frontSpecular * g_frontmat.specular + sum.backSpecular * g_backmat.specular;
+    } while (++i <= last);
+    color = g_frontmat.emission + g_backmat.emission + sum.ambientDiffuse * color + sum.specular;
     return clamp(color, 0.0, 1.0);
 }
 
 // Schlick 1994, equation 15.
 vec3 fresnel(vec3 f0, float cosine) {
-    return f0 + (1.0 - f0) * pow(1.0 - cosine, 5.0);
+    float c = 1.0 - cosine;
+    return f0 + (1.0 - f0) * (c * c * c * c * c);
 }
 
 // Walter et al. 2007, equation 33, with alpha = roughness^2.
@@ -125,12 +137,13 @@ vec3 directLight(vec3 albedo, vec3 f0, vec3 normal, vec3 toViewer) {
     if (!(dot(normal, toViewer) > 0.0))
         normal = -normal;
     vec3 sum = vec3(0.0);
-    int last = 7;
-    while (last >= 0 && g_pbrlights[last].status != 1)
+    int last = 7, i = 0;
+    while (last > 0 && g_pbrlights[last].status != 1)
         --last;
-    for (int i = 0; i <= last; ++i)
+    do {
         if (g_pbrlights[i].status == 1)
             sum += directTerm(albedo, f0, normal, normalize(g_pbrlights[i].position.xyz), toViewer);
+    } while (++i <= last);
     return sum;
 }
 

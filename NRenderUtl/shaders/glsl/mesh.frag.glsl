@@ -4,7 +4,7 @@
 
 in VertexData {
     vec3 position;
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
     vec3 normal;
     flat int sharp;
@@ -56,16 +56,16 @@ int elementOf(int primitive) {
 vec3 elementNormal(int primitive) {
     if (g_nfconn == 1)
         primitive = texelFetch(g_fporgconnbuff, primitive).r;
-    vec3 normal = texelFetch(g_elnormbuff, primitive).xyz;
-    return (g_normalmat * vec4(normal, 1.0)).xyz;
+    return (g_normalmat * vec4(texelFetch(g_elnormbuff, primitive).xyz, 1.0)).xyz;
 }
 
 vec3 fragmentNormal(int primitive) {
+    vec3 normal = cross(dFdy(VertexIn.position), dFdx(VertexIn.position));
     if (g_smooth == 1)
-        return normalize(VertexIn.normal);
-    if (g_useelemnormbuff == 1)
-        return normalize(elementNormal(primitive));
-    return normalize(cross(dFdy(VertexIn.position), dFdx(VertexIn.position)));
+        normal = VertexIn.normal;
+    else if (g_useelemnormbuff == 1)
+        normal = elementNormal(primitive);
+    return normalize(normal);
 }
 
 void main() {

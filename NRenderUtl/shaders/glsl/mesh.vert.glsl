@@ -23,7 +23,7 @@ uniform int g_use_clr_scale;
 
 out VertexData {
     vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
     vec3 normal;
     flat int sharp;

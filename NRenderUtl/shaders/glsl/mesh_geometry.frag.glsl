@@ -5,7 +5,7 @@
 
 in GSVertexData {
     vec3 position;
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
     vec3 normal;
     flat int contour;

@@ -6,7 +6,7 @@ layout(triangle_strip, max_vertices = 4) out;
 
 in VertexData {
     vec3 position;
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
     vec3 normal;
     flat int sharp;

@@ -4,7 +4,7 @@
 
 in PointData {
     vec3 position;
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
 } VertexIn;
 

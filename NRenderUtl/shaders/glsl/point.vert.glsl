@@ -20,7 +20,7 @@ uniform int g_use_clr_scale;
 
 out PointData {
     vec3 position; // eye space
-    vec4 color;
+    flat vec4 color;
     vec2 texcoord;
 } VertexOut;
 
