@@ -1,14 +1,23 @@
 // Programs made of the catalogue's stages in other ways.
 #include "NRenderUtl/shaders/meshprograms.h"
 
+#include <map>
+
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
-NShaderProgram& elementMeshProgram() {
-    static ComposedProgram program;
-    static bool tried = false;
-    if (!tried && IsFastRendererEnabled()) {
-        tried = true;
-        program.build(RenderShaderMesh, "ELEMENT_ATTRIBUTE");
+NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
+    struct Entry {
+        bool tried = false;
+        ComposedProgram program;
+    };
+    static std::map<MeshProgramVariant, Entry> entries;
+    Entry& entry = entries[variant];
+    if (!entry.tried && IsFastRendererEnabled()) {
+        entry.tried = true;
+        SourceChanges changes{{"ELEMENT_ATTRIBUTE"}, variant.switches};
+        if (variant.lightCount >= 0)
+            changes.defines.push_back("LIGHT_COUNT " + std::to_string(variant.lightCount));
+        entry.program.build(RenderShaderMesh, changes);
     }
-    return program;
+    return entry.program;
 }

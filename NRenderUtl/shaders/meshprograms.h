@@ -1,12 +1,32 @@
 // Programs that stages of the catalogue make in other ways, for the renderers of the library.
 #pragma once
 
+#include <compare>
+#include <string>
+#include <vector>
+
 #include "NRenderUtl/shaders/nshaders.h"
 
+/// An int uniform that a program holds as a constant instead.
+struct FixedSwitch {
+    std::string name;
+    int value;
+    auto operator<=>(const FixedSwitch&) const = default;
+};
+
+/// What is compiled into a program rather than read: a driver without a GPU computes both sides of every
+/// switch, for every fragment.
+struct MeshProgramVariant {
+    std::vector<FixedSwitch> switches; ///< in the same order for the same program
+    int lightCount = -1;               ///< lights from this number on are off; -1 = as the uniforms say
+    auto operator<=>(const MeshProgramVariant&) const = default;
+};
+
 /// The mesh program that takes the element number from the provoking vertex's float attribute
-/// kElementAttribute in place of the primitive id, which is faster on drivers that have to count primitives.
-/// Same uniforms, same pictures as RenderShaderMesh. Built on the first call, which needs a current context;
-/// not valid where the driver refuses it or IsFastRendererEnabled is 0.
-NShaderProgram& elementMeshProgram();
+/// kElementAttribute (exact up to 2^24) in place of the primitive id, which is faster on drivers that have to
+/// count primitives. Same pictures as RenderShaderMesh, same uniforms but for the fixed ones, which it lacks.
+/// Each variant is built when it is first asked for, which needs a current context, and lives as long as the
+/// process. Not valid where the driver refuses it or IsFastRendererEnabled is 0.
+NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant = {});
 
 inline constexpr const char* kElementAttribute = "g_elem_attrib";

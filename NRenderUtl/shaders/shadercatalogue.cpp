@@ -55,13 +55,35 @@ const Composition& compositionOf(_RenderingShaderType type) {
     return compositions[type - RenderShaderMesh];
 }
 
-/// A main source with a name defined right after its version line.
-std::string withDefine(const char* source, const char* define) {
-    std::string text = source;
-    if (define)
-        text.insert(text.find('\n') + 1, "#define " + std::string(define) + "\n");
-    return text;
+void fixSwitch(std::string& source, const FixedSwitch& fixed) {
+    const std::string uniform = "uniform int " + fixed.name + ";";
+    const std::size_t at = source.find(uniform);
+    if (at != std::string::npos)
+        source.replace(at, uniform.size(),
+                       "const int " + fixed.name + " = " + std::to_string(fixed.value) + ";");
 }
+
+/// The strings of one stage, the main one first.
+class StageSources {
+public:
+    StageSources(const Sources& sources, const SourceChanges& changes)
+        : m_texts(sources.begin(), sources.end()) {
+        for (std::string& text : m_texts)
+            for (const FixedSwitch& fixed : changes.switches)
+                fixSwitch(text, fixed);
+        for (const std::string& define : changes.defines)
+            if (!m_texts.empty())
+                m_texts.front().insert(m_texts.front().find('\n') + 1, "#define " + define + "\n");
+        for (const std::string& text : m_texts)
+            m_pointers.push_back(text.c_str());
+    }
+    int count() const { return static_cast<int>(m_pointers.size()); }
+    const char** data() { return m_pointers.data(); }
+
+private:
+    std::vector<std::string> m_texts;
+    Sources m_pointers;
+};
 
 struct Catalogue {
     bool initialised = false;
@@ -141,14 +163,13 @@ void startUp() {
 
 } // namespace
 
-bool ComposedProgram::build(_RenderingShaderType type, const char* define) {
+bool ComposedProgram::build(_RenderingShaderType type, const SourceChanges& changes) {
     const Composition& composition = compositionOf(type);
-    const std::string vertex = withDefine(composition.vertex.front(), define);
-    const std::string fragmentMain = withDefine(composition.fragment.front(), define);
-    Sources fragment = composition.fragment, geometry = composition.geometry;
-    fragment.front() = fragmentMain.c_str();
-    if (!CompileProgram(vertex.c_str(), static_cast<int>(fragment.size()), fragment.data(),
-                        static_cast<int>(geometry.size()), geometry.data(), composition.geometryInputKind))
+    StageSources vertex(composition.vertex, changes);
+    StageSources geometry(composition.geometry, changes);
+    StageSources fragment(composition.fragment, changes);
+    if (!CompileProgram(*vertex.data(), fragment.count(), fragment.data(), geometry.count(), geometry.data(),
+                        composition.geometryInputKind))
         return false;
     labelGlObject(GL_PROGRAM, static_cast<GLuint>(m_program), composition.label);
     assignSamplerUnits(*this);

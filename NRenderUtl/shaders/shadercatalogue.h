@@ -1,12 +1,22 @@
 // The programs that the library shares, and how their stages are put together.
 #pragma once
 
+#include <string>
+#include <vector>
+
+#include "NRenderUtl/shaders/meshprograms.h"
 #include "NRenderUtl/shaders/nshaders.h"
+
+/// How the sources of a program differ from those of its catalogue type.
+struct SourceChanges {
+    std::vector<std::string> defines; ///< right after each stage's version line
+    std::vector<FixedSwitch> switches;
+};
 
 /// A program built from the sources of a catalogue type, with sampler units assigned and a name for
 /// debuggers.
 class ComposedProgram : public NShaderProgram {
 public:
-    /// define: null, or a name that the main source of each stage then sees as defined. Whether it linked.
-    bool build(_RenderingShaderType type, const char* define = nullptr);
+    /// Whether it linked.
+    bool build(_RenderingShaderType type, const SourceChanges& changes = {});
 };

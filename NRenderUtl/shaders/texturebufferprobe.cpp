@@ -52,15 +52,6 @@ GLuint makeBuffer(GLenum target, GLsizeiptr size, const void* data, GLenum usage
     return 0;
 }
 
-void attachToBufferTexture(GLenum format, GLuint buffer) {
-    if (epoxy_gl_version() >= 31)
-        glTexBuffer(GL_TEXTURE_BUFFER, format, buffer);
-    else if (epoxy_has_gl_extension("GL_ARB_texture_buffer_object"))
-        glTexBufferARB(GL_TEXTURE_BUFFER, format, buffer);
-    else
-        glTexBufferEXT(GL_TEXTURE_BUFFER, format, buffer);
-}
-
 /// State of the host that would keep fragments or vertices from the probe.
 void neutralizeState() {
     for (const GLenum capability : {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_CULL_FACE, GL_DEPTH_TEST,
@@ -127,7 +118,7 @@ bool TextureBufferProbe::makeTextureBuffer(GLenum format) {
     if (buffer != 0) {
         glGenTextures(1, &texture);
         glBindTexture(GL_TEXTURE_BUFFER, texture);
-        attachToBufferTexture(format, buffer);
+        glTexBuffer(GL_TEXTURE_BUFFER, format, buffer);
     }
     m_textureBuffer = buffer != 0 ? static_cast<std::int32_t>(buffer) : -1;
     m_texture = buffer != 0 ? static_cast<std::int32_t>(texture) : -1;
@@ -183,7 +174,7 @@ bool TextureBufferProbe::drawsGreen(GLenum format, const _NglFBOInfoStr& target)
 }
 
 bool TextureBufferProbe::run(GLenum format) {
-    if (!IsProgramValid() || !makeTextureBuffer(format))
+    if (!IsProgramValid() || epoxy_gl_version() < 31 || !makeTextureBuffer(format))
         return false;
     GLint vertexArray = 0;
     if (epoxy_gl_version() >= 30) {

@@ -76,8 +76,7 @@ void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illuminatio
     toLight /= d;
     float brightness = 1.0 / (light.constattn + light.linattn * d + light.quadattn * d * d);
     float cosLight = dot(normal, toLight);
-    // The half vector is z + toLight, with a viewer fixed on +z; its square is 2 + 2 toLight.z.
-    float cosHalf = (normal.z + cosLight) * inversesqrt(2.0 + 2.0 * toLight.z);
+    float cosHalf = dot(normal, normalize(vec3(0.0, 0.0, 1.0) + toLight)); // the viewer stays on +z
     bool front = cosLight > 0.0;
     float shine = highlight(front ? cosHalf : -cosHalf, front ? g_frontmat.shininess : g_backmat.shininess);
     vec4 specular = front ? g_frontmat.specular : g_backmat.specular;
