@@ -3,6 +3,7 @@
 #include "NRenderUtl/mesh/facetree.h"
 
 #include <array>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -50,7 +51,8 @@ std::vector<Piece> makePieces(const ElementSurface& surface) {
     Cluster cluster;
     for (std::uint32_t face = 0; face < faces; ++face) {
         if (faces - face > kAhead)
-            __builtin_prefetch(&surface.positions[surface.face(face + kAhead)[0]]);
+            for (std::uint32_t vertex : surface.face(face + kAhead))
+                __builtin_prefetch(&surface.positions[vertex]);
         const FaceBox box = boxOf(surface, face);
         if (cluster.add(box, 1))
             continue;
@@ -196,7 +198,8 @@ void FaceTree::addLeaf(const FaceBox& box, std::uint32_t faces) {
 void FaceTree::makeLeaves(const ElementSurface& surface) {
     const std::vector<Piece> pieces = makePieces(surface);
     const std::vector<Place> order = orderOf(std::span(pieces).first(pieces.size() - 1));
-    m_faces.reserve(surface.faceCount());
+    m_faces.resize(surface.faceCount());
+    auto nextFace = m_faces.begin();
     m_leaves.push_back(0);
     Cluster cluster;
     for (std::size_t i = 0; i < order.size(); ++i) {
@@ -209,8 +212,8 @@ void FaceTree::makeLeaves(const ElementSurface& surface) {
             cluster = {};
             cluster.add(pieces[piece].box, end - first);
         }
-        for (std::uint32_t face = first; face < end; ++face)
-            m_faces.push_back(face);
+        std::iota(nextFace, nextFace + (end - first), first);
+        nextFace += end - first;
     }
     addLeaf(cluster.box, cluster.faces);
 }
