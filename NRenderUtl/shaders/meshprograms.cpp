@@ -14,7 +14,9 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
     Entry& entry = entries[variant];
     if (!entry.tried && IsFastRendererEnabled()) {
         entry.tried = true;
-        SourceChanges changes{{"ELEMENT_ATTRIBUTE"}, variant.switches};
+        SourceChanges changes{{"ELEMENT_ATTRIBUTE"}, variant.switches, variant.block};
+        if (!variant.highlights)
+            changes.defines.push_back("NO_HIGHLIGHTS");
         if (variant.lightCount >= 0)
             changes.defines.push_back("LIGHT_COUNT " + std::to_string(variant.lightCount));
         entry.program.build(RenderShaderMesh, changes);

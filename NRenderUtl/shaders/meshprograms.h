@@ -17,8 +17,13 @@ struct FixedSwitch {
 /// What is compiled into a program rather than read: a driver without a GPU computes both sides of every
 /// switch, for every fragment.
 struct MeshProgramVariant {
-    std::vector<FixedSwitch> switches; ///< in the same order for the same program
-    int lightCount = -1;               ///< lights from this number on are off; -1 = as the uniforms say
+    std::vector<FixedSwitch> switches{}; ///< in the same order for the same program
+    int lightCount = -1;                 ///< lights from this number on are off; -1 = as the uniforms say
+    /// Lights, materials and bands come from the buffer of blocklayout.h, bound to kBlockUnit, and the
+    /// program has kEntriesUniform in place of their uniforms: vec3 of the last entry, guess factor and guess
+    /// offset.
+    bool block = false;
+    bool highlights = true; ///< with a block: not all are black
     auto operator<=>(const MeshProgramVariant&) const = default;
 };
 
@@ -30,3 +35,4 @@ struct MeshProgramVariant {
 NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant = {});
 
 inline constexpr const char* kElementAttribute = "g_elem_attrib";
+inline constexpr const char* kEntriesUniform = "g_entries";

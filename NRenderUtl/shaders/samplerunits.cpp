@@ -8,4 +8,5 @@ void assignSamplerUnits(NShaderProgram& program) {
     program.UseProgram(true);
     for (const RenderingShaderUniform sampler : kSamplerOfUnit)
         program.SetUniformValue(sampler, samplerUnit(sampler));
+    program.SetUniformValue("g_block", kBlockUnit);
 }

@@ -16,6 +16,9 @@ inline constexpr RenderingShaderUniform kSamplerOfUnit[] = {
     RenderUniformElementNormalBuffer, RenderUniformClipCodeBuffer,    RenderUniformOriginalPrimitives,
 };
 
+/// Unit of g_block, the sampler that only some programs have.
+inline constexpr int kBlockUnit = std::size(kSamplerOfUnit);
+
 /// Unit of a sampler: bind its texture there.
 constexpr int samplerUnit(RenderingShaderUniform sampler) {
     return static_cast<int>(std::find(std::begin(kSamplerOfUnit), std::end(kSamplerOfUnit), sampler) -

@@ -1,12 +1,14 @@
 // The catalogue of programs: which sources make which, and the start-up that decides on optimized rendering.
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/shaders/blocklayout.h"
 #include "NRenderUtl/shaders/gllabel.h"
 #include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/renderswitches.h"
@@ -53,6 +55,25 @@ const Composition& compositionOf(_RenderingShaderType type) {
          0},
     }};
     return compositions[type - RenderShaderMesh];
+}
+
+/// The libraries that read from a block for those that read uniforms.
+Sources withBlock(Sources sources) {
+    std::replace(sources.begin(), sources.end(), kLightingLibrary, kBlockLightingLibrary);
+    std::replace(sources.begin(), sources.end(), kColorBandLibrary, kBlockBandLibrary);
+    return sources;
+}
+
+std::vector<std::string> blockDefines() {
+    const auto define = [](const char* name, int value) {
+        return std::string(name) + " " + std::to_string(value);
+    };
+    return {"PARAMETER_BLOCK",
+            define("BLOCK_EMISSION", BlockEmission),
+            define("BLOCK_FRONT", BlockFront),
+            define("BLOCK_BACK", BlockBack),
+            define("BLOCK_LIGHTS", BlockLights),
+            define("BLOCK_ENTRIES", BlockEntries)};
 }
 
 void fixSwitch(std::string& source, const FixedSwitch& fixed) {
@@ -163,8 +184,13 @@ void startUp() {
 
 } // namespace
 
-bool ComposedProgram::build(_RenderingShaderType type, const SourceChanges& changes) {
-    const Composition& composition = compositionOf(type);
+bool ComposedProgram::build(_RenderingShaderType type, SourceChanges changes) {
+    Composition composition = compositionOf(type);
+    if (changes.block) {
+        composition.fragment = withBlock(composition.fragment);
+        const std::vector<std::string> defines = blockDefines();
+        changes.defines.insert(changes.defines.end(), defines.begin(), defines.end());
+    }
     StageSources vertex(composition.vertex, changes);
     StageSources geometry(composition.geometry, changes);
     StageSources fragment(composition.fragment, changes);

@@ -11,6 +11,7 @@
 struct SourceChanges {
     std::vector<std::string> defines; ///< right after each stage's version line
     std::vector<FixedSwitch> switches;
+    bool block = false; ///< lights and bands from a buffer in place of uniforms
 };
 
 /// A program built from the sources of a catalogue type, with sampler units assigned and a name for
@@ -18,5 +19,5 @@ struct SourceChanges {
 class ComposedProgram : public NShaderProgram {
 public:
     /// Whether it linked.
-    bool build(_RenderingShaderType type, const SourceChanges& changes = {});
+    bool build(_RenderingShaderType type, SourceChanges changes = {});
 };

@@ -12,6 +12,8 @@ extern const char* const kProbeVertexMain;          // probe.vert.glsl
 extern const char* const kProbeFragmentMain;        // probe.frag.glsl
 extern const char* const kLightingLibrary;          // lighting.glsl
 extern const char* const kColorBandLibrary;         // colorbands.glsl
+extern const char* const kBlockLightingLibrary;     // blocklighting.glsl
+extern const char* const kBlockBandLibrary;         // blockbands.glsl
 extern const char* const kElementVisibilityLibrary; // elementvisibility.glsl
 extern const char* const kVisibilityListLibrary;    // visibilitylist.glsl
 extern const char* const kConnectivityLibrary;      // connectivity.glsl

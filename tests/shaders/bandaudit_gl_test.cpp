@@ -93,6 +93,7 @@ protected:
         contour.elementValues.clear();
         for (int i = 0; i < int(coordinates.size()); ++i) {
             points.position.push_back(pixelCentre(i));
+            points.element.push_back(float(i));
             points.texture.push_back(type == 2 ? glm::vec4(77) : coordinates[i]);
             contour.elementValues.push_back(coordinates[i].s);
         }
@@ -120,7 +121,19 @@ dvec4 expectedColor(const RenderColorScale& scale, bool smeared, float value, gl
 
 } // namespace
 
-TEST_F(BandAudit, PixelsFollowTheShadersRules) {
+class BandAuditByProgram : public BandAudit, public testing::WithParamInterface<const char*> {
+protected:
+    void SetUp() override {
+        BandAudit::SetUp();
+        if (GetParam() == std::string("Block"))
+            use(elementMeshProgram({.block = true}));
+        set("g_lightsOff", 1);
+    }
+};
+INSTANTIATE_TEST_SUITE_P(, BandAuditByProgram, testing::Values("Uniforms", "Block"),
+                         [](const auto& info) { return info.param; });
+
+TEST_P(BandAuditByProgram, PixelsFollowTheShadersRules) {
     Audit exact, mixed;
     for (const auto& [name, bands] : scaleCases())
         for (bool ownEnds : {false, true})

@@ -58,20 +58,21 @@ class ShaderLighting : public ShaderTest {
 protected:
     void SetUp() override {
         ShaderTest::SetUp();
+        program = RenderingGetShaderProgram(RenderShaderMesh);
         settings.useelemnormbuff = 1;
         std::mt19937 random(3);
         for (int i = 0; i < kPixels; ++i) {
             points.position.push_back(pixelCentre(i, float(20 * spread(random))));
+            points.element.push_back(float(i));
             facts.normals.push_back(direction(random));
         }
     }
     /// One point a pixel, each with a normal of its own.
     std::vector<glm::vec4> drawPoints(const Lighting& lighting, glm::mat4 model = glm::mat4(1)) {
-        useCatalogue(RenderShaderMesh);
+        use(*program);
         glm::mat4 view = model;
         glm::mat4 projection = glm::ortho(0.0f, 64.0f, 0.0f, 64.0f, -100.0f, 100.0f) * glm::inverse(model);
-        RenderingGetShaderProgram(RenderShaderMesh)
-            ->SetMVPMatrices(glm::value_ptr(projection), glm::value_ptr(view), true);
+        program->SetMVPMatrices(glm::value_ptr(projection), glm::value_ptr(view), true);
         set(facts);
         set(settings);
         set(lighting);
@@ -88,12 +89,15 @@ protected:
             dvec3 position(points.position[i]);
             if (!lighting.physicallyBased)
                 position = dvec3(modelView * dvec4(position, 1));
-            audit.add(lighting.shade(facts.vertexColor, N, position), pixels[i],
-                      [i] { return "pixel " + std::to_string(i); });
+            dvec4 color = lighting.shade(facts.vertexColor, N, position);
+            if (settings.transparent == 1)
+                color.a = facts.alpha;
+            audit.add(color, pixels[i], [i] { return "pixel " + std::to_string(i); });
         }
         audit.report(name);
         EXPECT_LE(audit.largest, tolerance) << audit.worst;
     }
+    NShaderProgram* program = nullptr;
     MeshFacts facts;
     MeshSettings settings;
     Vertices points;
@@ -132,6 +136,24 @@ TEST_F(ShaderLighting, ClassicModelFollowsTheRules) {
     const auto off = drawPoints(lighting);
     lighting.physicallyBased = 1;
     EXPECT_EQ(apart(drawPoints(lighting), off), 0) << "lights off holds for both models";
+}
+
+TEST_F(ShaderLighting, ClassicModelFromABlockFollowsTheRules) {
+    constexpr double kTolerance = 2e-5; // as above
+    settings.transparent = 1;           // the block lights no alpha
+    for (const bool highlights : {true, false}) {
+        program = &elementMeshProgram({.block = true, .highlights = highlights});
+        for (const unsigned mask : {0u, 1u << 5, 0xC9u, 0xFFu})
+            for (const double strength : {0.25, 4.0}) {
+                Lighting lighting = makeLighting(mask, strength);
+                if (!highlights)
+                    for (NglMatParams* side : {&lighting.front, &lighting.back})
+                        std::fill_n(side->specular, 3, 0.0f);
+                EXPECT_EQ(hasHighlights({lighting.lights, lighting.front, lighting.back}),
+                          highlights && mask != 0);
+                expectRules("block", lighting, kTolerance);
+            }
+    }
 }
 
 TEST_F(ShaderLighting, PhysicallyBasedModelFollowsTheRules) {

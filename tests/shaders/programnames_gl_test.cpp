@@ -152,6 +152,13 @@ TEST_F(ProgramNames, SamplersAreApartRightAfterStartUp) {
 /// A program's picture of two triangles over the target, lit by lights 0 and 1, in bands.
 class ProgramVariants : public ShaderTest {
 protected:
+    static float largestDifference(const std::vector<glm::vec4>& a, const std::vector<glm::vec4>& b) {
+        float largest = 0;
+        for (std::size_t i = 0; i < a.size(); ++i)
+            for (int c = 0; c < 3; ++c) // the block lights no alpha
+                largest = std::max(largest, std::abs(a[i][c] - b[i][c]));
+        return largest;
+    }
     std::vector<glm::vec4> drawBy(NShaderProgram& program) {
         use(program);
         Lighting lighting;
@@ -198,6 +205,8 @@ TEST_F(ProgramVariants, DrawTheSamePictureWithoutTheirUniforms) {
     for (const FixedSwitch& gone : kSwitches)
         EXPECT_EQ(glGetUniformLocation(GLuint(program), gone.name.c_str()), -1) << gone.name;
     EXPECT_NE(drawBy(elementMeshProgram({kSwitches, 1})), generic) << "light 1 is off for this one";
+    EXPECT_LE(largestDifference(drawBy(elementMeshProgram({kSwitches, -1, true})), generic), 1e-6)
+        << "lights and bands from a block";
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtx/string_cast.hpp>
 
+#include "NRenderUtl/mesh/parameterblock.h"
 #include "NRenderUtl/shaders/meshprograms.h"
 #include "NRenderUtl/shaders/nshaders.h"
 #include "tests/shaders/shadertwins.h"
@@ -105,9 +106,13 @@ protected:
         set("g_pbrMat.roughness", float(l.roughness));
         set("g_pbrMat.reflectivity", float(l.reflectivity));
         set("g_pbrMat.amb_occlusion", 1.0f);
+        m_lighting = l;
+        setBlock();
     }
     void set(const Contour& contour) {
         m_program->SetColorScaleUniforms(&contour.scale);
+        m_scale = contour.scale;
+        setBlock();
         glm::mat4 matrix(contour.textureMatrix);
         m_program->SetUniform4x4Matrix("g_texmat", glm::value_ptr(matrix));
         set("g_bts", contour.scaled);
@@ -188,6 +193,18 @@ protected:
     }
 
 private:
+    /// Lights and scale as last set, for a program that reads them from a buffer.
+    void setBlock() {
+        if (unitOf("g_block") < 0)
+            return;
+        const auto entries = makeScaleEntries(m_scale);
+        texels("g_block", GL_RGBA32F,
+               makeParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back},
+                                  entries ? &*entries : nullptr));
+        if (entries)
+            set(kEntriesUniform,
+                glm::vec3(entries->entries.size() - 1, entries->guessFactor, entries->guessOffset));
+    }
     int unitOf(const char* sampler) const {
         GLint program = 0, unit = -1;
         glGetIntegerv(GL_CURRENT_PROGRAM, &program);
@@ -211,6 +228,8 @@ private:
     }
 
     NShaderProgram* m_program = nullptr;
+    Lighting m_lighting;
+    RenderColorScale m_scale;
 };
 
 /// The middle of pixel i of the target, at a depth.

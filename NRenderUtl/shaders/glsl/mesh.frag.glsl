@@ -4,7 +4,9 @@
 
 in VertexData {
     vec3 position;
+#ifndef PARAMETER_BLOCK
     flat vec4 color;
+#endif
     vec2 texcoord;
     vec3 normal;
     flat int sharp;
@@ -38,6 +40,24 @@ bool isElementFailing(int element);
 bool isElementVisible(int element, int derived, inout vec4 color, out bool ownColor, out bool selected);
 vec4 lightColor(vec4 color, vec3 position, vec3 normal);
 void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, out vec4 color);
+
+#ifdef PARAMETER_BLOCK
+uniform vec3 g_color;
+#endif
+
+vec4 plainColor() {
+#ifdef PARAMETER_BLOCK
+    return vec4(g_color, 1.0);
+#else
+    return VertexIn.color;
+#endif
+}
+
+vec4 surfaceColor() {
+    if (g_bfbcol == 1 && g_bw == 0)
+        return gl_FrontFacing ? g_fcolor : g_bcolor;
+    return plainColor();
+}
 
 int primitiveNumber() {
 #ifdef ELEMENT_ATTRIBUTE
@@ -74,14 +94,12 @@ void main() {
     int element = elementOf(primitive);
     if (isElementClipped(element) || (g_nfconn == 0 && isElementFailing(element)))
         discard;
-    vec4 elementColor = VertexIn.color;
+    vec4 elementColor = plainColor();
     bool ownColor, selected;
     if (!isElementVisible(element, g_bd, elementColor, ownColor, selected))
         discard;
 
-    vec4 color = VertexIn.color;
-    if (g_bfbcol == 1 && g_bw == 0)
-        color = gl_FrontFacing ? g_fcolor : g_bcolor;
+    vec4 color = surfaceColor();
     bool contour = g_bct == 1 && !selected;
     if (g_bw == 0) {
         vec4 base = contour ? vec4(1.0) : selected || ownColor ? elementColor : color;

@@ -20,10 +20,15 @@ uniform int g_norm_excl_sharpedge;
 uniform int g_clipped;
 uniform int g_ct;
 uniform int g_use_clr_scale;
+#ifdef PARAMETER_BLOCK
+uniform vec3 g_entries; // as in blockbands.glsl
+#endif
 
 out VertexData {
     vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal
+#ifndef PARAMETER_BLOCK
     flat vec4 color;
+#endif
     vec2 texcoord;
     vec3 normal;
     flat int sharp;
@@ -40,7 +45,11 @@ vec3 vertexNormal() {
 vec2 contourCoordinate() {
     if (g_ct != 1 && g_ct != 3)
         return vec2(0.0);
+#ifdef PARAMETER_BLOCK
+    return vec2(g_tex_attrib.s, g_tex_attrib.s * g_entries.y + g_entries.z);
+#else
     return g_use_clr_scale == 1 ? g_tex_attrib.st : (g_texmat * g_tex_attrib).st;
+#endif
 }
 
 void main() {
@@ -50,7 +59,9 @@ void main() {
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
 
     VertexOut.position = g_usepbrmat == 1 ? g_pos_attrib : eye.xyz;
+#ifndef PARAMETER_BLOCK
     VertexOut.color = vec4(g_color, 1.0);
+#endif
     VertexOut.texcoord = contourCoordinate();
     VertexOut.normal = g_smooth == 1 ? vertexNormal() : vec3(0.0);
     VertexOut.sharp = g_smooth == 1 && g_norm_excl_sharpedge != 1 ? int(g_vnorm_attrib.w) : 0;

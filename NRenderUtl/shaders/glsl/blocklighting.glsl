@@ -1,0 +1,57 @@
+// The classic model of lighting.glsl, with lights and materials from a buffer: a driver in software gathers each
+// component of a uniform anew for every few fragments, and fetches four components of a texel for less.
+
+uniform samplerBuffer g_block; // laid out by blocklayout.h
+uniform int g_lightsOff;
+
+const float kAmbientScale = 1.74; // deliberate weights of the classic model
+const float kDiffuseScale = 0.5;
+
+#ifndef NO_HIGHLIGHTS
+// cosine^shininess with cosines below 0 as 0; pow(0, 0) is not defined, fixed function takes 1.
+float highlight(float cosine, float shininess) {
+    return shininess == 0.0 ? 1.0 : pow(max(0.0, cosine), shininess);
+}
+#endif
+
+// Adds what the light at a texel gives, before the colour of the surface and after it. Whether another follows.
+bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, inout vec3 specular) {
+    vec4 place = texelFetch(g_block, at); // with the constant, linear and quadratic attenuation in w
+    vec4 ambient = texelFetch(g_block, at + 1);
+    vec4 diffuse = texelFetch(g_block, at + 2);
+    vec3 toLight = place.xyz - position;
+    float d = length(toLight);
+    toLight /= d;
+    float brightness = 1.0 / (place.w + ambient.w * d + diffuse.w * d * d);
+    float cosLight = dot(normal, toLight);
+    // Ambient and diffuse weigh the same on both sides.
+    ambientDiffuse += ambient.rgb * (brightness * kAmbientScale);
+    ambientDiffuse += diffuse.rgb * (brightness * kDiffuseScale * abs(cosLight));
+#ifdef NO_HIGHLIGHTS
+    return texelFetch(g_block, at + 3).w != 0.0;
+#else
+    float cosHalf = dot(normal, normalize(vec3(0.0, 0.0, 1.0) + toLight)); // the viewer stays on +z
+    bool front = cosLight > 0.0;
+    vec4 material = texelFetch(g_block, front ? BLOCK_FRONT : BLOCK_BACK); // specular, shininess
+    vec4 lightSpecular = texelFetch(g_block, at + 3);
+    float shine = highlight(front ? cosHalf : -cosHalf, material.w);
+    if (cosLight != 0.0)
+        specular += lightSpecular.rgb * material.rgb * (brightness * shine);
+    return lightSpecular.w != 0.0;
+#endif
+}
+
+// The colour as lit; normal of unit length.
+vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
+    if (g_lightsOff != 0)
+        return color;
+    vec3 ambientDiffuse = vec3(0.0), specular = vec3(0.0);
+    int at = BLOCK_LIGHTS;
+    bool more;
+    do {
+        more = addLight(at, position, normal, ambientDiffuse, specular);
+        at += 4;
+    } while (more);
+    vec3 emission = texelFetch(g_block, BLOCK_EMISSION).rgb;
+    return vec4(clamp(emission + ambientDiffuse * color.rgb + specular, 0.0, 1.0), color.a);
+}
