@@ -23,6 +23,15 @@ bool failsEither(int level, int lower, int upper) {
 
 } // namespace
 
+void ElementFacts::compact() {
+    visible.compact();
+    selection.compact();
+    color.compact();
+    clipCode.compact();
+    lower.compact();
+    upper.compact();
+}
+
 bool isElementClipped(const ElementFacts& facts, std::uint32_t element,
                       const ngl::NglElementAttributes& how) {
     const int code = facts.clipCode[element];

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -22,6 +23,14 @@ public:
             m_values.assign(count, m_initial);
         return m_values;
     }
+    /// Gives the memory back where all have come to the initial value again. Every value is compared with the
+    /// one before it, at the speed of memory.
+    void compact() {
+        const std::size_t count = m_values.size();
+        if (count > 0 && m_values[0] == m_initial &&
+            std::memcmp(m_values.data(), m_values.data() + 1, (count - 1) * sizeof(Value)) == 0)
+            m_values = {};
+    }
 
 private:
     Value m_initial;
@@ -34,6 +43,8 @@ struct ElementFacts {
     ElementFact<std::uint32_t> color{0};    ///< red, green, blue; top byte 1 = the element has its own colour
     ElementFact<std::uint8_t> clipCode{0};
     ElementFact<std::int32_t> lower{-1}, upper{-1}; ///< failure levels
+
+    void compact();
 };
 
 /// Whether an element is clipped, or fails, under the attributes.

@@ -9,12 +9,23 @@
 #include "NRenderUtl/mesh/elementvalues.h"
 
 struct ngl::NglElementMesh::State {
+    bool created = false;
     NglElementAttributes attributes;
     ElementValues values;
     ElementSurface surface;
     ElementFacts facts;
-    std::uint64_t revision = 0; ///< of facts, values and scale
-    ElementPrograms programs;   ///< the routes through GLSL, with their buffers
+    std::uint64_t revision = 0;  ///< of facts, values and scale
+    std::uint64_t compacted = 0; ///< the revision whose facts take no more memory than they need
+    ElementPrograms programs;    ///< the routes through GLSL, with their buffers
     ElementFixedRoute fixed;
     ElementPicker picker;
+
+    ElementScene scene() const { return {surface, facts, values, attributes, revision}; }
+    void changed(ElementPrograms::Fact fact, const ElementSpan& span) {
+        programs.changed(fact, span);
+        ++revision;
+    }
+    void setValues(ElementValues::Kind kind, const float* given, std::uint32_t count);
+    void draw();
+    bool pick(const _NgPoint3Str& start, const _NgPoint3Str& end, NglElementPick& picked);
 };

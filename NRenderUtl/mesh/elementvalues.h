@@ -1,6 +1,7 @@
 // The values that an element mesh shows, and the scale that colours them.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "NRenderUtl/mesh/nmesh.h"
@@ -9,7 +10,12 @@ struct ElementValues {
     enum Kind { None, OfNodes, OfElements };
     Kind kind = None;
     std::vector<float> values;
-    RenderColorScale scale; ///< without bands: no contour
+    RenderColorScale scale;        ///< without bands: no contour
+    bool smeared = false;          ///< of the scale
+    std::uint64_t scaleNumber = 0; ///< another one for each scale that was set, on any mesh
 
     bool colored() const { return kind != None && !scale.GetColorBands().empty(); }
 };
+
+/// Whether colours are mixed within a band, which a scale does not tell: a copy shows it by two bands.
+bool isSmearedScale(RenderColorScale scale);

@@ -17,6 +17,8 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
         SourceChanges changes{{"ELEMENT_ATTRIBUTE"}, variant.switches, variant.block};
         if (!variant.highlights)
             changes.defines.push_back("NO_HIGHLIGHTS");
+        if (variant.windingNormals)
+            changes.defines.push_back("WINDING_NORMALS");
         if (variant.lightCount >= 0)
             changes.defines.push_back("LIGHT_COUNT " + std::to_string(variant.lightCount));
         entry.program.build(RenderShaderMesh, changes);

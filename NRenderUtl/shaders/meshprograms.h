@@ -24,6 +24,9 @@ struct MeshProgramVariant {
     /// offset.
     bool block = false;
     bool highlights = true; ///< with a block: not all are black
+    /// Normals that the program derives point to the side that the winding says, as those of geometry stages
+    /// do, rather than away from the viewer.
+    bool windingNormals = false;
     auto operator<=>(const MeshProgramVariant&) const = default;
 };
 

@@ -239,8 +239,10 @@ public:
     /// Makes the buffer with size bytes from data (null: undefined content). Nothing happens when one was
     /// made or failed before; failure is silent.
     void Create(unsigned int target, int size, const void* data, unsigned int usage);
-    /// Replaces the whole content.
+    /// Replaces the whole content, or size bytes from offset on; a part that reaches beyond it changes
+    /// nothing.
     void Update(const void* data);
+    void Update(int offset, int size, const void* data);
     void Bind();
     /// Enables a generic attribute of `components` tightly packed floats, read from the buffer or, without a
     /// valid one, from client memory. A negative index does nothing.
@@ -274,8 +276,9 @@ public:
     /// GL_RGBA8UI, ...) for texture unit unitOffset. target is GL_TEXTURE_BUFFER.
     void Create(unsigned int target, const void* data, int size, unsigned int usage,
                 unsigned int internalFormat, unsigned int unitOffset);
-    /// Replaces the whole content.
+    /// Replace the content as those of RenderGLBuffer.
     void Update(const void* data);
+    void Update(int offset, int size, const void* data);
     /// Binds the texture, on its own unit when that is to be made active first.
     void Bind(bool activateUnit);
     /// Unbinds buffer and texture; the active unit stays.

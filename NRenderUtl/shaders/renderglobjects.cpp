@@ -115,10 +115,14 @@ void RenderGLBuffer::Create(unsigned int target, int size, const void* data, uns
 }
 
 void RenderGLBuffer::Update(const void* data) {
-    if (!IsValid())
+    Update(0, m_size, data);
+}
+
+void RenderGLBuffer::Update(int offset, int size, const void* data) {
+    if (!IsValid() || offset < 0 || size < 0 || size > m_size - offset)
         return;
     glBindBuffer(m_target, m_buffer);
-    glBufferSubData(m_target, 0, m_size, data);
+    glBufferSubData(m_target, offset, size, data);
     glBindBuffer(m_target, 0);
 }
 
@@ -196,6 +200,10 @@ void RenderGLTBO::Create(unsigned int target, const void* data, int size, unsign
 
 void RenderGLTBO::Update(const void* data) {
     m_buffer.Update(data);
+}
+
+void RenderGLTBO::Update(int offset, int size, const void* data) {
+    m_buffer.Update(offset, size, data);
 }
 
 void RenderGLTBO::Bind(bool activateUnit) {

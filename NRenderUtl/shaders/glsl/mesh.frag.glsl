@@ -81,6 +81,10 @@ vec3 elementNormal(int primitive) {
 
 vec3 fragmentNormal(int primitive) {
     vec3 normal = cross(dFdy(VertexIn.position), dFdx(VertexIn.position));
+#ifdef WINDING_NORMALS
+    if (gl_FrontFacing)
+        normal = -normal;
+#endif
     if (g_smooth == 1)
         normal = VertexIn.normal;
     else if (g_useelemnormbuff == 1)

@@ -1,0 +1,85 @@
+#include "NRenderUtl/mesh/elementbuffers.h"
+
+#include <limits>
+
+#include "NRenderUtl/host/hostgl.h"
+
+namespace {
+
+bool make(RenderGLBuffer& buffer, GLenum target, const void* data, std::size_t bytes, GLenum usage) {
+    if (!buffer.IsValid() && bytes <= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+        buffer.Create(target, static_cast<int>(bytes), data, usage);
+    return buffer.IsValid() != 0;
+}
+
+template <class T>
+bool makeFrom(RenderGLBuffer& buffer, GLenum target, const std::vector<T>& data) {
+    return make(buffer, target, data.data(), data.size() * sizeof(T), GL_STATIC_DRAW);
+}
+
+/// Data of the surface's vertices, with those of the copies behind.
+bool makeOfVertices(RenderGLBuffer& buffer, const std::vector<ElementSurface::Vector>& data,
+                    const std::vector<std::uint32_t>& copies) {
+    if (buffer.IsValid() || copies.empty())
+        return makeFrom(buffer, GL_ARRAY_BUFFER, data);
+    std::vector<ElementSurface::Vector> all;
+    all.reserve(data.size() + copies.size());
+    all = data;
+    for (const std::uint32_t vertex : copies)
+        all.push_back(data[vertex]);
+    return makeFrom(buffer, GL_ARRAY_BUFFER, all);
+}
+
+} // namespace
+
+bool ElementBuffers::makeNumbering(const ElementSurface& surface, ElementNumbering numbering) {
+    if (surface.elements.empty())
+        numbering = ElementNumbering::Elements; // faces count the same
+    if (m_numbering == numbering)
+        return numbered.IsValid() && numbers.IsValid();
+    ElementIndexing made = makeElementIndexing(surface, numbering);
+    for (RenderGLBuffer* buffer : {&positions, &normals, &values, &numbers, &numbered})
+        buffer->Destroy(true);
+    m_valuesStale = true;
+    m_numbering = numbering;
+    m_copies = std::move(made.copies);
+    return makeFrom(numbered, GL_ELEMENT_ARRAY_BUFFER, made.indices) &&
+           makeFrom(numbers, GL_ARRAY_BUFFER, made.numbers);
+}
+
+bool ElementBuffers::updateValues(const ElementSurface& surface, const ElementValues& scene) {
+    if (!m_valuesStale)
+        return values.IsValid() != 0;
+    const std::vector<float>* ofVertices = &scene.values;
+    std::vector<float> all;
+    if (!surface.copiedNodes.empty() || !m_copies.empty()) {
+        all.reserve(surface.positions.size() + m_copies.size());
+        all = scene.values;
+        for (const std::uint32_t node : surface.copiedNodes)
+            all.push_back(scene.values[node]);
+        for (const std::uint32_t vertex : m_copies)
+            all.push_back(all[vertex]);
+        ofVertices = &all;
+    }
+    m_valuesStale = false;
+    if (values.IsValid())
+        values.Update(ofVertices->data());
+    return make(values, GL_ARRAY_BUFFER, ofVertices->data(), ofVertices->size() * sizeof(float),
+                GL_DYNAMIC_DRAW);
+}
+
+bool ElementBuffers::update(const ElementSurface& surface, const ElementValues& scene, const Need& need) {
+    if (need.numbering && !makeNumbering(surface, *need.numbering))
+        return false;
+    if (need.triangles && !triangles.IsValid() &&
+        !(surface.quadCount == 0 ? makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, surface.corners)
+                                 : makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, triangleIndices(surface))))
+        return false;
+    const std::size_t ofTriangles = 3 * std::size_t{surface.triangleCount};
+    if (need.quads && !make(quads, GL_ELEMENT_ARRAY_BUFFER, surface.corners.data() + ofTriangles,
+                            (surface.corners.size() - ofTriangles) * sizeof(std::uint32_t), GL_STATIC_DRAW))
+        return false;
+    return makeOfVertices(positions, surface.positions, m_copies) &&
+           (!need.normals || makeOfVertices(normals, surface.normals, m_copies)) &&
+           (!need.values || updateValues(surface, scene));
+}

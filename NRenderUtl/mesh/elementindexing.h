@@ -1,0 +1,37 @@
+// The triangles of an element mesh as indices, and the numbers that reach the fragments of each by its last
+// vertex, the provoking one.
+#pragma once
+
+#include "NRenderUtl/mesh/elementsurface.h"
+
+/// What the number of a primitive, as it reaches a fragment, counts.
+enum class ElementNumbering {
+    Elements,
+    Faces,
+    Triangles, ///< of all faces, quads counting twice
+    Quads,     ///< alone
+};
+
+/// Three vertices for each triangle, faces in their order and quads as two triangles.
+std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface);
+
+/// The same triangles, each turned so that its last vertex carries its number. A vertex carries one number;
+/// where all of a face are taken by others, a copy of one does.
+struct ElementIndexing {
+    std::vector<std::uint32_t> indices;
+    std::vector<std::uint32_t> copies; ///< of which vertex each vertex behind those of the surface is one
+    std::vector<float> numbers;        ///< of all vertices; exact up to kMostNumbers
+};
+inline constexpr std::uint32_t kMostNumbers = 1u << 24;
+
+/// By elements or faces. Throws std::bad_alloc.
+ElementIndexing makeElementIndexing(const ElementSurface& surface, ElementNumbering numbering);
+
+/// Whether the numbers are those of the elements.
+bool countsElements(const ElementSurface& surface, ElementNumbering numbering);
+/// Element of each primitive. Throws std::bad_alloc.
+std::vector<std::uint32_t> elementsOf(const ElementSurface& surface, ElementNumbering numbering);
+/// Unit normals, in w 0, of the faces or triangles: those of their first three corners, or where `halves` is
+/// set each triangle's own.
+std::vector<std::array<float, 4>> normalsOf(const ElementSurface& surface, ElementNumbering numbering,
+                                            bool halves);

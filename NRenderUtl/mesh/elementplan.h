@@ -1,0 +1,40 @@
+// What a draw of an element mesh asks of the programs: their way, and the switches that are on. What nothing
+// asks for stays off, so that fragments do the least.
+#pragma once
+
+#include <optional>
+
+#include "NRenderUtl/mesh/elementscene.h"
+
+/// Which programs draw.
+enum class ElementWay {
+    Attribute, ///< the element mesh's own, numbers by provoking vertices
+    Mesh,      ///< the catalogue's, numbers by primitives
+    Geometry,  ///< the catalogue's with geometry stages
+};
+
+enum class ElementLook {
+    Smooth,
+    Facets, ///< a normal for each triangle
+    Faces,  ///< a normal for each face as given, where a quad's is not that of both its triangles
+    Unlit,
+};
+
+struct ElementPlan {
+    ElementWay way;
+    ElementLook look;
+    bool contour, ofElements;       ///< whether values are shown, and whether those of elements
+    bool smeared;                   ///< their colours, within a band
+    bool facing;                    ///< colours by facing
+    bool hidden, selected, colored; ///< whether there is any such element
+    int clipFlag, failureMode;      ///< 0 where they leave out nothing
+
+    /// Whether fragments must know their element.
+    bool needsElements() const {
+        return hidden || selected || colored || clipFlag != 0 || failureMode != 0 || ofElements;
+    }
+    bool operator==(const ElementPlan&) const = default;
+};
+
+/// Nothing where no element can be seen.
+std::optional<ElementPlan> planElements(const ElementScene& scene);

@@ -1,0 +1,175 @@
+#include "NRenderUtl/mesh/elementuniforms.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <map>
+
+#include "NRenderUtl/shaders/shadernames.h"
+
+namespace {
+
+constexpr int kSelectionIndex = 33, kHighlightIndex = 32; // of the record's palette
+// Contour types of the programs.
+constexpr int kNoContour = 0, kSmearedContour = 1, kElementContour = 2, kBandedContour = 3;
+
+std::array<float, 4> floatsOf(NgColorLong color) {
+    std::array<float, 4> rgba{0.0f, 0.0f, 0.0f, 1.0f};
+    ngl_get_floats_from_color_long(color, rgba[0], rgba[1], rgba[2]);
+    return rgba;
+}
+
+template <class T>
+bool sameBytes(const T& a, const T& b) {
+    return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+
+int contourType(const ElementPlan& plan) {
+    if (!plan.contour)
+        return kNoContour;
+    if (plan.ofElements)
+        return kElementContour;
+    return plan.smeared ? kSmearedContour : kBandedContour;
+}
+
+/// The lights behind this many are off.
+int lightCount() {
+    const NglLightParams* lights = NglGetNglInfo()->lights;
+    int count = 8;
+    while (count > 0 && lights[count - 1].enabled != 1)
+        --count;
+    return count;
+}
+
+MeshProgramVariant variantOf(const ElementPlan& plan, bool derived, int lights) {
+    MeshProgramVariant variant;
+    for (const ElementSwitch& fixed : switchesOf(plan, derived))
+        variant.switches.push_back({kUniformNames[fixed.uniform], fixed.value});
+    variant.switches.push_back({"g_use_clr_scale", 1});
+    variant.lightCount = lights;
+    variant.windingNormals = true;
+    return variant;
+}
+
+} // namespace
+
+bool fetchesNormals(const ElementPlan& plan) {
+    return (plan.way != ElementWay::Geometry && plan.look == ElementLook::Faces) ||
+           (plan.way == ElementWay::Mesh && plan.look == ElementLook::Facets);
+}
+
+std::vector<ElementSwitch> switchesOf(const ElementPlan& plan, bool derived) {
+    return {{RenderUniformSmooth, plan.look == ElementLook::Smooth},
+            {RenderUniformNormalWithoutSharp, 1},
+            {RenderUniformUseElementNormals, fetchesNormals(plan)},
+            {RenderUniformLightsOff, plan.look == ElementLook::Unlit},
+            {RenderUniformUnlit, 0}, // that switch would paint elements over front and back colours
+            {RenderUniformPhysicallyBased, 0},
+            {RenderUniformClipped, 1},
+            {RenderUniformFrontBackColors, plan.facing},
+            // Opaque faces too: the alpha of an element's own colour is not one.
+            {RenderUniformTransparent, 1},
+            {RenderUniformContour, plan.contour},
+            {RenderUniformContourType, contourType(plan)},
+            {RenderUniformAllVisible, !plan.hidden},
+            {RenderUniformSelection, plan.selected},
+            {RenderUniformElementColors, plan.colored},
+            {RenderUniformClipFlag, plan.clipFlag},
+            {RenderUniformFailureTest, plan.failureMode != 0},
+            {RenderUniformFailureMode, plan.failureMode},
+            {RenderUniformFailingConnectivity, 0},
+            {RenderUniformDerivedConnectivity, derived},
+            {RenderUniformDerivedVisibility, 0}};
+}
+
+ElementProgram& ownProgram(const ElementPlan& plan, bool derived) {
+    static std::map<const NShaderProgram*, ElementProgram> known;
+    NShaderProgram& program =
+        elementMeshProgram(variantOf(plan, derived, plan.look == ElementLook::Unlit ? 0 : lightCount()));
+    const auto [found, isNew] = known.try_emplace(&program, program);
+    if (isNew && program.IsProgramValid())
+        found->second.numberLocation = program.GetVertexAttributeLocation(kElementAttribute);
+    return found->second;
+}
+
+// --- setting -----------------------------------------------------------------------------------------------
+
+bool ElementUniforms::isNew(RenderingShaderUniform uniform, std::uint32_t bits) {
+    if (!m_memory)
+        return true;
+    if (m_memory->plain[uniform] == bits)
+        return false;
+    m_memory->plain[uniform] = bits;
+    return true;
+}
+
+void ElementUniforms::set(RenderingShaderUniform uniform, int value) {
+    if (isNew(uniform, static_cast<std::uint32_t>(value)))
+        m_program.SetUniformValue(uniform, value);
+}
+
+void ElementUniforms::set(RenderingShaderUniform uniform, float value) {
+    if (isNew(uniform, std::bit_cast<std::uint32_t>(value)))
+        m_program.SetUniformValue(uniform, value);
+}
+
+void ElementUniforms::setColor3(RenderingShaderUniform uniform, NgColorLong color) {
+    std::array<float, 4> rgb = floatsOf(color);
+    if (isNew(uniform, color & 0xFFFFFF))
+        m_program.SetVec3UniformValue(uniform, rgb.data());
+}
+
+void ElementUniforms::setColor4(RenderingShaderUniform uniform, NgColorLong color) {
+    std::array<float, 4> rgba = floatsOf(color);
+    if (isNew(uniform, color & 0xFFFFFF))
+        m_program.SetVec4UniformValue(uniform, rgba.data());
+}
+
+void ElementUniforms::setMatrices(Matrix projection, Matrix modelView) {
+    const std::array<Matrix, 2> both{projection, modelView};
+    if (m_memory && m_memory->matrices && sameBytes(*m_memory->matrices, both))
+        return;
+    m_program.SetMVPMatrices(projection.data(), modelView.data(), true);
+    if (m_memory)
+        m_memory->matrices = both;
+}
+
+void ElementUniforms::setLighting() {
+    const _NglInfoStr& record = *NglGetNglInfo();
+    Lighting lighting{{}, record.frontMaterial, record.backMaterial};
+    std::copy(std::begin(record.lights), std::end(record.lights), lighting.lights.begin());
+    if (m_memory && m_memory->lighting && sameBytes(*m_memory->lighting, lighting))
+        return;
+    m_program.SetLightUniforms(static_cast<int>(lighting.lights.size()), lighting.lights.data());
+    m_program.SetMateiralUniforms(&lighting.front, &lighting.back);
+    if (m_memory)
+        m_memory->lighting = lighting;
+}
+
+void ElementUniforms::setScale(const ElementValues& values) {
+    if (m_memory && m_memory->scaleNumber == values.scaleNumber)
+        return;
+    m_program.SetUniformValue("g_use_clr_scale", 1);
+    m_program.SetColorScaleUniforms(&values.scale);
+    if (m_memory)
+        m_memory->scaleNumber = values.scaleNumber;
+}
+
+void ElementUniforms::setLook(const ElementPlan& plan, const ElementScene& scene) {
+    const ngl::NglElementAttributes& how = scene.attributes;
+    if (plan.look != ElementLook::Unlit)
+        setLighting();
+    setColor3(RenderUniformColor, how.color);
+    if (plan.facing) {
+        setColor4(RenderUniformFrontColor, how.frontColor);
+        setColor4(RenderUniformBackColor, how.backColor);
+    }
+    set(RenderUniformAlpha, how.opacity > 0.0f ? std::min(how.opacity, 1.0f) : 0.0f);
+    if (plan.contour)
+        setScale(scene.values);
+    if (plan.selected) {
+        setColor3(RenderUniformSelectionColor, NglGetColorGivenIndex(kSelectionIndex));
+        setColor3(RenderUniformHighlightColor, NglGetColorGivenIndex(kHighlightIndex));
+    }
+    set(RenderUniformFailureLevel, how.failureLevel);
+}
