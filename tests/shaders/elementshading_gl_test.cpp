@@ -107,18 +107,7 @@ Elements makeElements(int corners) {
     return elements;
 }
 
-using Rule = decltype(geometryFragment);
-
-std::optional<dvec4> anyMeshFragment(const MeshSettings& s, const MeshFacts& facts, const Lighting& lighting,
-                                     const Fragment& f) {
-    return meshFragment(s, facts, lighting, f);
-}
-
-/// The element mesh's program turns its faces as they are wound.
-std::optional<dvec4> elementMeshFragment(const MeshSettings& s, const MeshFacts& facts,
-                                         const Lighting& lighting, const Fragment& f) {
-    return meshFragment(s, facts, lighting, f, true);
-}
+using Rule = decltype(meshFragment);
 
 class ElementShading : public ShaderTest {
 protected:
@@ -157,12 +146,12 @@ protected:
 
 TEST_F(ElementShading, MeshProgram) {
     useCatalogue(RenderShaderMesh);
-    audit("mesh program", GL_TRIANGLES, 3, anyMeshFragment);
+    audit("mesh program", GL_TRIANGLES, 3, meshFragment);
 }
 
 TEST_F(ElementShading, MeshProgramWithElementsByAttribute) {
     use(elementMeshProgram());
-    audit("mesh program, elements by attribute", GL_TRIANGLES, 3, elementMeshFragment);
+    audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
 }
 
 TEST_F(ElementShading, TriangleProgram) {

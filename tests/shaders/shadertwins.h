@@ -320,11 +320,9 @@ inline dvec4 withAlpha(const MeshSettings& s, const MeshFacts& facts, dvec4 colo
     return s.transparent == 1 ? dvec4(dvec3(color), facts.alpha) : color;
 }
 
-/// The mesh program without a geometry stage. Without other normals its faces turn away from the viewer, as
-/// the derivatives do.
+/// The mesh program without a geometry stage.
 inline std::optional<dvec4> meshFragment(const MeshSettings& s, const MeshFacts& facts,
-                                         const Lighting& lighting, const Fragment& f,
-                                         bool facesByWinding = false) {
+                                         const Lighting& lighting, const Fragment& f) {
     const int element = elementOf(s, facts, f.primitive);
     const auto look = lookOf(s, facts, element);
     if (!look)
@@ -332,7 +330,7 @@ inline std::optional<dvec4> meshFragment(const MeshSettings& s, const MeshFacts&
     dvec4 color = facts.vertexColor;
     if (s.bfbcol == 1 && s.bw == 0)
         color = f.front ? facts.frontColor : facts.backColor;
-    dvec3 N = f.cornerNormal.z > 0 && !facesByWinding ? -f.cornerNormal : f.cornerNormal;
+    dvec3 N = f.cornerNormal.z > 0 ? -f.cornerNormal : f.cornerNormal; // derivatives: away from the viewer
     if (s.smooth == 1)
         N = s.norm_excl_sharpedge == 1 ? f.normalNoSharp : f.vertexNormal;
     else if (s.useelemnormbuff == 1)
