@@ -124,9 +124,28 @@ void NglElementMesh::State::setValues(ElementValues::Kind kind, const float* giv
     ++revision;
 }
 
-bool NglElementMesh::State::pick(const _NgPoint3Str& start, const _NgPoint3Str& end, NglElementPick& picked) {
+bool NglElementMesh::State::pick(const ElementRay& ray, NglElementPick& picked) {
     const auto shown = [this](std::uint32_t element) { return isElementShown(facts, element, attributes); };
-    return surface.faceCount() > 0 && picker.pick(surface, start, end, shown, picked);
+    return picker.pick(surface, ray, shown, picked);
+}
+
+/// The pixel is taken to positions about the mesh's origin, where coordinates are small. The depth of the
+/// ray's second point is one that every perspective has, also one without a far plane.
+bool NglElementMesh::State::pickPixel(int x, int y, NglElementPick& picked) {
+    NglProjection view = nglRecordProjection(*NglGetNglInfo());
+    const _NgPoint3Str origin = {surface.origin[0], surface.origin[1], surface.origin[2]};
+    NgMatrix modelView;
+    std::copy_n(view.modelView, 16, modelView[0]);
+    NglTranslate(modelView, origin.x, origin.y, origin.z);
+    std::copy_n(modelView[0], 16, view.modelView);
+    const double wx = x + 0.5, wy = view.viewport[3] - y - 0.5; // as NglGetViewVector turns y
+    const _NgPoint3Str start = nglUnproject(view, wx, wy, 0.0);
+    NglElementPick found;
+    if (!pick({start, MathDifference(nglUnproject(view, wx, wy, 0.5), start)}, found) ||
+        nglProject(view, MathDifference(found.point, origin)).z > 1.0)
+        return false;
+    picked = found;
+    return true;
 }
 
 // --- life cycle --------------------------------------------------------------------------------------------
@@ -311,14 +330,13 @@ int NglElementMesh::Draw() {
 
 bool NglElementMesh::Pick(const _NgPoint3Str* start, const _NgPoint3Str* end, NglElementPick* picked) {
     return m_state && start && end && picked &&
-           withMemory([&] { return m_state->pick(*start, *end, *picked) ? 1 : 0; }) == 1;
+           withMemory([&] {
+               return m_state->pick(elementRay(m_state->surface, *start, *end), *picked) ? 1 : 0;
+           }) == 1;
 }
 
 bool NglElementMesh::PickPixel(int x, int y, NglElementPick* picked) {
-    const NglProjection view = nglRecordProjection(*NglGetNglInfo());
-    const double wx = view.viewport[0] + x + 0.5, wy = view.viewport[1] + view.viewport[3] - y - 0.5;
-    const _NgPoint3Str start = nglUnproject(view, wx, wy, 0), end = nglUnproject(view, wx, wy, 1);
-    return Pick(&start, &end, picked);
+    return m_state && picked && withMemory([&] { return m_state->pickPixel(x, y, *picked) ? 1 : 0; }) == 1;
 }
 
 } // namespace ngl

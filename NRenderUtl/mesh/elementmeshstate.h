@@ -27,5 +27,6 @@ struct ngl::NglElementMesh::State {
     }
     void setValues(ElementValues::Kind kind, const float* given, std::uint32_t count);
     void draw();
-    bool pick(const _NgPoint3Str& start, const _NgPoint3Str& end, NglElementPick& picked);
+    bool pick(const ElementRay& ray, NglElementPick& picked);
+    bool pickPixel(int x, int y, NglElementPick& picked);
 };

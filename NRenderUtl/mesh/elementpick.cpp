@@ -25,10 +25,11 @@ struct Hit {
     Triple weights{};
 };
 
-/// The direction's largest coordinate is 1 or -1, in which it advances by its parameter.
-class Ray {
+/// Places as a ray sees them. Its direction's largest coordinate is 1 or -1, in which it advances by its
+/// parameter.
+class RayView {
 public:
-    Ray(const Triple& origin, const Triple& direction);
+    RayView(const Triple& origin, const Triple& direction);
     /// Coordinates across the ray, where it is at zero, and the parameter.
     Triple place(const ElementSurface::Vector& position) const {
         const double along = m_sign * (position[m_z] - m_origin[m_z]);
@@ -42,7 +43,7 @@ private:
     double m_slopeX, m_slopeY, m_sign;
 };
 
-Ray::Ray(const Triple& origin, const Triple& direction) : m_origin(origin) {
+RayView::RayView(const Triple& origin, const Triple& direction) : m_origin(origin) {
     m_z = 0;
     for (int i = 1; i < 3; ++i)
         if (std::abs(direction[i]) > std::abs(direction[m_z]))
@@ -76,11 +77,11 @@ bool meetTriangle(const std::array<Triple, 3>& places, Hit& hit) {
     return hit.parameter >= 0.0;
 }
 
-void meetFace(const ElementSurface& surface, const Ray& ray, std::uint32_t face, Hit& best) {
+void meetFace(const ElementSurface& surface, const RayView& view, std::uint32_t face, Hit& best) {
     const std::span<const std::uint32_t> corners = surface.face(face);
     std::array<Triple, 4> places;
     for (std::size_t i = 0; i < corners.size(); ++i)
-        places[i] = ray.place(surface.positions[corners[i]]);
+        places[i] = view.place(surface.positions[corners[i]]);
     for (std::size_t i = 2; i < corners.size(); ++i) {
         Hit hit{0.0, face, {corners[0], corners[i - 1], corners[i]}, {}};
         if (!meetTriangle({places[0], places[i - 1], places[i]}, hit))
@@ -131,14 +132,15 @@ void describe(const ElementSurface& surface, const Hit& hit, ngl::NglElementPick
 
 } // namespace
 
-bool ElementPicker::pick(const ElementSurface& surface, const _NgPoint3Str& start, const _NgPoint3Str& end,
+ElementRay elementRay(const ElementSurface& surface, const _NgPoint3Str& start, const _NgPoint3Str& end) {
+    const auto& [x, y, z] = surface.origin;
+    return {MathDifference(start, {x, y, z}), MathDifference(end, start)};
+}
+
+bool ElementPicker::pick(const ElementSurface& surface, const ElementRay& ray,
                          const std::function<bool(std::uint32_t)>& shown, ngl::NglElementPick& picked) {
-    const Triple from = {start.x, start.y, start.z}, to = {end.x, end.y, end.z};
-    Triple origin, direction;
-    for (int i = 0; i < 3; ++i) {
-        origin[i] = from[i] - surface.origin[i];
-        direction[i] = to[i] - from[i];
-    }
+    const Triple origin = {ray.start.x, ray.start.y, ray.start.z};
+    Triple direction = {ray.direction.x, ray.direction.y, ray.direction.z};
     const double size = std::max({std::abs(direction[0]), std::abs(direction[1]), std::abs(direction[2])});
     if (!(size > 0.0) || !isFinite(origin) || !isFinite(direction))
         return false;
@@ -147,13 +149,13 @@ bool ElementPicker::pick(const ElementSurface& surface, const _NgPoint3Str& star
 
     if (m_tree.isEmpty())
         m_tree.build(surface);
-    const Ray ray(origin, direction);
+    const RayView view(origin, direction);
     FaceTreeWalk walk(m_tree, origin, direction);
     Hit best;
     for (auto faces = walk.next(best.parameter); !faces.empty(); faces = walk.next(best.parameter))
         for (std::uint32_t face : faces)
             if (shown(surface.elementOf(face)))
-                meetFace(surface, ray, face, best);
+                meetFace(surface, view, face, best);
     if (std::isinf(best.parameter))
         return false;
     describe(surface, best, picked);

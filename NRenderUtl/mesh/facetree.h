@@ -43,7 +43,6 @@ public:
     bool isEmpty() const { return m_faces.empty(); }
     /// Throws std::bad_alloc, and is empty then.
     void build(const ElementSurface& surface);
-    void clear() { *this = {}; }
 
     /// The top level is the last and has one node.
     int levels() const { return static_cast<int>(m_levels.size()); }

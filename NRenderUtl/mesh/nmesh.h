@@ -308,10 +308,12 @@ public:
     /// Draws with the record's view, lights and materials under GL's current state; changes it only while
     /// drawing. Returns 0, also when there is nothing to draw.
     int Draw();
-    /// The first shown face that the ray from start through end meets. False, *picked untouched, when it
-    /// meets none or has no direction. The first pick prepares a tree over the faces.
+    /// The first shown face that the ray from start through end meets; of several at one distance the one
+    /// with the lowest number. False, *picked untouched, when it meets none, has no direction or is not
+    /// finite, and without memory. The first pick prepares a tree over the faces.
     bool Pick(const _NgPoint3Str* start, const _NgPoint3Str* end, NglElementPick* picked);
-    /// The same through a window pixel, y from the top, with the record's view.
+    /// The same through the centre of a window pixel, y from the top as NglGetViewVector takes it, with the
+    /// record's view; not before its near plane nor behind its far plane.
     bool PickPixel(int x, int y, NglElementPick* picked);
 
 private:

@@ -199,8 +199,9 @@ TEST(ElementPick, FindsElementEdgeAndNode) {
     for (const auto& [name, x, y, shown, face, edge, node, z, edgeDistance, nodeDistance] : rows) {
         SCOPED_TRACE(name);
         NglElementPick picked{};
-        ASSERT_TRUE(picker.pick(surface, {kFar + x, kFar + y, kFar + 3}, {kFar + x, kFar + y, kFar + 2.5},
-                                shown, picked));
+        ASSERT_TRUE(picker.pick(
+            surface, elementRay(surface, {kFar + x, kFar + y, kFar + 3}, {kFar + x, kFar + y, kFar + 2.5}),
+            shown, picked));
         EXPECT_EQ(picked.face, face);
         EXPECT_EQ(picked.element, face);
         EXPECT_EQ((Corners{picked.edge[0], picked.edge[1]}), edge);
@@ -239,11 +240,11 @@ TEST(ElementPick, TakesRaysThatHaveADirection) {
     for (const auto& [name, ray, hit] : rows) {
         NglElementPick picked{};
         picked.face = 77;
-        EXPECT_EQ(picker.pick(surface, ray.start, ray.end, all, picked), hit) << name;
+        EXPECT_EQ(picker.pick(surface, elementRay(surface, ray.start, ray.end), all, picked), hit) << name;
         EXPECT_EQ(picked.face, hit ? 0u : 77u) << name;
     }
     NglElementPick picked;
-    EXPECT_FALSE(ElementPicker().pick(Mesh().surface(), {0, 0, 1}, {0, 0, 0}, all, picked)) << "no faces";
+    EXPECT_FALSE(ElementPicker().pick(Mesh().surface(), {{0, 0, 1}, {0, 0, -1}}, all, picked)) << "no faces";
 }
 
 TEST(ElementPick, EqualsATestOfEveryFace) {
@@ -263,7 +264,7 @@ TEST(ElementPick, EqualsATestOfEveryFace) {
             const Ray ray = randomRay(random, scaleY);
             const auto shown = [i](std::uint32_t element) { return i % 2 == 0 || element * 7919u % 8 == 0; };
             NglElementPick picked;
-            const bool hit = picker.pick(surface, ray.start, ray.end, shown, picked);
+            const bool hit = picker.pick(surface, elementRay(surface, ray.start, ray.end), shown, picked);
             const Found found = testEveryFace(surface, ray, shown);
             unclear += !found.isClear();
             if (!found.isClear())
@@ -301,7 +302,8 @@ TEST(ElementPick, LeavesNoGaps) {
             const _NgPoint3Str start = {at(0) + height * (part(random) - 0.5),
                                         at(1) + height * (part(random) - 0.5), at(2) + height};
             NglElementPick picked;
-            ASSERT_TRUE(picker.pick(surface, start, {at(0), at(1), at(2)}, all, picked)) << i;
+            ASSERT_TRUE(picker.pick(surface, elementRay(surface, start, {at(0), at(1), at(2)}), all, picked))
+                << i;
         }
     }
 }
