@@ -53,7 +53,6 @@ public:
     const FaceBox& bounds() const { return m_bounds; }
 
 private:
-    void addLeaf(const FaceBox& box, std::uint32_t faces);
     void makeLeaves(const ElementSurface& surface);
     void makeLevels();
 
