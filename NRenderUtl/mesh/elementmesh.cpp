@@ -88,7 +88,7 @@ void modelViewOf(const ElementSurface& surface, double modelView[4][4]) {
     glGetFloatv(GL_MODELVIEW_MATRIX, current[0]);
     const _NglInfoStr& info = *NglGetNglInfo();
     NglToFloat(info.modelView, record);
-    if (std::equal(current[0], current[0] + 16, record[0]))
+    if (const float* held = current[0]; std::equal(held, held + 16, record[0]))
         std::copy_n(info.modelView[0], 16, modelView[0]);
     else
         NglToDouble(current, modelView);

@@ -86,7 +86,7 @@ ElementProgram& ownProgram(const ElementPlan& plan, bool derived) {
     static std::map<const NShaderProgram*, ElementProgram> known;
     NShaderProgram& program =
         elementMeshProgram(variantOf(plan, derived, plan.look == ElementLook::Unlit ? 0 : lightCount()));
-    const auto [found, isNew] = known.try_emplace(&program, program);
+    const auto [found, isNew] = known.try_emplace(&program, ElementProgram{program});
     if (isNew && program.IsProgramValid())
         found->second.numberLocation = program.GetVertexAttributeLocation(kElementAttribute);
     return found->second;
