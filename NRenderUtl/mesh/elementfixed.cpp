@@ -171,9 +171,10 @@ void ElementFixedRoute::updateColors(const ElementScene& scene, const double mod
                   how.frontAndBack ? how.frontColor : how.color,
                   how.frontAndBack ? how.backColor : how.color,
                   alphaOf(how)};
-    std::copy_n(modelView, 16, key.modelView.begin());
-    if (how.lit)
+    if (how.lit) {
         key.lighting = recordLighting();
+        std::copy_n(modelView, 16, key.modelView.begin());
+    }
     if (m_colorsKey == key)
         return;
     m_colorsKey.reset();
