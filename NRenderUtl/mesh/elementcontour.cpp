@@ -17,12 +17,6 @@ constexpr double kLargestTexel = 1e6; // keeps what is far out of range within t
 constexpr double kRounding = 0x1p-18; // several roundings of a texture coordinate
 constexpr double kNoRange = 1e-6;     // stands for a range without length, relative to its value
 
-/// The scale does not tell whether it is smeared: a copy shows it by two bands of its own.
-bool isSmearedScale(RenderColorScale scale) {
-    scale.SetColorBands({{0, 1, 0}, {1, 2, 0xFF}});
-    return (scale.GetColor(0.5f) & 0xFF) != 0;
-}
-
 /// A band with an infinite limit has no usable factor and keeps its own colour.
 NgColorLong mixed(NgColorLong from, NgColorLong to, float t) {
     if (!std::isfinite(t))
@@ -74,8 +68,8 @@ int texelCount(const ContourRule& rule, const ContourTexture::Range& range, int 
 
 // --- rule --------------------------------------------------------------------------------------------------
 
-ContourRule::ContourRule(const RenderColorScale& scale, bool ofElements)
-    : m_scale(scale), m_smeared(!ofElements && isSmearedScale(scale)) {}
+ContourRule::ContourRule(const ElementValues& values)
+    : m_scale(values.scale), m_smeared(values.smeared && values.kind == ElementValues::OfNodes) {}
 
 int ContourRule::band(float value) const {
     const int count = static_cast<int>(bands().size());

@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/mesh/elementvalues.h"
 
 /// Which colour a value has in the programs. They differ from RenderColorScale::GetColor: no tolerances, the
 /// limits of the range come first, and a gap takes the colour below the range.
 class ContourRule {
 public:
-    /// The scale must have bands. Values of elements are not smeared, whatever the scale says.
-    ContourRule(const RenderColorScale& scale, bool ofElements);
+    /// The values' scale must have bands. Values of elements are not smeared, whatever the scale says.
+    explicit ContourRule(const ElementValues& values);
 
     /// Band of a value: -1 below the range, in a gap and for NaN; the number of bands above the range.
     int band(float value) const;

@@ -157,7 +157,7 @@ void ElementFixedRoute::updateArrays(const ElementScene& scene) {
     clear();
     std::optional<ContourRule> rule;
     if (contour)
-        rule.emplace(scene.values.scale, !banded);
+        rule.emplace(scene.values);
     if (banded)
         m_texture.emplace(*rule, key.textureSize);
     m_arrays = makeElementArrays(scene, rule ? &*rule : nullptr, m_texture ? &*m_texture : nullptr);
