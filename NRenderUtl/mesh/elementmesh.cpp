@@ -168,6 +168,7 @@ int NglElementMesh::Create(const NglElementMeshInput& input) {
             fresh->attributes = m_state->attributes;
             fresh->values.scale = m_state->values.scale;
             fresh->values.smeared = m_state->values.smeared;
+            fresh->values.entries = m_state->values.entries;
             fresh->values.scaleNumber = m_state->values.scaleNumber;
         }
         m_state = std::move(fresh);
@@ -217,6 +218,7 @@ int NglElementMesh::SetColorScale(const RenderColorScale* scale) {
             m_state = std::make_unique<State>();
         ElementValues& values = m_state->values;
         values.smeared = isSmearedScale(copy);
+        values.entries = makeScaleEntries(copy);
         values.scale = copy;
         values.scaleNumber = nextScaleNumber();
         ++m_state->revision;

@@ -32,8 +32,10 @@ bool suitsGeometryStages(const ElementPlan& plan, const ElementScene& scene) {
            !(scene.attributes.frontAndBack && (plan.selected || plan.colored));
 }
 
-/// Whether attributes hold every number.
+/// Whether attributes hold every number, and the block the bands.
 bool suitsAttributes(const ElementPlan& plan, const ElementScene& scene) {
+    if (plan.contour && !scene.values.entries)
+        return false;
     if (plan.look == ElementLook::Faces)
         return scene.surface.faceCount() <= kMostNumbers;
     return !plan.needsElements() || scene.surface.elementCount <= kMostNumbers;

@@ -1,8 +1,11 @@
 #include "NRenderUtl/mesh/elementprograms.h"
 
+#include <cstring>
+
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/mesh/meshguards.h"
 #include "NRenderUtl/shaders/programinuse.h"
+#include "NRenderUtl/shaders/samplerunits.h"
 
 namespace {
 
@@ -100,16 +103,17 @@ private:
 };
 
 ElementPrograms::ElementPrograms()
-    : m_facts{{{RenderUniformVisibilityBuffer, GL_R8UI, 1},
-               {RenderUniformSelectionBuffer, GL_R8UI, 1},
-               {RenderUniformElementColorBuffer, GL_RGBA8UI, 4},
-               {RenderUniformClipCodeBuffer, GL_R8UI, 1},
-               {RenderUniformFailureLevelBuffer, GL_R32I, 4},
-               {RenderUniformFailureAboveBuffer, GL_R32I, 4},
-               {RenderUniformElementValues, GL_R32F, 4}}},
-      m_derived(RenderUniformDerivedBuffer, GL_R32I, 4),
-      m_derivedQuads(RenderUniformDerivedBuffer, GL_R32I, 4),
-      m_normals(RenderUniformElementNormalBuffer, GL_RGBA32F, 16) {}
+    : m_facts{{{samplerUnit(RenderUniformVisibilityBuffer), GL_R8UI, 1},
+               {samplerUnit(RenderUniformSelectionBuffer), GL_R8UI, 1},
+               {samplerUnit(RenderUniformElementColorBuffer), GL_RGBA8UI, 4},
+               {samplerUnit(RenderUniformClipCodeBuffer), GL_R8UI, 1},
+               {samplerUnit(RenderUniformFailureLevelBuffer), GL_R32I, 4},
+               {samplerUnit(RenderUniformFailureAboveBuffer), GL_R32I, 4},
+               {samplerUnit(RenderUniformElementValues), GL_R32F, 4}}},
+      m_derived(samplerUnit(RenderUniformDerivedBuffer), GL_R32I, 4),
+      m_derivedQuads(samplerUnit(RenderUniformDerivedBuffer), GL_R32I, 4),
+      m_normals(samplerUnit(RenderUniformElementNormalBuffer), GL_RGBA32F, 16),
+      m_block(kBlockUnit, GL_RGBA32F, sizeof(BlockTexel)) {}
 
 // --- what is drawn -----------------------------------------------------------------------------------------
 
@@ -214,6 +218,22 @@ bool ElementPrograms::updateFacts(const ElementScene& scene, const ElementPlan& 
            (!plan.ofElements || updateFact(Value, scene.values.values, bindings));
 }
 
+/// The parameters of the own program.
+bool ElementPrograms::updateBlock(const ElementScene& scene, Bindings& bindings) {
+    const auto& entries = scene.values.entries;
+    std::vector<BlockTexel> block = makeParameterBlock(blockLighting(), entries ? &*entries : nullptr);
+    const auto count = static_cast<std::uint32_t>(block.size());
+    const std::size_t bytes = block.size() * sizeof(BlockTexel);
+    if (m_blockTexels.empty() || std::memcmp(block.data(), m_blockTexels.data(), bytes) != 0)
+        m_block.changed({0, count});
+    m_blockTexels = std::move(block);
+    bindings.open(m_block);
+    if (!m_block.store(m_block.stale(count), count, m_blockTexels.data()))
+        return false;
+    m_block.bind();
+    return true;
+}
+
 /// Elements and normals by the number of the primitive.
 bool ElementPrograms::updatePrimitives(const Frame& frame, Bindings& bindings) {
     const ElementSurface& surface = frame.scene.surface;
@@ -284,6 +304,8 @@ bool ElementPrograms::draw(const ElementScene& scene, const double modelView[16]
     const OwnArraysGuard arrays;
     Bindings bindings;
     if (!updateBuffers(frame) || !updateFacts(scene, *plan, bindings) || !updatePrimitives(frame, bindings))
+        return false;
+    if (plan->way == ElementWay::Attribute && !updateBlock(scene, bindings))
         return false;
     setUniforms(frame, modelView);
     if (scene.attributes.opacity < 1.0f)

@@ -44,6 +44,7 @@ private:
     std::vector<Piece> piecesOf(const ElementSurface& surface, ElementPlan& plan);
     bool updateBuffers(const Frame& frame);
     bool updateFacts(const ElementScene& scene, const ElementPlan& plan, Bindings& bindings);
+    bool updateBlock(const ElementScene& scene, Bindings& bindings);
     bool updateColors(const ElementScene& scene, Bindings& bindings);
     bool updatePrimitives(const Frame& frame, Bindings& bindings);
     template <class T>
@@ -55,4 +56,6 @@ private:
     ElementBuffers m_buffers;
     std::array<ElementTexture, FactCount> m_facts;
     ElementTexture m_derived, m_derivedQuads, m_normals;
+    ElementTexture m_block;
+    std::vector<BlockTexel> m_blockTexels; ///< as uploaded
 };

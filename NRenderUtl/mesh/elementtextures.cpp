@@ -3,7 +3,6 @@
 #include <limits>
 
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/shaders/samplerunits.h"
 
 namespace {
 
@@ -16,10 +15,6 @@ bool hasRoom(std::uint32_t count, int texelBytes) {
 
 } // namespace
 
-int ElementTexture::unit() const {
-    return samplerUnit(m_sampler);
-}
-
 ElementSpan ElementTexture::stale(std::uint32_t count) const {
     return m_texture.IsValid() ? m_changed : ElementSpan{0, count};
 }
@@ -28,7 +23,7 @@ bool ElementTexture::store(const ElementSpan& span, std::uint32_t count, const v
     if (!m_texture.IsValid()) {
         if (hasRoom(count, m_texelBytes))
             m_texture.Create(GL_TEXTURE_BUFFER, texels, static_cast<int>(count) * m_texelBytes,
-                             GL_DYNAMIC_DRAW, m_format, static_cast<unsigned>(unit()));
+                             GL_DYNAMIC_DRAW, m_format, static_cast<unsigned>(m_unit));
     } else if (!span.empty()) {
         m_texture.Update(static_cast<int>(span.first) * m_texelBytes,
                          static_cast<int>(span.count()) * m_texelBytes, texels);

@@ -22,12 +22,12 @@ struct ElementSpan {
 class ElementTexture {
 public:
     /// format: of the texels, as of RenderGLTBO.
-    ElementTexture(RenderingShaderUniform sampler, unsigned int format, int texelBytes)
-        : m_sampler(sampler), m_format(format), m_texelBytes(texelBytes) {}
+    ElementTexture(int unit, unsigned int format, int texelBytes)
+        : m_unit(unit), m_format(format), m_texelBytes(texelBytes) {}
     ElementTexture(const ElementTexture&) = delete;
     ElementTexture& operator=(const ElementTexture&) = delete;
 
-    int unit() const;
+    int unit() const { return m_unit; }
     void changed(const ElementSpan& span) { m_changed.add(span); }
     /// What store must be given: everything at first.
     ElementSpan stale(std::uint32_t count) const;
@@ -47,7 +47,7 @@ public:
     void bind() { m_texture.Bind(true); }
 
 private:
-    const RenderingShaderUniform m_sampler;
+    const int m_unit;
     const unsigned int m_format;
     const int m_texelBytes;
     RenderGLTBO m_texture;

@@ -32,26 +32,23 @@ int contourType(const ElementPlan& plan) {
     return plan.smeared ? kSmearedContour : kBandedContour;
 }
 
-/// The lights behind this many are off.
-int lightCount() {
-    const NglLightParams* lights = NglGetNglInfo()->lights;
-    int count = 8;
-    while (count > 0 && lights[count - 1].enabled != 1)
-        --count;
-    return count;
-}
-
-MeshProgramVariant variantOf(const ElementPlan& plan, bool derived, int lights) {
+MeshProgramVariant variantOf(const ElementPlan& plan, bool derived) {
     MeshProgramVariant variant;
     for (const ElementSwitch& fixed : switchesOf(plan, derived))
         variant.switches.push_back({kUniformNames[fixed.uniform], fixed.value});
     variant.switches.push_back({"g_use_clr_scale", 1});
-    variant.lightCount = lights;
+    variant.block = true;
+    variant.highlights = plan.look != ElementLook::Unlit && hasHighlights(blockLighting());
     variant.windingNormals = true;
     return variant;
 }
 
 } // namespace
+
+BlockLighting blockLighting() {
+    const _NglInfoStr& record = *NglGetNglInfo();
+    return {record.lights, record.frontMaterial, record.backMaterial};
+}
 
 bool fetchesNormals(const ElementPlan& plan) {
     return (plan.way != ElementWay::Geometry && plan.look == ElementLook::Faces) ||
@@ -84,8 +81,7 @@ std::vector<ElementSwitch> switchesOf(const ElementPlan& plan, bool derived) {
 
 ElementProgram& ownProgram(const ElementPlan& plan, bool derived) {
     static std::map<const NShaderProgram*, ElementProgram> known;
-    NShaderProgram& program =
-        elementMeshProgram(variantOf(plan, derived, plan.look == ElementLook::Unlit ? 0 : lightCount()));
+    NShaderProgram& program = elementMeshProgram(variantOf(plan, derived));
     const auto [found, isNew] = known.try_emplace(&program, ElementProgram{program});
     if (isNew && program.IsProgramValid())
         found->second.numberLocation = program.GetVertexAttributeLocation(kElementAttribute);
@@ -135,29 +131,27 @@ void ElementUniforms::setMatrices(Matrix projection, Matrix modelView) {
 }
 
 void ElementUniforms::setLighting() {
-    const _NglInfoStr& record = *NglGetNglInfo();
-    Lighting lighting{{}, record.frontMaterial, record.backMaterial};
-    std::copy(std::begin(record.lights), std::end(record.lights), lighting.lights.begin());
-    if (m_memory && m_memory->lighting && sameBytes(*m_memory->lighting, lighting))
-        return;
-    m_program.SetLightUniforms(static_cast<int>(lighting.lights.size()), lighting.lights.data());
-    m_program.SetMateiralUniforms(&lighting.front, &lighting.back);
-    if (m_memory)
-        m_memory->lighting = lighting;
+    _NglInfoStr& record = *NglGetNglInfo();
+    m_program.SetLightUniforms(static_cast<int>(std::size(record.lights)), record.lights);
+    m_program.SetMateiralUniforms(&record.frontMaterial, &record.backMaterial);
 }
 
 void ElementUniforms::setScale(const ElementValues& values) {
-    if (m_memory && m_memory->scaleNumber == values.scaleNumber)
-        return;
-    m_program.SetUniformValue("g_use_clr_scale", 1);
-    m_program.SetColorScaleUniforms(&values.scale);
-    if (m_memory)
+    if (!m_memory) {
+        m_program.SetUniformValue("g_use_clr_scale", 1);
+        m_program.SetColorScaleUniforms(&values.scale);
+    } else if (m_memory->scaleNumber != values.scaleNumber) {
+        const ScaleEntries& scale = *values.entries;
+        float entries[3] = {static_cast<float>(scale.entries.size() - 1), scale.guessFactor,
+                            scale.guessOffset};
+        m_program.SetVec3UniformValue(kEntriesUniform, entries);
         m_memory->scaleNumber = values.scaleNumber;
+    }
 }
 
 void ElementUniforms::setLook(const ElementPlan& plan, const ElementScene& scene) {
     const ngl::NglElementAttributes& how = scene.attributes;
-    if (plan.look != ElementLook::Unlit)
+    if (plan.look != ElementLook::Unlit && !m_memory)
         setLighting();
     setColor3(RenderUniformColor, how.color);
     if (plan.facing) {

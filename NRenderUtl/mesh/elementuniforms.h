@@ -8,6 +8,7 @@
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/mesh/elementplan.h"
+#include "NRenderUtl/mesh/parameterblock.h"
 #include "NRenderUtl/shaders/meshprograms.h"
 
 /// Uniforms that choose what a program does.
@@ -21,19 +22,17 @@ std::vector<ElementSwitch> switchesOf(const ElementPlan& plan, bool derived);
 /// triangles.
 bool fetchesNormals(const ElementPlan& plan);
 
+/// Lights and materials of the view record.
+BlockLighting blockLighting();
+
 /// Sets uniforms of a program in use. Of a program that nobody else sets it is given the memory of what it
 /// set, and then calls GL for what has changed alone.
 class ElementUniforms {
 public:
     using Matrix = std::array<float, 16>;
-    struct Lighting {
-        std::array<NglLightParams, 8> lights;
-        NglMatParams front, back;
-    };
     struct Memory {
         std::array<std::optional<std::uint32_t>, RenderUniformCount> plain;
         std::optional<std::array<Matrix, 2>> matrices;
-        std::optional<Lighting> lighting;
         std::uint64_t scaleNumber = 0;
     };
 
@@ -46,13 +45,13 @@ public:
     void setColor4(RenderingShaderUniform uniform, NgColorLong color);
     /// With the normal matrix.
     void setMatrices(Matrix projection, Matrix modelView);
-    /// Lights and materials of the view record.
-    void setLighting();
-    void setScale(const ElementValues& values);
-    /// What a plan asks for but for the switches.
+    /// What a plan asks for but for the switches. An own program has lights, materials and bands from a
+    /// block.
     void setLook(const ElementPlan& plan, const ElementScene& scene);
 
 private:
+    void setLighting();
+    void setScale(const ElementValues& values);
     bool isNew(RenderingShaderUniform uniform, std::uint32_t bits);
 
     NShaderProgram& m_program;

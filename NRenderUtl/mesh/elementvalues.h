@@ -4,15 +4,16 @@
 #include <cstdint>
 #include <vector>
 
-#include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/mesh/scaleentries.h"
 
 struct ElementValues {
     enum Kind { None, OfNodes, OfElements };
     Kind kind = None;
     std::vector<float> values;
-    RenderColorScale scale;        ///< without bands: no contour
-    bool smeared = false;          ///< of the scale
-    std::uint64_t scaleNumber = 0; ///< another one for each scale that was set, on any mesh
+    RenderColorScale scale;                ///< without bands: no contour
+    bool smeared = false;                  ///< of the scale
+    std::optional<ScaleEntries> entries{}; ///< of the scale; nothing without bands, or with some out of order
+    std::uint64_t scaleNumber = 0;         ///< another one for each scale that was set, on any mesh
 
     bool colored() const { return kind != None && !scale.GetColorBands().empty(); }
 };

@@ -19,8 +19,6 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
             changes.defines.push_back("NO_HIGHLIGHTS");
         if (variant.windingNormals)
             changes.defines.push_back("WINDING_NORMALS");
-        if (variant.lightCount >= 0)
-            changes.defines.push_back("LIGHT_COUNT " + std::to_string(variant.lightCount));
         entry.program.build(RenderShaderMesh, changes);
     }
     return entry.program;

@@ -18,7 +18,6 @@ struct FixedSwitch {
 /// switch, for every fragment.
 struct MeshProgramVariant {
     std::vector<FixedSwitch> switches{}; ///< in the same order for the same program
-    int lightCount = -1;                 ///< lights from this number on are off; -1 = as the uniforms say
     /// Lights, materials and bands come from the buffer of blocklayout.h, bound to kBlockUnit, and the
     /// program has kEntriesUniform in place of their uniforms: vec3 of the last entry, guess factor and guess
     /// offset.

@@ -54,14 +54,10 @@ float highlight(float cosine, float shininess) {
 // Number of the last light that is on, or 0. Loops over lights end there: on a processor without a GPU each
 // pass costs as much for a light that is off.
 int lastLight() {
-#ifdef LIGHT_COUNT
-    return LIGHT_COUNT - 1;
-#else
     int last = 7;
     while (last > 0 && g_lights[last].status != 1)
         --last;
     return last;
-#endif
 }
 
 // What the lights give, before the colour and the emission of the surface.
