@@ -2,21 +2,22 @@
 #include <algorithm>
 #include <cmath>
 #include <set>
-#include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostmath.h"
-#include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/shaders/nshaders.h"
+#include "tests/mesh/testfaces.h"
 #include "tests/support/gltest.h"
 
 using namespace nrutest;
-using ngl::NglElementMesh;
+using namespace ngl;
 
 namespace {
 
 /// A view of a mesh of some size about a point.
 struct Case {
     const char* name;
+    NglElementRoute route;
     bool perspective;
     double nearPlane, farPlane; ///< by the size
     double size;
@@ -27,44 +28,26 @@ std::uint32_t colorOf(std::uint32_t element) {
     return 0xFF800000 | (element + 1);
 }
 
-/// Two wavy sheets through each other, one of triangles and one of quads.
+/// Two wavy sheets through each other. Each element has a colour of its own, unlit; some are hidden, clipped
+/// or failing.
 void createSheets(const Case& c, NglElementMesh& mesh) {
     constexpr std::uint32_t kSide = 14;
-    std::vector<double> nodes;
-    std::vector<std::uint32_t> triangles, quads;
-    for (std::uint32_t v = 0; v < 2 * (kSide + 1) * (kSide + 1); ++v) {
-        const std::uint32_t i = v % (kSide + 1), j = v / (kSide + 1) % (kSide + 1), w = v + kSide + 1;
-        const bool isFirst = v < (kSide + 1) * (kSide + 1);
-        const double a = 2.0 * i / kSide - 1, b = 2.0 * j / kSide - 1;
-        const double height = 0.2 * std::sin(4 * a + isFirst) * std::cos(5 * b);
-        nodes.insert(nodes.end(), {c.middle.x + c.size * a, c.middle.y + c.size * (isFirst ? b : height),
-                                   c.middle.z + c.size * (isFirst ? height : b)});
-        if (i == kSide || j == kSide)
-            continue;
-        if (isFirst)
-            triangles.insert(triangles.end(), {v, v + 1, w, w, v + 1, w + 1});
-        else
-            quads.insert(quads.end(), {v, v + 1, w + 1, w});
-    }
-    ngl::NglElementMeshInput input;
-    input.nodeCount = static_cast<std::uint32_t>(nodes.size() / 3);
-    input.nodes = nodes.data();
-    input.triangleCount = static_cast<std::uint32_t>(triangles.size() / 3);
-    input.triangles = triangles.data();
-    input.quadCount = static_cast<std::uint32_t>(quads.size() / 4);
-    input.quads = quads.data();
-    ASSERT_EQ(mesh.Create(input), 0);
-}
-
-/// Each element in a colour of its own, unlit; some are hidden, clipped or failing.
-void setFacts(NglElementMesh& mesh) {
-    using ngl::NglElements;
-    ngl::NglElementAttributes attributes;
+    TestFaces faces;
+    for (const bool ofQuads : {false, true})
+        faces.addSheet(kSide, ofQuads, [&](std::uint32_t i, std::uint32_t j) {
+            const double a = 2.0 * i / kSide - 1, b = 2.0 * j / kSide - 1;
+            const double height = 0.2 * std::sin(4 * a + ofQuads) * std::cos(5 * b);
+            const _NgPoint3Str place = {a, ofQuads ? height : b, ofQuads ? b : height};
+            return MathAdd(c.middle, MathScaled(place, c.size));
+        });
+    NglElementAttributes attributes;
+    attributes.route = c.route;
     attributes.lit = false;
     attributes.clipFlag = 1;
     attributes.failureMode = 1;
     attributes.failureLevel = 3;
     mesh.SetAttributes(attributes);
+    ASSERT_EQ(mesh.Create(faces.input()), 0);
     for (std::uint32_t element = 0; element < mesh.ElementCount(); ++element)
         mesh.SetColor(NglElements::One(element), colorOf(element));
     mesh.SetVisible(NglElements::Range(100, 60), false);
@@ -74,13 +57,18 @@ void setFacts(NglElementMesh& mesh) {
 
 class ElementPickPixel : public GlTest {
 protected:
-    static void setView(const Case& c) {
+    void SetUp() override {
+        GlTest::SetUp();
+        SetRenderingContextActive(true);
+        NglInitGLExtensions();
+        RenderingInitShaders();
         glEnable(GL_DEPTH_TEST);
+    }
+    static void setView(const Case& c) {
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
-        const double n = c.nearPlane * c.size, f = c.farPlane * c.size,
-                     side = c.perspective ? 0.5 * n : 1.2 * c.size;
-        (c.perspective ? glFrustum : glOrtho)(-side, side, -side, side, n, f);
+        const double n = c.nearPlane * c.size, side = c.perspective ? 0.5 * n : 1.2 * c.size;
+        (c.perspective ? glFrustum : glOrtho)(-side, side, -side, side, n, c.farPlane * c.size);
         NgMatrix modelView;
         NglSetTranslation(modelView, {0, 0, -2.5 * c.size});
         NglRotate(modelView, 50, {1, 0.3, 0});
@@ -92,7 +80,7 @@ protected:
         std::copy_n(modelView[0], 16, NglGetNglInfo()->modelView[0]);
     }
     static std::uint32_t pickedColor(NglElementMesh& mesh, int x, int y) {
-        ngl::NglElementPick picked;
+        NglElementPick picked;
         return mesh.PickPixel(x, y, &picked) ? colorOf(picked.element) : kClear;
     }
     /// Picked where the picture is moved by up to a fiftieth of a pixel.
@@ -116,31 +104,30 @@ protected:
 
 TEST_F(ElementPickPixel, FindsWhatIsDrawnThere) {
     const Case cases[] = {
-        {"orthographic", false, 0.5, 5, 1, {0, 0, 0}},
-        {"perspective", true, 0.5, 5, 1, {0, 0, 0}},
-        {"cut by both planes", true, 2.3, 2.7, 1, {0, 0, 0}},
-        {"small and far from zero", true, 0.5, 5, 1e-5, {1e7, -2e7, 3e7}},
+        {"orthographic", NglElementRouteAutomatic, false, 0.5, 5, 1, {0, 0, 0}},
+        {"perspective", NglElementRouteFixed, true, 0.5, 5, 1, {0, 0, 0}},
+        {"cut by both planes", NglElementRouteAutomatic, true, 2.3, 2.7, 1, {0, 0, 0}},
+        {"small and far from zero", NglElementRouteAutomatic, true, 0.5, 5, 1e-5, {1e7, -2e7, 3e7}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         NglElementMesh mesh;
         createSheets(c, mesh);
-        setFacts(mesh);
         setView(c);
         clear();
         ASSERT_EQ(mesh.Draw(), 0);
         const Picture drawn = read();
         int differing = 0;
         std::set<std::uint32_t> seen;
-        for (int y = 0; y < kSize; ++y)
-            for (int x = 0; x < kSize; ++x) {
-                const std::uint32_t expected = drawn.at(x, kSize - 1 - y);
-                seen.insert(expected);
-                if (pickedColor(mesh, x, y) == expected)
-                    continue;
-                ++differing;
-                EXPECT_TRUE(colorsAbout(mesh, x, y).count(expected)) << x << ' ' << y << ' ' << hex(expected);
-            }
+        for (int i = 0; i < kSize * kSize; ++i) {
+            const int x = i % kSize, y = i / kSize;
+            const std::uint32_t expected = drawn.at(x, kSize - 1 - y);
+            seen.insert(expected);
+            if (pickedColor(mesh, x, y) == expected)
+                continue;
+            ++differing;
+            EXPECT_TRUE(colorsAbout(mesh, x, y).count(expected)) << x << ' ' << y << ' ' << hex(expected);
+        }
         EXPECT_GT(seen.size(), 40u);
         EXPECT_LT(differing, 10);
     }
