@@ -56,7 +56,7 @@ RayView::RayView(const Triple& origin, const Triple& direction) : m_origin(origi
 }
 
 /// Twice the signed area that an edge spans with the ray. The two triangles at an edge see exactly opposite
-/// values: the products are rounded on their own, in statements that no compiler fuses.
+/// values: each product is rounded on its own, in a statement that ISO C++ does not fuse with the next.
 double edgeArea(const Triple& a, const Triple& b) {
     const double first = a[0] * b[1];
     const double second = a[1] * b[0];
