@@ -11,7 +11,7 @@ namespace {
 
 using Node = FaceTree::Node;
 
-constexpr std::size_t kAhead = 24; ///< entries that memory is asked for before they are due
+constexpr std::size_t kAhead = 12; ///< entries that memory is asked for before they are due
 constexpr std::uint32_t kFewPieces = 500;
 
 // --- leaves ------------------------------------------------------------------------------------------------
@@ -135,8 +135,11 @@ void addFaces(const ElementSurface& surface, LeafMaker& maker) {
     }
     const std::vector<CurvePlace> order = curveOrder(corners);
     for (std::size_t i = 0; i < order.size(); ++i) {
+        if (order.size() - i > 2 * kAhead)
+            __builtin_prefetch(surface.face(order[i + 2 * kAhead].item).data());
         if (order.size() - i > kAhead)
-            __builtin_prefetch(surface.face(order[i + kAhead].item).data());
+            for (std::uint32_t vertex : surface.face(order[i + kAhead].item))
+                __builtin_prefetch(&surface.positions[vertex]);
         maker.add(boxOf(surface, order[i].item), order[i].item, order[i].item + 1);
     }
 }
