@@ -17,6 +17,12 @@ constexpr std::uint32_t kNoNode = std::numeric_limits<std::uint32_t>::max();
 /// A bit for each face of a cell that is to be drawn; no cell type has more than six.
 using FaceMask = std::uint8_t;
 
+/// Which cells are shown; empty flags say all.
+struct CellFlags {
+    const std::vector<bool>& flags;
+    bool operator[](std::size_t cell) const { return flags.empty() || flags[cell]; }
+};
+
 /// A face's corners but the smallest, sorted. Repeated corners of collapsed cells count once: a collapsed
 /// quad meets the triangle beside it.
 struct FaceRecord {
@@ -62,15 +68,18 @@ std::vector<FaceRecord> bucketFaces(const Model& model, std::vector<std::size_t>
     return records;
 }
 
-/// Of the uses of one face: every shell is drawn; a solid only when it is the one use. A shell that lies on a
-/// solid is drawn in the solid's place, since it is what a modeller sees from outside.
-void markDrawn(std::span<const FaceRecord> uses, std::vector<FaceMask>& drawn) {
+/// Of the uses of one face: every shell is drawn; a solid only when it is the one use, of all or of those
+/// shown. A shell that lies on a solid is drawn in the solid's place, since it is what a modeller sees from
+/// outside.
+void markDrawn(std::span<const FaceRecord> uses, const CellFlags& shown, std::vector<FaceMask>& drawn) {
+    const auto isShown = [&](const FaceRecord& use) { return shown[use.cell]; };
+    const bool oneShown = std::count_if(uses.begin(), uses.end(), isShown) == 1;
     for (const FaceRecord& use : uses)
-        if (use.shell || uses.size() == 1)
+        if (use.shell || uses.size() == 1 || (oneShown && isShown(use)))
             drawn[use.cell] |= static_cast<FaceMask>(1u << use.face);
 }
 
-std::vector<FaceMask> drawnFaces(const Model& model) {
+std::vector<FaceMask> drawnFaces(const Model& model, const CellFlags& shown) {
     std::vector<std::size_t> starts;
     std::vector<FaceRecord> records = bucketFaces(model, starts);
     std::vector<FaceMask> drawn(model.cellCount(), 0);
@@ -81,7 +90,7 @@ std::vector<FaceMask> drawnFaces(const Model& model) {
         for (auto first = begin; first != end;) {
             const auto last =
                 std::find_if(first, end, [&](const FaceRecord& r) { return r.rest != first->rest; });
-            markDrawn({first, last}, drawn);
+            markDrawn({first, last}, shown, drawn);
             first = last;
         }
     }
@@ -131,7 +140,7 @@ void turnRound(Face& face) {
 
 class SurfaceBuilder {
 public:
-    explicit SurfaceBuilder(const Model& model) : m_model(model) {}
+    SurfaceBuilder(const Model& model, CellFlags shown) : m_model(model), m_shown(shown) {}
 
     void addFace(Face face, std::uint32_t cell);
     void addPolygon(std::span<const std::uint32_t> nodes, std::uint32_t cell);
@@ -143,13 +152,14 @@ public:
 private:
     void addTriangle(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t cell);
     void addQuad(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d, std::uint32_t cell);
-    void addEdge(std::uint32_t a, std::uint32_t b);
-    void addOutline(Face& face);
+    void addEdge(std::uint32_t a, std::uint32_t b, std::uint32_t cell);
+    void addOutline(Face& face, std::uint32_t cell);
     void splitTriangle(const Face& face, std::uint32_t cell);
     void splitQuad(const Face& face, std::uint32_t cell);
     std::uint32_t addCentre(const Face& face);
 
     const Model& m_model;
+    CellFlags m_shown;
     Surface m_surface;
     std::vector<std::uint64_t> m_edges; ///< smaller node in the upper half
 };
@@ -176,19 +186,19 @@ void SurfaceBuilder::addQuad(std::uint32_t a, std::uint32_t b, std::uint32_t c, 
     m_surface.quadCells.push_back(cell);
 }
 
-void SurfaceBuilder::addEdge(std::uint32_t a, std::uint32_t b) {
-    if (a != b)
+void SurfaceBuilder::addEdge(std::uint32_t a, std::uint32_t b, std::uint32_t cell) {
+    if (a != b && m_shown[cell])
         m_edges.push_back(static_cast<std::uint64_t>(std::min(a, b)) << 32 | std::max(a, b));
 }
 
-void SurfaceBuilder::addOutline(Face& face) {
+void SurfaceBuilder::addOutline(Face& face, std::uint32_t cell) {
     const auto corners = face.cornerNodes();
     const auto midSides = face.midSides();
     for (std::size_t i = 0; i < corners.size(); ++i) {
         const std::uint32_t next = corners[(i + 1) % corners.size()];
         const std::uint32_t middle = midSides.empty() ? next : midSides[i];
-        addEdge(corners[i], middle);
-        addEdge(middle, next);
+        addEdge(corners[i], middle, cell);
+        addEdge(middle, next, cell);
     }
 }
 
@@ -235,7 +245,7 @@ std::uint32_t SurfaceBuilder::addCentre(const Face& face) {
 
 void SurfaceBuilder::addFace(Face face, std::uint32_t cell) {
     ++m_surface.faceCount;
-    addOutline(face);
+    addOutline(face, cell);
     if (face.corners == 3)
         splitTriangle(face, cell);
     else
@@ -247,7 +257,7 @@ void SurfaceBuilder::addPolygon(std::span<const std::uint32_t> nodes, std::uint3
     std::vector<Point> corners;
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         corners.push_back(m_model.nodes[nodes[i]]);
-        addEdge(nodes[i], nodes[(i + 1) % nodes.size()]);
+        addEdge(nodes[i], nodes[(i + 1) % nodes.size()], cell);
     }
     for (const auto& [a, b, c] : triangulatePolygon(corners))
         addTriangle(nodes[a], nodes[b], nodes[c], cell);
@@ -321,9 +331,9 @@ void addCell(SurfaceBuilder& builder, const Model& model, std::uint32_t cell, Fa
 
 } // namespace
 
-Surface extractSurface(const Model& model) {
-    const std::vector<FaceMask> drawn = drawnFaces(model);
-    SurfaceBuilder builder(model);
+Surface extractSurface(const Model& model, const std::vector<bool>& shown) {
+    const std::vector<FaceMask> drawn = drawnFaces(model, {shown});
+    SurfaceBuilder builder(model, {shown});
     for (std::uint32_t cell = 0; cell < model.cellCount(); ++cell)
         addCell(builder, model, cell, drawn[cell]);
     return builder.finish();

@@ -31,11 +31,11 @@ std::vector<Point> pointsOf(const Model& model, const Surface& surface) {
 /// A triangle, or one of the two that a quad is cut into.
 using Piece = std::array<Point, 3>;
 
-std::vector<Piece> piecesOf(const Model& model, const Surface& surface) {
+std::vector<Piece> piecesOf(const Model& model, const Surface& surface, const std::vector<bool>& shown = {}) {
     const std::vector<Point> points = pointsOf(model, surface);
     std::vector<Piece> pieces;
-    forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t) {
-        for (std::size_t i = 2; i < face.size(); ++i)
+    forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t cell) {
+        for (std::size_t i = 2; i < face.size() && (shown.empty() || shown[cell]); ++i)
             pieces.push_back({points[face[0]], points[face[i - 1]], points[face[i]]});
     });
     return pieces;
@@ -181,6 +181,28 @@ TEST(Surface, FacesThatCellsShareVanish) {
             EXPECT_GT(length(normalOf(piece)), 0.2);
         EXPECT_TRUE(!(std::abs(volumeOf(pieces) - volume) > 1e-12)) << volumeOf(pieces);
         EXPECT_TRUE(!name.starts_with("shell") || surface.quadCells.back() == cells.size() - 1);
+    }
+}
+
+TEST(Surface, WhatIsShownIsClosedWhereOthersAreHidden) {
+    const Cell shell = {CellType::Quad, {9, 10, 13, 12}};
+    // The first cell is hidden: all faces; volume and edges of the others.
+    const std::tuple<const char*, std::vector<Cell>, std::size_t, double, std::size_t> rows[] = {
+        {"solid beside it", {kFirst, kSecond}, 11, 1, 12},
+        {"solid under a shell", {shell, kFirst}, 7, 1, 12},
+        {"shell on a solid", {kFirst, shell}, 6, NAN, 4},
+        {"half of a solid's outside", {kSecond, kFirst, shell}, 11, 1, 12},
+    };
+    for (const auto& [name, cells, faces, volume, edges] : rows) {
+        SCOPED_TRACE(name);
+        const Model model = gridOf(cells);
+        std::vector<bool> shown(cells.size(), true);
+        shown[0] = false;
+        const Surface surface = extractSurface(model, shown);
+        EXPECT_EQ(surface.faceCount, faces);
+        EXPECT_EQ(surface.edges.size(), edges);
+        const double found = volumeOf(piecesOf(model, surface, shown));
+        EXPECT_TRUE(!(std::abs(found - volume) > 1e-12)) << found;
     }
 }
 
