@@ -20,7 +20,10 @@ public:
     /// Value at which band i begins; i = count is the end of the last.
     double limit(int i) const;
     int count() const { return m_count; }
+    bool smeared() const { return m_attributes.smeared != 0; }
     NgColorLong color(int band) const;
+    /// The scale of coordinates.
+    const RenderColorScale& scale() const { return m_attributes.colorScale; }
 
     /// What the library asks for as the active texture. createTexture needs a current context, which then
     /// owns it.

@@ -1,4 +1,5 @@
-// How a host opens a frame: its own GL set-up first, then NglUpdateNglInfo, then palette and background.
+// How a host starts the library in its context, and how it opens a frame: its own GL set-up first, then
+// NglUpdateNglInfo, then palette and background.
 #include "viewer/frame.h"
 
 #include <epoxy/gl.h>
@@ -9,6 +10,10 @@ namespace nruview {
 
 namespace {
 
+// Colours that the contour's ramp does not have.
+constexpr NgColorLong kSelectionColor = 0xFFC832DC;
+constexpr NgColorLong kHighlightColor = 0xFF8CF5FF;
+
 void loadMatrices(const ViewMatrices& view, int width, int height) {
     glViewport(0, 0, width, height);
     glMatrixMode(GL_PROJECTION);
@@ -17,13 +22,16 @@ void loadMatrices(const ViewMatrices& view, int width, int height) {
     glLoadMatrixd(view.modelView.data());
 }
 
-/// A headlight a little above and to the left of the eye, so that faces of unlike slope differ in shade; no
-/// visible face falls below the ambient share. The sum is 1: a face square to the light shows its own colour.
+/// A headlight a little above and to the left of the eye, so that faces of unlike slope differ in shade. The
+/// library's programs weigh ambient light with 1.74 and diffuse light with 0.5: no face falls below half of
+/// its colour, and one square to the light shows just that. They take the light for a lamp at a place; one so
+/// far away shines in one direction for any view.
 void setLights() {
-    constexpr std::array<float, 4> ambient = {0.5f, 0.5f, 0.5f, 1.0f};
-    constexpr std::array<float, 4> diffuse = {0.5f, 0.5f, 0.5f, 1.0f};
+    constexpr float kAmbient = 0.5f / 1.74f, kDiffuse = 0.5f / 0.5f, kFar = 1e5f;
+    constexpr std::array<float, 4> ambient = {kAmbient, kAmbient, kAmbient, 1.0f};
+    constexpr std::array<float, 4> diffuse = {kDiffuse, kDiffuse, kDiffuse, 1.0f};
     constexpr std::array<float, 4> black = {0.0f, 0.0f, 0.0f, 1.0f};
-    constexpr std::array<float, 4> direction = {-0.2f, 0.35f, 1.0f, 0.0f}; // toward the light, in eye space
+    constexpr std::array<float, 4> direction = {-0.2f * kFar, 0.35f * kFar, kFar, 0.0f}; // in eye space
     glPushMatrix();
     glLoadIdentity();
     glLightfv(GL_LIGHT0, GL_POSITION, direction.data());
@@ -51,9 +59,22 @@ void clearWindow(NgColorLong background) {
 
 } // namespace
 
-void startLibrary() {
+LibrarySession::LibrarySession(bool fixed) {
     NglInitGLExtensions();
+    InitRenderDefaults(); // reads NU_RENDERING_MODE
+    if (fixed)
+        SetUserDefinedFastRenderingMode(0);
+    if (IsFastRendererEnabled() != 0)
+        RenderingInitShaders();
+    SetRenderingContextActive(true);
     ngl_set_blending_value(255); // colours are opaque; the library starts with half of that
+    NglSetSelectionColor(kSelectionColor);
+    NglSetHighlightColor(kHighlightColor);
+}
+
+LibrarySession::~LibrarySession() {
+    RenderGLCleanupBuffers();
+    SetRenderingContextActive(false);
 }
 
 void beginFrame(const Camera& camera, const Bounds& bounds, int width, int height, NgColorLong background) {

@@ -6,8 +6,15 @@
 
 namespace nruview {
 
-/// Once for a context, after it was made current.
-void startLibrary();
+/// The library in the context that is current: from its start-up until what it has made there is deleted.
+class LibrarySession {
+public:
+    /// fixed: no programs, even where they run.
+    explicit LibrarySession(bool fixed = false);
+    ~LibrarySession();
+    LibrarySession(const LibrarySession&) = delete;
+    LibrarySession& operator=(const LibrarySession&) = delete;
+};
 
 /// Clears a window of width x height pixels and sets the view. The library reads matrices, viewport, lights
 /// and materials back from OpenGL; what it cannot know from there is written into its record.

@@ -11,6 +11,7 @@
 #include "viewer/error.h"
 #include "viewer/frame.h"
 #include "viewer/listing.h"
+#include "viewer/messages.h"
 #include "viewer/offscreen.h"
 #include "viewer/options.h"
 #include "viewer/pick.h"
@@ -29,7 +30,7 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
     OffscreenContext context;
     if (const std::string reason = context.create(options.width, options.height); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
-    startLibrary();
+    const LibrarySession session(options.fixed);
     const double aspect = static_cast<double>(options.width) / options.height;
     const Camera camera = fitCamera(options.view, shown.bounds, aspect, options.perspective);
     beginFrame(camera, shown.bounds, options.width, options.height, options.background);
@@ -45,6 +46,7 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
 }
 
 void run(const Options& options) {
+    routeMessages(options.verbose);
     Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
     const bool offscreen = !options.output.empty() || options.pick;
     if (options.list)

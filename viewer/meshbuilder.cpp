@@ -33,11 +33,6 @@ std::uint32_t MeshBuilder::addVertex(const Point& position, float value) {
     return static_cast<std::uint32_t>(m_positions.size() - 1);
 }
 
-std::uint32_t MeshBuilder::addVertex(const Point& position, const Point& normal, float value) {
-    m_normals.push_back(normal);
-    return addVertex(position, value);
-}
-
 void MeshBuilder::addFace(std::span<const std::uint32_t> corners) {
     std::vector<std::uint32_t>& indices = corners.size() == 3 ? m_triangles : m_quads;
     indices.insert(indices.end(), corners.begin(), corners.end());
@@ -50,8 +45,8 @@ void MeshBuilder::addEdge(std::uint32_t from, std::uint32_t to) {
 ContourMesh MeshBuilder::finish() {
     if (m_positions.empty())
         return {};
-    MeshPtr mesh(ngl_create_mesh(static_cast<unsigned>(m_positions.size()), m_positions.data(),
-                                 m_normals.empty() ? nullptr : m_normals.data(), 0, 0, 1));
+    MeshPtr mesh(
+        ngl_create_mesh(static_cast<unsigned>(m_positions.size()), m_positions.data(), nullptr, 0, 0, 1));
     if (!mesh)
         throw std::bad_alloc();
     addBlock(mesh.get(), 3, m_triangles);

@@ -26,16 +26,15 @@ struct ContourMesh {
 
 class MeshBuilder {
 public:
-    /// Returns the index of the new vertex. Either every vertex has a normal or none.
+    /// Returns the index of the new vertex.
     std::uint32_t addVertex(const Point& position, float value = 0.0f);
-    std::uint32_t addVertex(const Point& position, const Point& normal, float value);
     /// Three or four vertices.
     void addFace(std::span<const std::uint32_t> corners);
     void addEdge(std::uint32_t from, std::uint32_t to);
     ContourMesh finish();
 
 private:
-    std::vector<Point> m_positions, m_normals;
+    std::vector<Point> m_positions;
     std::vector<float> m_values;
     std::vector<std::uint32_t> m_triangles, m_quads, m_edges;
 };

@@ -1,102 +1,17 @@
-// The command line through CLI11; values with a form of their own are taken apart here.
+// The command line through CLI11.
 #include "viewer/options.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
-#include <cmath>
 #include <iostream>
 
 #include "viewer/error.h"
+#include "viewer/optionvalues.h"
 #include "viewer/samples.h"
 
 namespace nruview {
 
 namespace {
-
-constexpr int kMaxSize = 16384;
-
-[[noreturn]] void refuse(const char* option, const std::string& text, const char* expected) {
-    throw ViewerError(option, "'" + text + "' is not " + expected);
-}
-
-/// Two finite numbers with a separator between them and nothing else.
-template <typename Number>
-std::optional<std::array<Number, 2>> parsePair(const std::string& text, char separator) {
-    std::array<Number, 2> pair{};
-    const char* end = text.data() + text.size();
-    const auto first = std::from_chars(text.data(), end, pair[0]);
-    if (first.ec != std::errc() || first.ptr == end || *first.ptr != separator)
-        return {};
-    const auto second = std::from_chars(first.ptr + 1, end, pair[1]);
-    if (second.ec != std::errc() || second.ptr != end || !std::isfinite(pair[0]) || !std::isfinite(pair[1]))
-        return {};
-    return pair;
-}
-
-std::array<double, 2> parseRange(const std::string& text) {
-    const auto range = parsePair<double>(text, ',');
-    if (!range || !((*range)[0] < (*range)[1]))
-        refuse("--range", text, "MIN,MAX with MIN below MAX");
-    return *range;
-}
-
-std::array<int, 2> parseSize(const std::string& text) {
-    const auto size = parsePair<int>(text, 'x');
-    if (!size || (*size)[0] < 1 || (*size)[1] < 1 || (*size)[0] > kMaxSize || (*size)[1] > kMaxSize)
-        refuse("--size", text, "WxH with 1 to 16384 pixels each");
-    return *size;
-}
-
-int parseBands(const std::string& text) {
-    int bands = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, bands);
-    if (error != std::errc() || stop != end || bands < 1 || bands > 64)
-        refuse("--bands", text, "a number from 1 to 64");
-    return bands;
-}
-
-std::array<int, 2> parsePixel(const std::string& text) {
-    const auto pixel = parsePair<int>(text, ',');
-    if (!pixel)
-        refuse("--pick", text, "X,Y, a pixel");
-    return *pixel;
-}
-
-std::uint32_t parseColor(const std::string& text) {
-    if (text == "black")
-        return 0xFF000000;
-    if (text == "white")
-        return 0xFFFFFFFF;
-    std::uint32_t rgb = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, rgb, 16);
-    if (text.size() != 6 || error != std::errc() || stop != end)
-        refuse("--background", text, "RRGGBB, black or white");
-    return 0xFF000000 | (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
-}
-
-std::optional<double> parseDeform(const std::string& text) {
-    if (text == "auto")
-        return {};
-    double factor = 0.0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, factor);
-    if (error != std::errc() || stop != end || !std::isfinite(factor))
-        refuse("--deform", text, "auto or a factor");
-    return factor;
-}
-
-EdgeMode parseEdges(const std::string& text) {
-    if (text == "all")
-        return EdgeMode::All;
-    if (text == "feature")
-        return EdgeMode::Feature;
-    if (text == "none")
-        return EdgeMode::None;
-    refuse("--edges", text, "all, feature or none");
-}
 
 std::string sampleHelp() {
     std::string text = "a built-in model instead of a file, N elements along its longest side:";
@@ -114,8 +29,33 @@ std::string refuseEmpty(const std::string& text) {
 template <typename Value, typename Parse>
 CLI::Option* addParsed(CLI::App& app, const char* name, Value& value, Parse parse, const char* form,
                        const char* help) {
-    const auto take = [&value, parse](const std::string& text) { value = parse(text); };
+    const auto take = [&value, parse, name](const std::string& text) { value = parse(name, text); };
     return app.add_option_function<std::string>(name, take, help)->option_text(form);
+}
+
+/// The same for an option that may stand more than once; its values come one behind the other.
+template <typename Value, typename Parse>
+CLI::Option* addRepeated(CLI::App& app, const char* name, std::vector<Value>& values, Parse parse,
+                         const char* form, const char* help) {
+    const auto take = [&values, parse, name](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts)
+            values.push_back(parse(name, text));
+    };
+    return app.add_option_function<std::vector<std::string>>(name, take, help)
+        ->allow_extra_args(false) // the next word is an option or the file
+        ->option_text(form);
+}
+
+/// A list of elements; several add up.
+void addElements(CLI::App& app, const char* name, ElementList& list, const char* help) {
+    const auto take = [&list, name](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts)
+            for (const ElementRange& range : parseElements(name, text))
+                list.push_back(range);
+    };
+    app.add_option_function<std::vector<std::string>>(name, take, help)
+        ->allow_extra_args(false)
+        ->option_text("LIST");
 }
 
 void addContentOptions(CLI::App& app, Options& options) {
@@ -138,14 +78,14 @@ void addContentOptions(CLI::App& app, Options& options) {
               "values of the first and the last colour; what lies outside takes these two")
         ->needs(field);
     app.add_flag("--smear", options.scene.smeared, "blend the colours into each other")->needs(field);
-    CLI::Option* deform = app.add_option_function<std::string>(
-        "--deform",
-        [&options](const std::string& text) {
-            options.shown.deformed = true;
-            options.shown.deformFactor = parseDeform(text);
-        },
-        "move the nodes by their displacement times a factor; "
-        "auto shows the largest as a tenth of the model's size");
+    const auto takeFactor = [&options](const std::string& text) {
+        options.shown.deformed = true;
+        options.shown.deformFactor = parseDeform("--deform", text);
+    };
+    CLI::Option* deform =
+        app.add_option_function<std::string>("--deform", takeFactor,
+                                             "move the nodes by their displacement times a factor; "
+                                             "auto shows the largest as a tenth of the model's size");
     deform->option_text("FACTOR|auto");
     app.add_option(
            "--deform-by", options.shown.deformBy,
@@ -155,6 +95,28 @@ void addContentOptions(CLI::App& app, Options& options) {
         ->needs(deform);
 }
 
+void addElementOptions(CLI::App& app, Options& options) {
+    ElementSettings& elements = options.shown.elements;
+    addElements(app, "--hide", elements.hidden,
+                "elements to leave out, such as 0-99,120 (numbers from 0); unless --select or --highlight "
+                "names them too");
+    addElements(app, "--select", elements.selected, "elements to show in the selection colour");
+    addElements(app, "--highlight", elements.highlighted, "elements to show in the highlight colour");
+    addRepeated(app, "--color", elements.colored, parseColored, "LIST=RRGGBB",
+                "elements to show in a colour of their own, without contour; may be repeated");
+    addRepeated(app, "--clip", elements.clips, parseClip, "AXIS:MIN,MAX",
+                "keep the elements whose middle lies between two coordinates, one of which may be missing "
+                "(x:,50); may be repeated");
+    CLI::Option* level = addParsed(app, "--fail-level", elements.failLevel, parseLevel, "N",
+                                   "the level, from 0, that elements fail at or exist from");
+    CLI::Option* fail = app.add_option("--fail", elements.failField,
+                                       "element field: leave an element out from this level on");
+    CLI::Option* before = app.add_option("--fail-before", elements.failBeforeField,
+                                         "element field: leave an element out before this level");
+    for (CLI::Option* field : {fail, before})
+        field->option_text("FIELD")->check(refuseEmpty)->needs(level);
+}
+
 void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array<int, 2>>& size) {
     app.add_option("-o,--output", options.output,
                    "draw into a PNG file, without a display (default: a window)")
@@ -162,17 +124,28 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
         ->check(refuseEmpty);
     addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
               "element edges (default: all)");
-    addParsed(app, "--view", options.view, parseView, "VIEW",
-              "iso (default); xy yx xz zx yz zy, the axes to the right and upward; or X,Y,Z, the side to "
-              "look from");
+    addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
+              "smooth (default) with sharp edges kept, by triangle, or by element face");
+    addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
+              "of the faces: 0 invisible to 1 opaque (default)");
+    addParsed(
+        app, "--view", options.view, [](const char*, const std::string& text) { return parseView(text); },
+        "VIEW",
+        "iso (default); xy yx xz zx yz zy, the axes to the right and upward; or X,Y,Z, the side to "
+        "look from");
     app.add_flag("--persp", options.perspective, "perspective instead of a parallel projection");
     addParsed(app, "--size", size, parseSize, "WxH", "size of the picture in pixels (default 1024x768)");
     addParsed(app, "--background", options.background, parseColor, "RRGGBB",
               "hexadecimal, or black or white (default)");
+    app.add_flag("--fixed", options.fixed, "draw without GLSL programs");
+}
+
+void addReportOptions(CLI::App& app, Options& options) {
     app.add_flag("--list", options.list, "print what is in the file, and draw only if -o is given");
     addParsed(
         app, "--pick", options.pick, parsePixel, "X,Y",
         "print the node, edge or element under a pixel, counted from the upper left corner, with its value");
+    app.add_flag("--verbose", options.verbose, "tell on standard error what the library has decided");
 }
 
 /// Errors of CLI11 may run over several lines; ours is one.
@@ -188,7 +161,9 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     Options options;
     std::optional<std::array<int, 2>> size;
     addContentOptions(app, options);
+    addElementOptions(app, options);
     addPictureOptions(app, options, size);
+    addReportOptions(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& shown) {
@@ -199,6 +174,9 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     }
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
+    const ElementSettings& elements = options.shown.elements;
+    if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
+        throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");
     if (size) {
         options.width = (*size)[0];
         options.height = (*size)[1];

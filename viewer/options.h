@@ -18,7 +18,9 @@ struct Options {
     bool perspective = false;
     int width = 1024, height = 768;
     std::uint32_t background = 0xFFFFFFFF; ///< packed 0xAABBGGRR
+    bool fixed = false;                    ///< fixed function where programs run too
     bool list = false;
+    bool verbose = false;
     std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
 };
 

@@ -1,4 +1,4 @@
-// The ray through the pixel finds the face; the library's mesh picking finds the node or edge about that
+// The library's element mesh finds the face under the pixel, its mesh picking the node or edge about that
 // spot.
 #include "viewer/pick.h"
 
@@ -8,7 +8,7 @@
 #include <limits>
 #include <optional>
 
-#include "viewer/facenormals.h"
+#include "viewer/facemesh.h"
 #include "viewer/meshbuilder.h"
 #include "viewer/vectors.h"
 
@@ -42,46 +42,56 @@ struct Spot {
     std::array<double, 3> weights{};
 };
 
-/// Moeller & Trumbore (1997): the ray meets the triangle of three points, from either side.
-std::optional<Spot> meet(const Ray& ray, const std::vector<Point>& points,
-                         const std::array<Index, 3>& corners) {
-    const Point& a = points[corners[0]];
-    const Point ab = points[corners[1]] - a, ac = points[corners[2]] - a;
+/// Moeller & Trumbore (1997): weights of the corners where the ray meets the plane of a triangle; nothing for
+/// a ray within the plane.
+std::optional<std::array<double, 3>> weightsIn(const ShownModel& shown, const Ray& ray,
+                                               const std::array<Index, 3>& corners) {
+    const Point& a = shown.points[corners[0]];
+    const Point ab = shown.points[corners[1]] - a, ac = shown.points[corners[2]] - a;
     const Point p = cross(ray.direction, ac);
     const double determinant = dot(ab, p);
     if (determinant == 0.0)
         return {};
     const Point offset = ray.origin - a;
-    const Point q = cross(offset, ab);
-    const double u = dot(offset, p) / determinant, v = dot(ray.direction, q) / determinant;
-    const double distance = dot(ac, q) / determinant;
-    if (u < 0.0 || v < 0.0 || u + v > 1.0 || distance < 0.0)
-        return {};
-    return Spot{distance, 0, 0, corners, {1.0 - u - v, u, v}};
+    const double u = dot(offset, p) / determinant;
+    const double v = dot(ray.direction, cross(offset, ab)) / determinant;
+    return std::array{1.0 - u - v, u, v};
 }
 
-/// The face that the ray meets first; at distance kNever without one.
-Spot firstFace(const ShownModel& shown, const Ray& ray) {
-    Spot first;
-    std::size_t face = 0;
-    forEachFace(shown.surface, [&](std::span<const Index> corners, Index cell) {
-        for (std::size_t i = 2; i < corners.size(); ++i) {
-            const auto spot = meet(ray, shown.points, {corners[0], corners[i - 1], corners[i]});
-            if (spot && spot->distance < first.distance)
-                first = {spot->distance, face, cell, spot->points, spot->weights};
-        }
-        ++face;
-    });
-    return first;
+double smallest(const std::array<double, 3>& weights) {
+    return std::min({weights[0], weights[1], weights[2]});
+}
+
+/// The face that the ray meets first, in double precision; at distance kNever without one.
+Spot firstFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& ray) {
+    const Point end = ray.origin + ray.direction;
+    const _NgPoint3Str from = {ray.origin[0], ray.origin[1], ray.origin[2]}, to = {end[0], end[1], end[2]};
+    ngl::NglElementPick picked;
+    if (!faces.Pick(&from, &to, &picked))
+        return {};
+    const std::span<const Index> corners = faceAt(shown.surface, picked.face);
+    Spot spot{picked.distance, picked.face, picked.element, {corners[0]}, {1.0}};
+    double best = -kNever;
+    for (std::size_t i = 2; i < corners.size(); ++i) {
+        const std::array<Index, 3> half = {corners[0], corners[i - 1], corners[i]};
+        const auto weights = weightsIn(shown, ray, half);
+        if (!weights || smallest(*weights) <= best)
+            continue;
+        best = smallest(*weights);
+        spot.points = half;
+        spot.weights = *weights;
+    }
+    return spot;
 }
 
 /// Near the model's outline the ray may just miss: the face seen nearest to the pixel, within reach of a
 /// node.
-Spot faceAround(const ShownModel& shown, int x, int y) {
+Spot faceAround(const ShownModel& shown, ngl::NglElementMesh& faces, int x, int y) {
     for (int reach = 1; reach <= static_cast<int>(kNodeReach_px); ++reach)
         for (int dx = -reach; dx <= reach; dx += reach)
             for (int dy = -reach; dy <= reach; dy += reach)
-                if (const Spot spot = firstFace(shown, rayThrough(x + dx, y + dy)); spot.distance < kNever)
+                if (const Spot spot = firstFace(shown, faces, rayThrough(x + dx, y + dy));
+                    spot.distance < kNever)
                     return spot;
     return {};
 }
@@ -163,25 +173,21 @@ private:
 };
 
 bool isEdge(const Surface& surface, Index a, Index b) {
-    return std::any_of(surface.edges.begin(), surface.edges.end(), [=](const auto& edge) {
-        return (edge[0] == a && edge[1] == b) || (edge[0] == b && edge[1] == a);
-    });
+    return std::binary_search(surface.edges.begin(), surface.edges.end(),
+                              std::array{std::min(a, b), std::max(a, b)});
 }
 
 /// Nodes and edges of one face; what splitting it has added is left out.
-Outline outlineOf(const ShownModel& shown, std::size_t wanted) {
+Outline outlineOf(const ShownModel& shown, std::size_t face) {
     Outline outline(shown);
-    std::size_t face = 0;
-    forEachFace(shown.surface, [&](std::span<const Index> corners, Index) {
-        for (std::size_t i = 0; face == wanted && i < corners.size(); ++i) {
-            const Index from = corners[i], to = corners[(i + 1) % corners.size()];
-            if (isEdge(shown.surface, from, to))
-                outline.addEdge(from, to);
-            else if (from < shown.model.nodes.size())
-                outline.addNode(from);
-        }
-        ++face;
-    });
+    const std::span<const Index> corners = faceAt(shown.surface, face);
+    for (std::size_t i = 0; i < corners.size(); ++i) {
+        const Index from = corners[i], to = corners[(i + 1) % corners.size()];
+        if (isEdge(shown.surface, from, to))
+            outline.addEdge(from, to);
+        else if (from < shown.model.nodes.size())
+            outline.addNode(from);
+    }
     return outline;
 }
 
@@ -218,31 +224,45 @@ Picked pickFace(const ShownModel& shown, const Ray& ray, const Spot& face, bool 
     return direct ? pickedAt(shown, Kind::Element, face, {}) : Picked{};
 }
 
-/// The single point or beam that has these nodes.
-Index looseCell(const Surface& surface, const std::vector<Index>& nodes) {
+/// Calls visit(nodes, cell) for every shown single point and piece of a beam, in this order.
+template <typename Visit>
+void forEachLoose(const ShownModel& shown, Visit visit) {
+    const Surface& surface = shown.surface;
     for (std::size_t i = 0; i < surface.points.size(); ++i)
-        if (nodes.size() == 1 && surface.points[i] == nodes[0])
-            return surface.pointCells[i];
-    for (std::size_t i = 0; i < surface.lines.size(); ++i) {
-        const auto& [from, to] = surface.lines[i];
-        if ((from == nodes[0] || to == nodes[0]) && (from == nodes.back() || to == nodes.back()))
-            return surface.lineCells[i];
-    }
-    return 0;
+        if (shown.elements.isShown(surface.pointCells[i]))
+            visit(std::array{surface.points[i], surface.points[i]}, surface.pointCells[i]);
+    for (std::size_t i = 0; i < surface.lines.size(); ++i)
+        if (shown.elements.isShown(surface.lineCells[i]))
+            visit(surface.lines[i], surface.lineCells[i]);
+}
+
+/// The first single point or beam that has these nodes.
+Index looseCell(const ShownModel& shown, const std::vector<Index>& nodes) {
+    std::optional<Index> found;
+    const auto isEnd = [](const std::array<Index, 2>& ends, Index node) {
+        return ends[0] == node || ends[1] == node;
+    };
+    forEachLoose(shown, [&](const std::array<Index, 2>& ends, Index cell) {
+        if (!found && isEnd(ends, nodes[0]) && isEnd(ends, nodes.back()))
+            found = cell;
+    });
+    return found.value_or(0);
 }
 
 /// The beam or single point nearest to the pixel, and how far from the ray's origin it is.
 Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& distance) {
     Outline outline(shown);
-    for (const auto& [from, to] : shown.surface.lines)
-        outline.addEdge(from, to);
-    for (Index point : shown.surface.points)
-        outline.addNode(point);
+    forEachLoose(shown, [&](const std::array<Index, 2>& ends, Index) {
+        if (ends[0] == ends[1])
+            outline.addNode(ends[0]);
+        else
+            outline.addEdge(ends[0], ends[1]);
+    });
     const Point middle = 0.5 * (shown.bounds.low + shown.bounds.high);
     const std::vector<Index> near = outline.nearest(ray, kNodeReach_px * pixelLength(middle));
     if (near.empty())
         return {};
-    const Index cell = looseCell(shown.surface, near);
+    const Index cell = looseCell(shown, near);
     const double part = near.size() == 2 ? nearestPart(shown, ray, near[0], near[1]) : 0.0;
     const Spot spot = {0.0, 0, cell, {near[0], near.back()}, {1.0 - part, part}};
     distance = dot(drawnPosition(shown, spot) - ray.origin, ray.direction);
@@ -255,13 +275,14 @@ Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& 
 
 Picked pick(const ShownModel& shown, int x, int y) {
     const Ray ray = rayThrough(x, y);
-    const Spot direct = firstFace(shown, ray);
+    ngl::NglElementMesh faces = makeFaceMesh(shown, [](auto, auto) { return true; });
+    const Spot direct = firstFace(shown, faces, ray);
     double looseDistance = kNever;
     const Picked loose = pickLoose(shown, ray, x, y, looseDistance);
     if (loose.kind != Kind::Nothing && looseDistance <= direct.distance)
         return loose;
     const bool hit = direct.distance < kNever;
-    const Spot face = hit ? direct : faceAround(shown, x, y);
+    const Spot face = hit ? direct : faceAround(shown, faces, x, y);
     return face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};
 }
 

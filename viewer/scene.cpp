@@ -3,15 +3,17 @@
 
 #include <epoxy/gl.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <new>
 
-#include "viewer/facenormals.h"
+#include "viewer/facemesh.h"
 
 namespace nruview {
 
 namespace {
 
-constexpr double kCreaseDeg = 30.0;
 constexpr NgColorLong kWhite = 0xFFFFFFFF;
 constexpr NgColorLong kNeutral = 0xFFCDB9A8; ///< a model without a field: light steel blue
 constexpr NgColorLong kNoValue = 0xFFA0A0A0; ///< NaN: grey, which is no contour colour
@@ -34,11 +36,16 @@ std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings
     return ColorBands(settings.bands, range, settings.smeared);
 }
 
-/// Texture coordinates of the corners of an element, four at most; nothing when one has no value.
+NgColorLong plainColor(const std::optional<ColorBands>& bands) {
+    return bands ? kNoValue : kNeutral;
+}
+
+/// Contour coordinates of the corners of an element, four at most; nothing when one has no value or the
+/// element has a colour of its own.
 std::optional<std::array<float, 4>> coordinates(const ShownModel& shown,
                                                 const std::optional<ColorBands>& bands,
                                                 std::span<const std::uint32_t> corners, std::uint32_t cell) {
-    if (!bands)
+    if (!bands || shown.elements.isColored(cell))
         return {};
     std::array<float, 4> values{};
     for (std::size_t i = 0; i < corners.size(); ++i) {
@@ -50,65 +57,90 @@ std::optional<std::array<float, 4>> coordinates(const ShownModel& shown,
     return values;
 }
 
-/// The faces as two meshes. A point becomes one vertex for all the corners that agree in normal and value.
-class FaceMeshes {
-public:
-    FaceMeshes(const ShownModel& shown, const std::optional<ColorBands>& bands)
-        : m_shown(shown), m_meeting(pointCorners(shown.surface, shown.points.size())),
-          m_normals(cornerNormals(shown.surface, shown.points, m_meeting, kCreaseDeg)) {
-        m_made.resize(m_normals.size());
-        std::uint32_t corner = 0;
-        forEachFace(shown.surface, [&](std::span<const std::uint32_t> face, std::uint32_t cell) {
-            const auto values = coordinates(shown, bands, face, cell);
-            std::array<std::uint32_t, 4> vertices{};
-            for (std::size_t i = 0; i < face.size(); ++i, ++corner)
-                vertices[i] = vertexFor(corner, face[i], values.has_value(), values ? (*values)[i] : 0.0f);
-            (values ? colored : plain).addFace(std::span(vertices).first(face.size()));
-        });
+/// The contour's values of all nodes or elements; a face that lacks one is not in the mesh. The library
+/// blends colours within a face alone: where an element has one value, its blended colour is made here.
+void setValues(ngl::NglElementMesh& mesh, const ShownModel& shown, const ColorBands& bands) {
+    const bool ofElements = shown.scalars->location == FieldLocation::Cell;
+    const std::size_t count = ofElements ? shown.model.cellCount() : shown.points.size();
+    std::vector<float> values(count);
+    for (std::uint32_t i = 0; i < count; ++i)
+        values[i] = bands.coordinate(ofElements ? valueAt(shown, 0, i) : valueAt(shown, i, 0));
+    mesh.SetColorScale(&bands.scale());
+    int result = 0;
+    if (ofElements && bands.smeared()) {
+        std::vector<NgColorLong> colors(count);
+        std::transform(values.begin(), values.end(), colors.begin(),
+                       [&](float value) { return bands.scale().GetColor(value); });
+        result = mesh.SetColors(ngl::NglElements::Range(0, mesh.ElementCount()), colors.data());
+    } else {
+        result = ofElements ? mesh.SetElementValues(values.data()) : mesh.SetNodeValues(values.data());
     }
-
-    MeshBuilder colored, plain;
-
-private:
-    struct Vertex {
-        std::uint32_t index = 0;
-        bool made = false, colored = false;
-        float value = 0.0f;
-    };
-
-    std::uint32_t vertexFor(std::uint32_t corner, std::uint32_t point, bool hasValue, float value) {
-        for (std::uint32_t other : m_meeting.of(point)) {
-            const Vertex& vertex = m_made[other];
-            if (vertex.made && vertex.colored == hasValue && vertex.value == value &&
-                m_normals[other] == m_normals[corner])
-                return (m_made[corner] = vertex).index;
-        }
-        MeshBuilder& builder = hasValue ? colored : plain;
-        m_made[corner] = {builder.addVertex(m_shown.points[point], m_normals[corner], value), true, hasValue,
-                          value};
-        return m_made[corner].index;
-    }
-
-    const ShownModel& m_shown;
-    PointCorners m_meeting;
-    std::vector<Point> m_normals; ///< of each corner
-    std::vector<Vertex> m_made;   ///< of each corner
-};
-
-/// Adds a beam, or with one corner a single point, to the builder that its value calls for.
-void addLoose(MeshBuilder& colored, MeshBuilder& plain, const ShownModel& shown,
-              const std::optional<ColorBands>& bands, std::span<const std::uint32_t> corners,
-              std::uint32_t cell) {
-    const auto values = coordinates(shown, bands, corners, cell);
-    MeshBuilder& builder = values ? colored : plain;
-    std::vector<std::uint32_t> vertices;
-    for (std::size_t i = 0; i < corners.size(); ++i)
-        vertices.push_back(builder.addVertex(shown.points[corners[i]], values ? (*values)[i] : 0.0f));
-    if (vertices.size() == 2)
-        builder.addEdge(vertices[0], vertices[1]);
+    if (result != 0)
+        throw std::bad_alloc();
 }
 
-/// The model's points with the outlines of its element faces.
+ngl::NglElementShading shadingOf(Shading shading) {
+    return shading == Shading::Flat      ? ngl::NglElementFlat
+           : shading == Shading::Element ? ngl::NglElementNormals
+                                         : ngl::NglElementSmooth;
+}
+
+/// The faces in contour colours, or those in one colour or their own.
+ngl::NglElementMesh faceMesh(const ShownModel& shown, const std::optional<ColorBands>& bands,
+                             const SceneSettings& settings, bool contour) {
+    ngl::NglElementMesh mesh =
+        makeFaceMesh(shown, [&](std::span<const std::uint32_t> corners, std::uint32_t cell) {
+            return coordinates(shown, bands, corners, cell).has_value() == contour;
+        });
+    ngl::NglElementAttributes attributes = mesh.Attributes();
+    attributes.shading = shadingOf(settings.shading);
+    attributes.color = plainColor(bands);
+    attributes.opacity = static_cast<float>(settings.opacity);
+    mesh.SetAttributes(attributes);
+    if (contour && mesh.ElementCount() != 0)
+        setValues(mesh, shown, *bands);
+    return mesh;
+}
+
+/// Beams or single points on their way into meshes.
+struct PartBuilder {
+    MeshBuilder colored;
+    std::map<NgColorLong, MeshBuilder> plain;
+};
+
+/// Adds the beams, or the points, of the elements shown: in their own colour, else by their values.
+class LooseBuilder {
+public:
+    LooseBuilder(const ShownModel& shown, const std::optional<ColorBands>& bands)
+        : m_shown(shown), m_bands(bands), m_colors(standOutColors(shown.elements, shown.model.cellCount())) {}
+
+    void add(PartBuilder& part, std::span<const std::uint32_t> corners, std::uint32_t cell) {
+        if (!m_shown.elements.isShown(cell))
+            return;
+        const NgColorLong own = m_colors.empty() ? 0 : m_colors[cell];
+        const auto values = own == 0 ? coordinates(m_shown, m_bands, corners, cell) : std::nullopt;
+        MeshBuilder& builder = values ? part.colored : part.plain[own != 0 ? own : plainColor(m_bands)];
+        std::vector<std::uint32_t> vertices;
+        for (std::size_t i = 0; i < corners.size(); ++i)
+            vertices.push_back(builder.addVertex(m_shown.points[corners[i]], values ? (*values)[i] : 0.0f));
+        if (vertices.size() == 2)
+            builder.addEdge(vertices[0], vertices[1]);
+    }
+
+private:
+    const ShownModel& m_shown;
+    const std::optional<ColorBands>& m_bands;
+    std::vector<NgColorLong> m_colors;
+};
+
+Scene::Part finish(PartBuilder& builder) {
+    Scene::Part part{builder.colored.finish(), {}};
+    for (auto& [color, plain] : builder.plain)
+        part.plain.emplace_back(color, plain.finish().mesh);
+    return part;
+}
+
+/// The model's points with the outlines of its shown element faces.
 MeshPtr outlineMesh(const ShownModel& shown) {
     MeshBuilder builder;
     for (const Point& point : shown.points)
@@ -118,13 +150,15 @@ MeshPtr outlineMesh(const ShownModel& shown) {
     return builder.finish().mesh;
 }
 
-/// The model's points with its faces as they hang together; the library finds its feature edges.
+/// The model's points with its shown faces as they hang together; the library finds their feature edges.
 MeshPtr featureMesh(const ShownModel& shown) {
     MeshBuilder builder;
     for (const Point& point : shown.points)
         builder.addVertex(point);
-    forEachFace(shown.surface,
-                [&](std::span<const std::uint32_t> face, std::uint32_t) { builder.addFace(face); });
+    forEachFace(shown.surface, [&](std::span<const std::uint32_t> face, std::uint32_t cell) {
+        if (shown.elements.isShown(cell))
+            builder.addFace(face);
+    });
     MeshPtr mesh = builder.finish().mesh;
     ngl_process_mesh_edges(mesh.get());
     return mesh;
@@ -135,11 +169,11 @@ bool hasFaces(const Surface& surface) {
 }
 
 /// Values are the contour's; null draws in the current colour.
-void drawMesh(_NgMeshStr* mesh, float* values, unsigned int what) {
+void drawLines(_NgMeshStr* mesh, float* values) {
     if (values != nullptr)
-        ngl_mesh_contour_draw(mesh, what, values);
+        ngl_mesh_contour_draw(mesh, NglMeshEdges, values);
     else
-        ngl_mesh(mesh, what);
+        ngl_mesh(mesh, NglMeshEdges);
 }
 
 /// How far beside an edge its pixels or samples lie, where a sloping face may be nearer: faces step back by
@@ -163,20 +197,12 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 } // namespace
 
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings)
-    : m_bands(makeBands(shown, settings)), m_plainColor(m_bands ? kNoValue : kNeutral),
-      m_edgeMode(settings.edges), m_edgeReach_px(edgeReach_px()) {
-    { // what the faces were made from is freed before the edges are made
-        FaceMeshes faces(shown, m_bands);
-        m_faces = {faces.colored.finish(), faces.plain.finish()};
-    }
+    : m_bands(makeBands(shown, settings)), m_edgeMode(settings.edges), m_edgeReach_px(edgeReach_px()),
+      m_transparent(settings.opacity < 1.0), m_plainFaces(faceMesh(shown, m_bands, settings, false)) {
+    if (m_bands)
+        m_coloredFaces = faceMesh(shown, m_bands, settings, true);
+    makeLoose(shown);
     const Surface& surface = shown.surface;
-    MeshBuilder coloredBeams, plainBeams, coloredPoints, plainPoints;
-    for (std::size_t i = 0; i < surface.lines.size(); ++i)
-        addLoose(coloredBeams, plainBeams, shown, m_bands, surface.lines[i], surface.lineCells[i]);
-    for (std::size_t i = 0; i < surface.points.size(); ++i)
-        addLoose(coloredPoints, plainPoints, shown, m_bands, {&surface.points[i], 1}, surface.pointCells[i]);
-    m_beams = {coloredBeams.finish(), plainBeams.finish()};
-    m_points = {coloredPoints.finish(), plainPoints.finish()};
     if (m_edgeMode == EdgeMode::All && !surface.edges.empty())
         m_edges = outlineMesh(shown);
     if (m_edgeMode == EdgeMode::Feature && hasFaces(surface))
@@ -195,11 +221,27 @@ Scene::~Scene() {
     }
 }
 
+/// Transparent faces come last: they tint what is behind them.
 void Scene::draw() {
-    drawFaces();
+    if (!m_transparent)
+        drawFaces();
     drawBeams();
     drawPoints();
     drawEdges();
+    if (m_transparent)
+        drawFaces();
+}
+
+void Scene::makeLoose(const ShownModel& shown) {
+    const Surface& surface = shown.surface;
+    LooseBuilder builder(shown, m_bands);
+    PartBuilder beams, points;
+    for (std::size_t i = 0; i < surface.lines.size(); ++i)
+        builder.add(beams, surface.lines[i], surface.lineCells[i]);
+    for (std::size_t i = 0; i < surface.points.size(); ++i)
+        builder.add(points, {&surface.points[i], 1}, surface.pointCells[i]);
+    m_beams = finish(beams);
+    m_points = finish(points);
 }
 
 /// Contour colours are white light through the texture: lighting shades them, their hue stays.
@@ -224,22 +266,23 @@ void Scene::drawPart(Part& part, Draw draw) {
         draw(part.colored.mesh.get(), part.colored.values.data());
         endContour();
     }
-    if (part.plain.mesh) {
-        ngl_set_color_long(m_plainColor);
-        draw(part.plain.mesh.get(), nullptr);
+    for (const auto& [color, mesh] : part.plain) {
+        ngl_set_color_long(color);
+        draw(mesh.get(), nullptr);
     }
 }
 
 void Scene::drawFaces() {
     glPolygonOffset(m_edgeReach_px, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
-    drawPart(m_faces, [](auto* mesh, float* values) { drawMesh(mesh, values, NglMeshFaces); });
+    m_coloredFaces.Draw();
+    m_plainFaces.Draw();
     glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 void Scene::drawBeams() {
     glLineWidth(kBeamWidth_px);
-    drawPart(m_beams, [](auto* mesh, float* values) { drawMesh(mesh, values, NglMeshEdges); });
+    drawPart(m_beams, drawLines);
     glLineWidth(1.0f);
 }
 

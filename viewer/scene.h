@@ -22,11 +22,14 @@ public:
     /// The contour colours; nothing without a field.
     const std::optional<ColorBands>& bands() const { return m_bands; }
 
-private:
-    /// What has values and what has none (no field, or NaN), which is drawn in one colour.
+    /// Beams or single points: those with values, and the others by their colour.
     struct Part {
-        ContourMesh colored, plain;
+        ContourMesh colored;
+        std::vector<std::pair<NgColorLong, MeshPtr>> plain;
     };
+
+private:
+    void makeLoose(const ShownModel& shown);
     void drawFaces();
     void drawBeams();
     void drawPoints();
@@ -37,10 +40,11 @@ private:
     void endContour();
 
     std::optional<ColorBands> m_bands;
-    NgColorLong m_plainColor;
     EdgeMode m_edgeMode;
     float m_edgeReach_px;
-    Part m_faces, m_beams, m_points;
+    bool m_transparent;
+    ngl::NglElementMesh m_coloredFaces, m_plainFaces;
+    Part m_beams, m_points;
     MeshPtr m_edges;
 };
 

@@ -50,7 +50,7 @@ const Field& displacementField(const Model& model, const ShownSettings& settings
     throw ViewerError("--deform", "there is no displacement field; --deform-by names one");
 }
 
-/// Bounds of what is drawn; nodes without an element do not widen them.
+/// Bounds of all elements; nodes without one do not widen them.
 Bounds surfaceBounds(const Surface& surface, const std::vector<Point>& points) {
     Bounds bounds;
     const auto add = [&](const auto& elements) {
@@ -88,14 +88,22 @@ void deform(ShownModel& shown, const Field& displacement, double factor) {
             shown.surface.centres[i], Point{}, [&](std::uint32_t node) { return shown.points[node]; });
 }
 
-/// From model coordinates to drawn ones.
+bool isWithin(const Bounds& bounds, const Point& point) {
+    for (int k = 0; k < 3; ++k)
+        if (point[k] < bounds.low[k] || point[k] > bounds.high[k])
+            return false;
+    return true;
+}
+
+/// From model coordinates to drawn ones. Nodes outside of all elements are drawn nowhere and may stand
+/// anywhere: not far off, which would cost the others their digits.
 void placeAboutOrigin(ShownModel& shown, const Bounds& bounds) {
     shown.middle = 0.5 * bounds.low + 0.5 * bounds.high;
     const Point half = 0.5 * bounds.high - 0.5 * bounds.low;
     const double size = std::max({half[0], half[1], half[2]});
     shown.unit = size > 0.0 ? std::ldexp(1.0, std::ilogb(size)) : 1.0;
     for (Point& point : shown.points)
-        point = shown.drawn(point);
+        point = isWithin(bounds, point) ? shown.drawn(point) : Point{};
     shown.bounds = {shown.drawn(bounds.low), shown.drawn(bounds.high)};
 }
 
@@ -109,9 +117,10 @@ Point ShownModel::drawn(const Point& position) const {
 ShownModel showModel(Model model, const ShownSettings& settings) {
     ShownModel shown;
     shown.model = std::move(model);
-    shown.surface = extractSurface(shown.model);
     if (settings.step)
         checkStep(shown.model, *settings.step);
+    shown.elements = elementFacts(shown.model, settings.elements, settings.step);
+    shown.surface = extractSurface(shown.model, shown.elements.shown);
     const auto nodeCount = static_cast<std::uint32_t>(shown.model.nodes.size());
     for (std::uint32_t i = 0; i < nodeCount + shown.surface.centres.size(); ++i)
         shown.points.push_back(modelPosition(shown, i));

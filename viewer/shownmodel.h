@@ -2,6 +2,7 @@
 #pragma once
 
 #include "viewer/camera.h"
+#include "viewer/elements.h"
 #include "viewer/fields.h"
 #include "viewer/scenesettings.h"
 #include "viewer/surface.h"
@@ -13,9 +14,10 @@ namespace nruview {
 /// pieces.
 struct ShownModel {
     Model model;
+    ElementFacts elements;
     Surface surface;
     std::vector<Point> points; ///< where each point is drawn: deformed when asked for
-    Bounds bounds;             ///< of what is drawn
+    Bounds bounds;             ///< of the surface, hidden elements included: they do not move the camera
     Point middle{};            ///< model position that is drawn at the origin
     double unit = 1.0;         ///< model length that is drawn as 1, a power of 2
     std::optional<Scalars> scalars;
@@ -25,7 +27,8 @@ struct ShownModel {
     Point drawn(const Point& position) const;
 };
 
-/// Throws ViewerError for an unknown field or step, a missing displacement, or a model with nothing to draw.
+/// Throws ViewerError for an unknown field, step or element, a missing displacement, or a model with nothing
+/// to draw.
 ShownModel showModel(Model model, const ShownSettings& settings);
 
 /// Value of a point in a face of a cell: the node's or the cell's; NaN where there is none.

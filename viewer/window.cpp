@@ -106,7 +106,7 @@ void showWindow(const ShownModel& shown, const Options& options) {
     Interaction state{shown, options,
                       fitCamera(options.view, shown.bounds, aspectOf(window), options.perspective)};
     connect(window, state);
-    startLibrary();
+    const LibrarySession session(options.fixed);
     Scene scene(shown, options.scene);
     while (!glfwWindowShouldClose(window)) {
         int width = 0, height = 0;

@@ -77,30 +77,50 @@ protected:
 
 TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
     // Arguments besides -o, then a word of the message.
-    const std::vector<std::string> rows = {" => FILE",
-                                           "@none.vtk => none.vtk",
-                                           "/usr => /usr",
-                                           "@two.vtk --field '' => --field",
-                                           "@two.vtk --step 1 => no steps",
-                                           "--sample bridge => cantilever",
-                                           "--sample hole:0 => 1 to 2000",
-                                           "--sample hole:2000 => at most 4000000",
-                                           "@two.vtk --sample hole => --sample",
-                                           "@two.vtk --colour => --colour",
-                                           "@two.vtk --field T --bands 65 => --bands",
-                                           "@two.vtk --field T --bands 3x => --bands",
-                                           "@two.vtk --field T --range 2,1 => --range",
-                                           "@two.vtk --field T --range 0,inf => --range",
-                                           "@two.vtk --bands 5 => --field",
-                                           "@two.vtk --edges some => feature",
-                                           "@two.vtk --view top => --view",
-                                           "@two.vtk --size 100 => --size",
-                                           "@two.vtk --size 20000x10 => --size",
-                                           "@two.vtk --background blue => --background",
-                                           "@two.vtk --pick 3 => --pick",
-                                           "@two.vtk --deform much => --deform",
-                                           "@two.vtk --deform 1 --deform-by T => T",
-                                           "@flat.vtk --deform 1 => --deform-by"};
+    const std::vector<std::string> rows = {
+        " => FILE",
+        "@none.vtk => none.vtk",
+        "/usr => /usr",
+        "@two.vtk --field '' => --field",
+        "@two.vtk --step 1 => no steps",
+        "--sample bridge => cantilever",
+        "--sample hole:0 => 1 to 2000",
+        "--sample hole:2000 => at most 4000000",
+        "@two.vtk --sample hole => --sample",
+        "@two.vtk --colour => --colour",
+        "@two.vtk --field T --bands 65 => --bands",
+        "@two.vtk --field T --bands 3x => --bands",
+        "@two.vtk --field T --range 2,1 => --range",
+        "@two.vtk --field T --range 0,inf => --range",
+        "@two.vtk --bands 5 => --field",
+        "@two.vtk --edges some => feature",
+        "@two.vtk --view top => --view",
+        "@two.vtk --size 100 => --size",
+        "@two.vtk --size 20000x10 => --size",
+        "@two.vtk --background blue => --background",
+        "@two.vtk --pick 3 => --pick",
+        "@two.vtk --deform much => --deform",
+        "@two.vtk --deform 1 --deform-by T => T",
+        "@flat.vtk --deform 1 => --deform-by",
+        "@two.vtk --hide 2 => no element 2; the model's elements are 0 to 1",
+        "@two.vtk --hide 0 --select 0-1,1-5 => no element 5",
+        "@two.vtk --highlight 9 => --highlight: there is no element 9",
+        "@two.vtk --hide 1-0 => --hide",
+        "@two.vtk --hide 0,,1 => --hide",
+        "@two.vtk --select 1- => --select",
+        "@two.vtk --color 0=#12345g => --color",
+        "@two.vtk --color 7=red => --color",
+        "@two.vtk --color 7=#ff0000 => no element 7",
+        "@two.vtk --clip w:0,1 => --clip",
+        "@two.vtk --clip x:, => --clip",
+        "@two.vtk --clip x:2,1 => MIN below MAX",
+        "@two.vtk --fail T@cell => --fail-level",
+        "@two.vtk --fail-level 1 => --fail-before",
+        "@two.vtk --fail T --fail-level 1 => a field of the nodes",
+        "@two.vtk --fail T@cell --fail-level 1.5 => --fail-level",
+        "@two.vtk --fail-before none --fail-level 1 => none",
+        "@two.vtk --shade round => element",
+        "@two.vtk --opacity 1.1 => --opacity"};
     for (const std::string& row : rows) {
         SCOPED_TRACE(row);
         const std::size_t arrow = row.find("=> ");
@@ -143,11 +163,26 @@ TEST_F(ViewerProgram, DrawsThePictureThatWasAskedFor) {
     EXPECT_GT(pixel(20, 90)[2], 100 + pixel(20, 90)[0]) << "blue at the lower left";
 }
 
+TEST_F(ViewerProgram, DrawsWithoutProgramsWhereAskedTo) {
+    const std::string command = "@two.vtk --field T --hide 1 --size 90x60 --verbose -o @";
+    const std::string enabled = "nruview: Optimized rendering is enabled";
+    const std::string byPrograms = nruview(command + "1.png").output;
+    EXPECT_NE(byPrograms.find(enabled), std::string::npos) << byPrograms;
+    const auto environment = nruview(command + "2.png", {{"NU_RENDERING_MODE", "1"}});
+    const auto option = nruview(command + "3.png --fixed");
+    for (const auto& result : {environment, option}) {
+        EXPECT_EQ(result.exitCode, 0);
+        EXPECT_EQ(result.output.find(enabled), std::string::npos) << result.output;
+    }
+    EXPECT_TRUE(contents("2.png") == contents("3.png"));
+    EXPECT_FALSE(contents("2.png").empty());
+}
+
 TEST_F(ViewerProgram, ListsWhatIsInAFileAndHelps) {
     EXPECT_EQ(nruview("--version").exitCode, 0);
     const auto [exitCode, help] = nruview("--help");
     EXPECT_EQ(exitCode, 0);
-    for (const char* word : {"FILE", "--deform-by", "feature", "cantilever", "RRGGBB"})
+    for (const char* word : {"FILE", "--deform-by", "feature", "cantilever", "LIST=RRGGBB", "--fixed"})
         EXPECT_NE(help.find(word), std::string::npos) << word;
     EXPECT_EQ(nruview("@two.vtk --list").output,
               path("two.vtk") + "\nnodes 6\ncells 2\n  quad 2\nx 0 .. 2\ny 0 .. 1\nz 0.5 .. 0.5\nfields 3\n"

@@ -38,11 +38,11 @@ Model strip(std::vector<double> cellValues = {10, 20, 30, 40}) {
 }
 
 ShownModel byField(const Model& model, const char* field) {
-    return showModel(model, {field, {}, false, {}, ""});
+    return showModel(model, {.field = field});
 }
 
 SceneSettings inBands(int bands, EdgeMode edges = EdgeMode::None) {
-    return {bands, {}, false, edges};
+    return {.bands = bands, .edges = edges};
 }
 
 /// The largest difference of a channel; up to 1.5 is rounding.
@@ -53,6 +53,15 @@ double difference(NgColorLong found, NgColorLong expected, double shade) {
     return largest;
 }
 
+/// How many pixels differ in a channel by more than a tolerance.
+int pixelsApart(const Picture& a, const Picture& b, double tolerance) {
+    int count = 0;
+    for (int i = 0; i < a.width() * a.height(); ++i)
+        count += difference(a.at(i % a.width(), i / a.width()), b.at(i % a.width(), i / a.width()), 1.0) >
+                 tolerance;
+    return count;
+}
+
 bool isDark(NgColorLong color) {
     return (color >> 8 & 0xFF) < 0x48;
 }
@@ -60,7 +69,8 @@ bool isDark(NgColorLong color) {
 class ViewerScene : public nrutest::GlTest {
 protected:
     void begin(const ShownModel& shown, const char* view, bool perspective = false) {
-        startLibrary();
+        if (!m_session)
+            m_session.emplace();
         beginFrame(fitCamera(parseView(view), shown.bounds, 1.0, perspective), shown.bounds, kSize, kSize,
                    kBackground);
         m_shown = &shown;
@@ -102,7 +112,13 @@ protected:
         return true;
     }
 
+    void TearDown() override {
+        m_session.reset();
+        GlTest::TearDown();
+    }
+
     const ShownModel* m_shown = nullptr;
+    std::optional<LibrarySession> m_session;
 };
 
 } // namespace
@@ -128,7 +144,7 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
     };
     for (const auto& row : rows)
         for (bool perspective : {false, true}) {
-            const SceneSettings settings = {row.bands, row.range, false, EdgeMode::None};
+            const SceneSettings settings = {.bands = row.bands, .range = row.range, .edges = EdgeMode::None};
             const ColorBands bands(row.bands, {0, 1}, false);
             const ShownModel shown = byField(strip(row.cells), row.field);
             const Picture drawn = picture(shown, settings, row.view, perspective);
@@ -141,9 +157,108 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
         }
 }
 
+TEST_F(ViewerScene, ElementsStandOutOrAreLeftOut) {
+    Model model = strip();
+    model.fields.push_back({"d", FieldLocation::Cell, 1, {15, 22, 25, 5}});
+    const ShownModel all = byField(model, "c");
+    begin(all, "xy");
+    const ColorBands bands(4, {0, 1}, false);
+    const NgColorLong b0 = bands.color(0), b1 = bands.color(1), b2 = bands.color(2), b3 = bands.color(3);
+    const NgColorLong red = 0xFF0000FF, blue = 0xFFFF0000, none = 0;
+    const NgColorLong selected = NglGetColorGivenIndex(33), highlighted = NglGetColorGivenIndex(32);
+    const struct {
+        const char* name;
+        ElementSettings elements;
+        std::array<NgColorLong, 4> expected;
+    } rows[] = {
+        {"hidden", {.hidden = {{1, 1}, {3, 3}}}, {b0, none, b2, none}},
+        {"highlighted though hidden",
+         {.hidden = {{0, 2}}, .highlighted = {{1, 1}}},
+         {none, highlighted, none, b3}},
+        {"highlight over selection",
+         {.selected = {{0, 1}}, .highlighted = {{1, 1}}},
+         {selected, highlighted, b2, b3}},
+        {"own colours", {.colored = {{{{0, 0}, {2, 2}}, red}, {{{2, 3}}, blue}}}, {red, b1, blue, blue}},
+        {"own colour hidden", {.hidden = {{0, 0}}, .colored = {{{{0, 1}}, red}}}, {none, red, b2, b3}},
+        {"clipped", {.clips = {{0, 1, 3}}}, {none, b1, b2, none}},
+        {"clipped from both sides", {.clips = {{0, 1, INFINITY}, {0, -INFINITY, 2}}}, {none, b1, none, none}},
+        {"failed", {.failLevel = 20, .failField = "c"}, {none, none, b2, b3}},
+        {"not yet there", {.failLevel = 25, .failBeforeField = "c"}, {b0, b1, none, none}},
+        {"either", {.failLevel = 21, .failField = "d", .failBeforeField = "c"}, {none, b1, none, none}},
+    };
+    for (int programs : {1, 0})
+        for (const auto& row : rows) {
+            SCOPED_TRACE(std::string(row.name) + (programs ? "" : ", fixed function"));
+            SetUserDefinedFastRenderingMode(programs);
+            const ShownModel shown = showModel(model, {.field = "c", .elements = row.elements});
+            const Picture drawn = picture(shown, inBands(4, EdgeMode::All));
+            for (int i = 0; i < 4; ++i) {
+                const Point middle = {i + 0.5, 0.5, 0};
+                const bool isThere = row.expected[i] != none;
+                EXPECT_LT(difference(colorAt(drawn, middle), isThere ? row.expected[i] : kBackground,
+                                     isThere ? kFacing : 1.0),
+                          1.5)
+                    << i;
+                EXPECT_EQ(isDrawn(drawn, {i + 0.0, 0, 0}, {i + 1.0, 0, 0}), isThere) << i;
+                const auto [x, y] = pixelOf(middle);
+                EXPECT_EQ(pick(shown, x, y).kind, isThere ? Picked::Kind::Element : Picked::Kind::Nothing)
+                    << i;
+            }
+        }
+}
+
+TEST_F(ViewerScene, InnerFacesShowWhereASolidIsHidden) {
+    const Model beam = makeSample("cantilever:10"); // two layers along y
+    const ShownModel all = byField(beam, "S:xx");
+    const Picture whole = picture(all, inBands(8), "zx");
+    const ShownModel lower = showModel(beam, {.field = "S:xx", .elements = {.hidden = {{10, 19}}}});
+    const Picture drawn = picture(lower, inBands(8), "zx");
+    for (double x : {5.0, 45.0, 95.0}) {
+        EXPECT_TRUE(isShown(drawn, {x, 0, 2}));
+        const auto [px, py] = pixelOf({x, 0, 2});
+        const Picked picked = pick(lower, px, py);
+        EXPECT_EQ(picked.cell, x / 10 - 0.5);
+        EXPECT_NEAR(picked.position[1], 0.0, 1e-9);
+    }
+    // The middle plane is free of bending stress; above, the clamp has the most of it.
+    EXPECT_NE(colorAt(drawn, {5, 0, 2}), colorAt(whole, {5, 0, 2}));
+}
+
+TEST_F(ViewerScene, ProgramsAndFixedFunctionGiveOnePicture) {
+    const ElementSettings some = {
+        .hidden = {{3, 5}}, .selected = {{7, 9}}, .colored = {{{{12, 14}}, 0xFF30C0F0}}};
+    const struct {
+        const char *sample, *field, *view;
+        SceneSettings scene;
+        ElementSettings elements = {};
+    } rows[] = {
+        {"cantilever:10", "S:xx", "iso", {.edges = EdgeMode::None}},
+        {"cantilever:10", "S:xx", "iso", {.smeared = true, .edges = EdgeMode::None}},
+        {"cantilever:10", "S_cell", "-1,-2,-3", {}, some},
+        {"cantilever:10", "S_cell", "iso", {.shading = Shading::Flat, .opacity = 0.5}, some},
+        {"hole:6", "S:mises", "1,2,3", {.range = {{50, 200}}, .shading = Shading::Element}},
+        {"hole:6", "", "xy", {}, some},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.sample) + " " + row.field);
+        const ShownModel shown = showModel(makeSample(row.sample),
+                                           {.field = row.field, .deformed = true, .elements = row.elements});
+        for (bool perspective : {false, true}) {
+            begin(shown, row.view);
+            SetUserDefinedFastRenderingMode(1);
+            const Picture programs = picture(shown, row.scene, row.view, perspective);
+            SetUserDefinedFastRenderingMode(0);
+            const Picture fixed = picture(shown, row.scene, row.view, perspective);
+            EXPECT_GT(programs.countOtherThan(kBackground), 200);
+            // Lighting rounds differently, and the end of a band may fall on the next pixel.
+            EXPECT_LE(pixelsApart(programs, fixed, 1), kSize * kSize / 400);
+        }
+    }
+}
+
 TEST_F(ViewerScene, SmearedColorsFollowTheColorScale) {
     const ShownModel shown = byField(strip({0, 0.3, 0.55, 1}), "c");
-    const Picture drawn = picture(shown, {4, {}, true, EdgeMode::None});
+    const Picture drawn = picture(shown, {.bands = 4, .smeared = true, .edges = EdgeMode::None});
     RenderColorScale scale = ColorBands(4, {0, 1}, true).attributes().colorScale;
     EXPECT_NE(scale.GetColor(0.3f), scale.GetColor(0.26f));
     EXPECT_LT(difference(colorAt(drawn, {1.5, 0.5, 0}), scale.GetColor(0.3f), kFacing), 1.5);
@@ -158,6 +273,7 @@ TEST_F(ViewerScene, FarHugeAndTinyModelsKeepTheirShape) {
         Model model = strip();
         for (Point& node : model.nodes)
             node = size * node + Point{shift, shift, 0};
+        model.nodes.push_back({shift, 1e9 * size, 0}); // no element's
         const ShownModel shown = showModel(model, {});
         EXPECT_TRUE(nrutest::samePicture(picture(shown, inBands(1, EdgeMode::All), "iso", true), expected))
             << "size " << size;
@@ -213,6 +329,12 @@ TEST_F(ViewerScene, BeamsAndPointsShowTheirColorsAndArePicked) {
     const ColorBands bands(2, {1, 2}, false);
     EXPECT_LT(difference(colorAt(drawn, {1, 0, 0}), bands.color(0), 1.0), 1.5);
     EXPECT_LT(difference(colorAt(drawn, {2, 2, 0}), bands.color(1), 1.0), 1.5);
+    const ShownModel some =
+        showModel(model, {.field = "c", .elements = {.hidden = {{0, 0}}, .selected = {{1, 1}}}});
+    const Picture less = picture(some, inBands(2));
+    EXPECT_FALSE(isShown(less, {1, 0, 0}));
+    EXPECT_EQ(pick(some, pixelOf({1, 0, 0})[0], pixelOf({1, 0, 0})[1]).kind, Picked::Kind::Nothing);
+    EXPECT_LT(difference(colorAt(less, {2, 2, 0}), NglGetColorGivenIndex(33), 1.0), 1.5);
     const auto [x, y] = pixelOf({3, 1, 0}); // past the middle of the second beam
     const Picked beam = pick(shown, x, y);
     EXPECT_EQ(describe(shown, beam).substr(0, 20), "element 2 (line) at ");
@@ -225,7 +347,7 @@ TEST_F(ViewerScene, DeformationMovesThePictureByTheFactor) {
     const double automatic = 0.1 * std::sqrt(17.0);
     for (const auto& [factor, expected] :
          {std::pair{std::optional(2.0), 2.0}, {-3.0, -3.0}, {std::nullopt, automatic}}) {
-        const ShownModel shown = showModel(strip(), {"", {}, true, factor, ""});
+        const ShownModel shown = showModel(strip(), {.deformed = true, .deformFactor = factor});
         EXPECT_NEAR(shown.deformFactor, expected, 1e-12);
         const Picture drawn = picture(shown, inBands(1));
         const double edge = 1.0 + expected * 0.75; // the upper one at x = 3
