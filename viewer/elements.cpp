@@ -24,10 +24,8 @@ constexpr int kSelectionIndex = 33;
 void check(const char* option, const ElementList& list, std::size_t count) {
     for (const ElementRange& range : list)
         if (range.last >= count)
-            throw ViewerError(
-                option, "there is no element " + std::to_string(range.last) +
-                            (count == 0 ? "; the model has none"
-                                        : "; the model's elements are 0 to " + std::to_string(count - 1)));
+            throw ViewerError(option, "there is no element " + std::to_string(range.last) +
+                                          "; the model's elements are 0 to " + std::to_string(count - 1));
 }
 
 Point middleOf(const Model& model, std::uint32_t cell) {
