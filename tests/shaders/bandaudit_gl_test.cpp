@@ -197,6 +197,20 @@ TEST_F(BandAudit, CpuColorsFollowTheirOwnRulesAndDifferWhereTheyShould) {
         std::printf("[ compared ]   %d %s\n", count, reason.c_str());
 }
 
+TEST_F(BandAudit, BandsThatOverlapOrDescendAreSearchedAsOnTheCpu) {
+    const Bands overlapping = {{0, 2, 1}, {1, 3, 2}, {2, 4, 3}, {3, 5, 4}},
+                descending = {{4, 5, 1}, {3, 4, 2}, {2, 3, 3}, {0, 2, 4}};
+    for (const Bands& bands : {overlapping, descending}) {
+        const RenderColorScale scale = makeScale(bands, true, false);
+        const std::vector<float> values = {0, 0.5f, 1.5f, 2.5f, 3, 3.5f, 4.5f};
+        const auto pixels = drawValues(scale, 3, values);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const NgColorLong cpu = scale.GetColor(values[i]) & 0xFFFFFF;
+            EXPECT_EQ(glm::vec3(pixels[i]), channels(cpu == 0xFFFFFF ? kLow : cpu)) << values[i];
+        }
+    }
+}
+
 TEST_F(BandAudit, TextureColorsFollowTheRules) {
     Contour contour;
     contour.offset = 3;

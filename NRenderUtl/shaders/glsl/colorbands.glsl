@@ -17,24 +17,20 @@ uniform float g_tsf;
 uniform samplerBuffer g_tbuff; // a value, or a texture coordinate, for each element
 uniform sampler2D g_ctt;
 
-// Band that holds a value, or -1; no band holds a value that is not a number. A binary search that first looks
-// where the value lies if all bands are equally wide, as they mostly are.
+// Band that holds a value, or -1. The search of RenderColorScale, step by step: it finds the same band where
+// bands overlap or descend too.
 int findBandIndex(float value) {
-    int low = 0, high = g_num_clr_bands - 1, band = -1;
-    float part = (value - g_band_min_val) / (g_band_max_val - g_band_min_val);
-    int mid = max(0, min(int(part * float(g_num_clr_bands)), high));
-    if (high >= 0 && !isnan(value))
-        do {
-            bool below = g_clr_bands[mid].min_val > value;
-            if (!below && g_clr_bands[mid].max_val > value)
-                band = mid;
-            if (below)
-                high = mid - 1;
-            else
-                low = mid + 1;
-            mid = (low + high) / 2;
-        } while (band == -1 && low <= high);
-    return band;
+    int low = 0, high = g_num_clr_bands - 1;
+    while (low <= high) {
+        int mid = (low + high) / 2;
+        if (g_clr_bands[mid].min_val > value)
+            high = mid - 1;
+        else if (g_clr_bands[mid].max_val > value)
+            return mid;
+        else
+            low = mid + 1;
+    }
+    return -1;
 }
 
 // Towards the colour of the next band.
@@ -43,6 +39,8 @@ vec3 smearedColor(int band, float value) {
     return mix(g_clr_bands[band].color, g_clr_bands[band + 1].color, (value - low) / (high - low));
 }
 
+// Deliberate, and unlike RenderColorScale: out of range comes before equal limits, and what lies between bands
+// has the colour below the range.
 vec4 getContourColorFromColorScale(int primID, int ctype, float bandvalue) {
     float value = ctype == 2 ? texelFetch(g_tbuff, primID).r : bandvalue;
     int last = g_num_clr_bands - 1;
@@ -53,10 +51,10 @@ vec4 getContourColorFromColorScale(int primID, int ctype, float bandvalue) {
         color = smearedColor(band, value);
     if (oneValue)
         color = g_clr_bands[g_num_clr_bands / 2].color;
-    if (value < g_band_min_val)
-        color = g_oor_min_clr;
     if (value > g_band_max_val)
         color = g_oor_max_clr;
+    if (value < g_band_min_val)
+        color = g_oor_min_clr;
     return vec4(color, 1.0);
 }
 
