@@ -57,13 +57,16 @@ void neutralizeState() {
     for (const GLenum capability : {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_CULL_FACE, GL_DEPTH_TEST,
                                     GL_POLYGON_STIPPLE, GL_SCISSOR_TEST, GL_STENCIL_TEST})
         glDisable(capability);
-    for (int plane = 0; plane < 6; ++plane)
+    GLint planes = 0;
+    glGetIntegerv(GL_MAX_CLIP_PLANES, &planes);
+    for (GLint plane = 0; plane < planes; ++plane)
         glDisable(GL_CLIP_PLANE0 + static_cast<GLenum>(plane));
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
     glDisableVertexAttribArray(0); // would take the place of the vertex array
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     for (const GLenum store : {GL_PACK_ROW_LENGTH, GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS})
         glPixelStorei(store, 0);
+    glPixelStorei(GL_PACK_ALIGNMENT, 4); // a larger one pads the rows of an odd width
 }
 
 void pushMatrices(const std::int32_t viewport[4]) {
@@ -99,12 +102,13 @@ TextureBufferProbe::TextureBufferProbe() {
 }
 
 TextureBufferProbe::~TextureBufferProbe() {
-    for (const std::int32_t buffer : {m_textureBuffer, static_cast<std::int32_t>(m_vertexBuffer),
-                                      static_cast<std::int32_t>(m_indexBuffer)})
-        if (const auto name = static_cast<GLuint>(buffer); buffer > 0)
-            glDeleteBuffers(1, &name);
+    if (const auto name = static_cast<GLuint>(m_textureBuffer); m_textureBuffer > 0)
+        glDeleteBuffers(1, &name);
     if (const auto name = static_cast<GLuint>(m_texture); m_texture > 0)
         glDeleteTextures(1, &name);
+    for (const GLuint name : {m_vertexBuffer, m_indexBuffer})
+        if (name != 0)
+            glDeleteBuffers(1, &name);
 }
 
 // The bindings are put back by hand, as attribute stacks do not keep that of the buffer.
@@ -177,10 +181,8 @@ bool TextureBufferProbe::run(GLenum format) {
     if (!IsProgramValid() || epoxy_gl_version() < 31 || !makeTextureBuffer(format))
         return false;
     GLint vertexArray = 0;
-    if (epoxy_gl_version() >= 30) {
-        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray);
-        glBindVertexArray(0);
-    }
+    glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray);
+    glBindVertexArray(0);
     glPushAttrib(GL_ALL_ATTRIB_BITS);
     glPushClientAttrib(GL_CLIENT_ALL_ATTRIB_BITS);
     const int framebuffer = NglGetBoundFBO();
@@ -203,7 +205,6 @@ bool TextureBufferProbe::run(GLenum format) {
     glPopClientAttrib();
     glPopAttrib();
     glClearDepth(clearDepth);
-    if (epoxy_gl_version() >= 30)
-        glBindVertexArray(static_cast<GLuint>(vertexArray));
+    glBindVertexArray(static_cast<GLuint>(vertexArray));
     return works;
 }

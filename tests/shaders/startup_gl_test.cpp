@@ -176,10 +176,10 @@ protected:
 void makeHostState() {
     static const GLuint stale = 0xFFFFFFFF;
     for (GLenum on :
-         {GL_SCISSOR_TEST, GL_CULL_FACE, GL_CLIP_PLANE0, GL_STENCIL_TEST, GL_BLEND, GL_ALPHA_TEST})
+         {GL_SCISSOR_TEST, GL_CULL_FACE, GL_CLIP_PLANE0 + 7, GL_STENCIL_TEST, GL_BLEND, GL_ALPHA_TEST})
         glEnable(on);
     const double nothing[] = {0, 0, 0, -1};
-    glClipPlane(GL_CLIP_PLANE0, nothing);
+    glClipPlane(GL_CLIP_PLANE0 + 7, nothing);
     glScissor(3, 3, 1, 1);
     glCullFace(GL_FRONT_AND_BACK);
     glStencilFunc(GL_NEVER, 1, 1);
@@ -187,8 +187,9 @@ void makeHostState() {
     glColorMask(GL_FALSE, GL_TRUE, GL_FALSE, GL_FALSE);
     glClearDepth(0.25);
     glPolygonMode(GL_FRONT_AND_BACK, GL_LINE);
-    glViewport(40, 5, 20, 30);
+    glViewport(40, 5, 21, 30);
     NglUpdateNglInfo();
+    glPixelStorei(GL_PACK_ALIGNMENT, 8);
     glPixelStorei(GL_PACK_SKIP_ROWS, 7);
     glVertexAttribPointer(0, 1, GL_UNSIGNED_INT, GL_FALSE, 0, &stale);
     glEnableVertexAttribArray(0);
