@@ -130,11 +130,6 @@ void switchGeometryStagesOff(int kind, const char* message) {
     hostMessage(kind, message);
 }
 
-bool textureBuffersWork() {
-    TextureBufferProbe probe;
-    return probe.run();
-}
-
 void buildGeometryPrograms() {
     const bool triangles = catalogue().build(RenderShaderMeshTriangles);
     const bool quads = catalogue().build(RenderShaderMeshQuads);
@@ -174,7 +169,8 @@ void startUp() {
         switchGeometryStagesOff(
             NHostMessageAdvice,
             "\nPlease update your graphic card to benefit from our optimized smooth shaded rendering\n");
-    if (!textureBuffersWork()) {
+    TextureBufferProbe probe;
+    if (!probe.run()) {
         switchOff(NHostMessageAdvice,
                   "\nPlease update your graphic card driver to benefit from our optimized rendering\n");
         return;
