@@ -108,7 +108,7 @@ ElementPrograms::ElementPrograms()
                {samplerUnit(RenderUniformElementColorBuffer), GL_RGBA8UI, 4},
                {samplerUnit(RenderUniformClipCodeBuffer), GL_R8UI, 1},
                {samplerUnit(RenderUniformFailureLevelBuffer), GL_R32I, 4},
-               {samplerUnit(RenderUniformFailureAboveBuffer), GL_R32I, 4},
+               {samplerUnit(RenderUniformFailureBelowBuffer), GL_R32I, 4},
                {samplerUnit(RenderUniformElementValues), GL_R32F, 4}}},
       m_derived(samplerUnit(RenderUniformDerivedBuffer), GL_R32I, 4),
       m_derivedQuads(samplerUnit(RenderUniformDerivedBuffer), GL_R32I, 4),

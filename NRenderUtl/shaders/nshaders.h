@@ -45,8 +45,8 @@ enum RenderingShaderUniform : int {
     RenderUniformElementColorBuffer,    ///< g_mcbuff
     RenderUniformDerivedBuffer,         ///< g_dbuff
     RenderUniformVisibilityBuffer,      ///< g_osbuff
-    RenderUniformFailureLevelBuffer,    ///< g_vlbuff
-    RenderUniformFailureAboveBuffer,    ///< g_vlabuff
+    RenderUniformFailureLevelBuffer,    ///< g_vlbuff: level from which on an element fails, -1 = none
+    RenderUniformFailureBelowBuffer,    ///< g_vlabuff: level below which an element fails, -1 = none
     RenderUniformFailingPrimitives,     ///< g_fpbuff
     RenderUniformSelectionBuffer,       ///< g_shcbuff
     RenderUniformFrontBackColors,       ///< g_bfbcol: 1 = colour by facing
@@ -283,6 +283,7 @@ public:
     void Bind(bool activateUnit);
     /// Unbinds buffer and texture; the active unit stays.
     void Unbind();
+    /// As that of RenderGLBuffer; the texture unit is 0 again.
     void Destroy(bool reset);
 
 private:

@@ -12,7 +12,7 @@ inline constexpr RenderingShaderUniform kSamplerOfUnit[] = {
     RenderUniformContourTexture,      RenderUniformIrradianceMap,     RenderUniformPrefilterMap,
     RenderUniformBrdfTable,           RenderUniformElementValues,     RenderUniformElementColorBuffer,
     RenderUniformDerivedBuffer,       RenderUniformVisibilityBuffer,  RenderUniformFailureLevelBuffer,
-    RenderUniformFailureAboveBuffer,  RenderUniformFailingPrimitives, RenderUniformSelectionBuffer,
+    RenderUniformFailureBelowBuffer,  RenderUniformFailingPrimitives, RenderUniformSelectionBuffer,
     RenderUniformElementNormalBuffer, RenderUniformClipCodeBuffer,    RenderUniformOriginalPrimitives,
 };
 

@@ -6,7 +6,7 @@ uniform int g_behs;
 uniform int g_nvlp;
 uniform isamplerBuffer g_osbuff;  // 0 = hidden
 uniform isamplerBuffer g_shcbuff; // 1 = selected, 2 = highlighted
-uniform isamplerBuffer g_mcbuff;  // colour 0 to 255, in a 1 = the element has one
+uniform isamplerBuffer g_mcbuff;  // colour 0 to 255; in a 1 = the element's own, any but 0 = it is drawn
 uniform vec3 g_es_col;
 uniform vec3 g_eh_col;
 
