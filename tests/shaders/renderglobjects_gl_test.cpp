@@ -23,11 +23,6 @@ protected:
     static void create(RenderGLTBO& texture, unsigned unit) {
         texture.Create(GL_TEXTURE_BUFFER, kValues, sizeof kValues, GL_STATIC_DRAW, GL_R32F, unit);
     }
-    static int integer(GLenum query) {
-        GLint value = 0;
-        glGetIntegerv(query, &value);
-        return value;
-    }
     static int names() { return living(glIsBuffer) + living(glIsTexture); }
 };
 

@@ -118,12 +118,6 @@ const StartUp kRows[] = {
 
 class StartUpRow : public GlTest, public ::testing::WithParamInterface<StartUp> {};
 
-GLint integer(GLenum query) {
-    GLint value = 0;
-    glGetIntegerv(query, &value);
-    return value;
-}
-
 std::string result() {
     std::string text;
     for (int value : {IsFastRendererEnabled(), IsGeometryShaderRenderingEnabled(), CanUseOptimizedSPH()})

@@ -1,4 +1,4 @@
-// What the tests of this folder share: a program from two sources, living GL names, the host's messages.
+// What the tests of this folder share: a program from two sources, GL state and names, the host's messages.
 #pragma once
 
 #include <string>
@@ -16,6 +16,13 @@ public:
     }
     GLuint name() const { return static_cast<GLuint>(m_program); }
 };
+
+/// An integer of the GL state.
+inline GLint integer(GLenum query) {
+    GLint value = 0;
+    glGetIntegerv(query, &value);
+    return value;
+}
 
 /// How many names are alive by one of GL's questions (glIsShader, ...); new contexts number from 1.
 template <class IsAlive>

@@ -39,8 +39,8 @@ vec3 smearedColor(int band, float value) {
     return mix(g_clr_bands[band].color, g_clr_bands[band + 1].color, (value - low) / (high - low));
 }
 
-// Deliberate, and unlike RenderColorScale: out of range comes before equal limits, and what lies between bands
-// has the colour below the range.
+// Deliberate, and unlike RenderColorScale: out of range comes before equal limits, and what lies between
+// bands has the colour below the range.
 vec4 getContourColorFromColorScale(int primID, int ctype, float bandvalue) {
     float value = ctype == 2 ? texelFetch(g_tbuff, primID).r : bandvalue;
     int last = g_num_clr_bands - 1;

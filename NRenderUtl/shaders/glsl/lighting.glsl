@@ -1,4 +1,4 @@
-// Lights and materials: a classic eight-light model in eye space, and physically based shading in object space.
+// Lights and materials: a classic eight-light model in eye space, physically based shading in object space.
 
 struct g_LightParams {
     int status;

@@ -1,6 +1,6 @@
 #version 150 compatibility
 #extension GL_EXT_gpu_shader4 : enable
-// Fragment stage of the mesh program without a geometry stage: tests and colours the element of each fragment.
+// Fragment stage of the mesh program without a geometry stage: tests and colours each fragment's element.
 
 in VertexData {
     vec3 position;
