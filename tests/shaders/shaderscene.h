@@ -101,6 +101,7 @@ protected:
         m_program->SetPBRLightUniforms(8, lighting.pbrLights.data());
         set("g_lightsOff", l.off);
         set("g_usepbrmat", l.physicallyBased);
+        set("g_hdrreflection", l.environment);
         set("g_cameraposition", glm::vec3(l.camera));
         set("g_pbrMat.metalness", float(l.metalness));
         set("g_pbrMat.roughness", float(l.roughness));

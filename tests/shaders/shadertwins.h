@@ -139,7 +139,7 @@ struct Contour {
 struct Lighting {
     std::array<NglLightParams, 8> lights{};
     NglMatParams front{}, back{};
-    int off = 0, physicallyBased = 0;
+    int off = 0, physicallyBased = 0, environment = 0;
     std::array<NglLightParams, 8> pbrLights{};
     double metalness = 0, roughness = 0.5, reflectivity = 0.5;
     dvec3 camera{32, 32, 90};
@@ -196,8 +196,33 @@ struct Lighting {
         return sum;
     }
 
+    /// Environment maps of one colour a face, darker with each level.
+    static constexpr int kLevels = 5, kTableSize = 64;
+    static dvec3 faceColor(int face, double level) {
+        return dvec3(face + 1, face * 5 % 6, 3) / 6.0 * (1 - level / 8);
+    }
+    static dvec3 mapColor(dvec3 v, double level) {
+        const dvec3 size = abs(v);
+        const int axis = size.x > size.y ? (size.x > size.z ? 0 : 2) : (size.y > size.z ? 1 : 2);
+        return faceColor(2 * axis + (v[axis] < 0), level);
+    }
+
+    /// Light of the environment; the table's two values are its coordinates.
+    dvec3 environmentRadiance(dvec3 albedo, dvec3 N, dvec3 position) const {
+        const dvec3 Lo = normalize(camera - position), F0 = mix(dvec3(reflectivity), albedo, metalness);
+        if (dot(N, Lo) < 0)
+            N = -N;
+        const double cosLo = dot(N, Lo), margin = 0.5 / kTableSize;
+        const dvec3 F = F0 + (1.0 - F0) * std::pow(1 - cosLo, 5);
+        const dvec2 brdf = clamp(dvec2(cosLo, roughness), margin, 1 - margin);
+        return (1.0 - F) * (1 - metalness) * albedo * mapColor(N, 0) +
+               (F0 * brdf.x + brdf.y) * mapColor(2 * cosLo * N - Lo, roughness * 2);
+    }
+
     dvec4 pbr(dvec4 color, dvec3 N, dvec3 position) const {
-        const dvec3 radiance = pbrRadiance(pow(dvec3(color), dvec3(2.2)), N, position);
+        const dvec3 albedo = pow(dvec3(color), dvec3(2.2));
+        const dvec3 radiance =
+            environment ? environmentRadiance(albedo, N, position) : pbrRadiance(albedo, N, position);
         return {pow(radiance / (radiance + 1.0), dvec3(1 / 2.2)), 1};
     }
 };
