@@ -4,6 +4,6 @@
 #include <map>
 #include <string>
 
-/// Calls by function since the last call of this, which starts the counting: the first answers nothing.
-/// Functions that were never called before counting starts are not seen.
+/// Calls by function since the last call of this, the first of which starts the counting. Needs a current
+/// context of EGL.
 std::map<std::string, int> takeGlCalls();
