@@ -68,12 +68,36 @@ bool ElementBuffers::updateValues(const ElementSurface& surface, const ElementVa
                 GL_DYNAMIC_DRAW);
 }
 
-bool ElementBuffers::update(const ElementSurface& surface, const ElementValues& scene, const Need& need) {
+bool ElementBuffers::updateTriangles(const ElementScene& scene,
+                                     const std::optional<ElementLeavingOut>& leavingOut) {
+    const ElementSurface& surface = scene.surface;
+    const bool anew = !triangles.IsValid() || leavingOut != m_leavingOut;
+    if (!anew && (!leavingOut || m_shownChanged.empty()))
+        return true;
+    const bool all = !leavingOut || (leavingOut == ElementLeavingOut{} && scene.facts.visible.isInitial());
+    const FaceSpan faces =
+        anew ? FaceSpan{0, surface.faceCount()} : facesOf(surface, m_shownChanged.first, m_shownChanged.end);
+    m_leavingOut = leavingOut;
+    if (leavingOut)
+        m_shownChanged = {};
+    if (!triangles.IsValid() && all && surface.quadCount == 0)
+        return makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, surface.corners);
+    const std::vector<std::uint32_t> indices = triangleIndices(surface, faces, [&](std::uint32_t element) {
+        return all || isElementShown(scene.facts, element, scene.attributes);
+    });
+    if (!triangles.IsValid())
+        return makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, indices);
+    constexpr std::size_t triangleBytes = 3 * sizeof(std::uint32_t);
+    triangles.Update(static_cast<int>(trianglesBefore(surface, faces.first) * triangleBytes),
+                     static_cast<int>(indices.size() * sizeof(std::uint32_t)), indices.data());
+    return true;
+}
+
+bool ElementBuffers::update(const ElementScene& scene, const Need& need) {
+    const ElementSurface& surface = scene.surface;
     if (need.numbering && !makeNumbering(surface, *need.numbering))
         return false;
-    if (need.triangles && !triangles.IsValid() &&
-        !(surface.quadCount == 0 ? makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, surface.corners)
-                                 : makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, triangleIndices(surface))))
+    if (need.triangles && !updateTriangles(scene, need.leavingOut))
         return false;
     const std::size_t ofTriangles = 3 * std::size_t{surface.triangleCount};
     if (need.quads && !make(quads, GL_ELEMENT_ARRAY_BUFFER, surface.corners.data() + ofTriangles,
@@ -81,5 +105,5 @@ bool ElementBuffers::update(const ElementSurface& surface, const ElementValues& 
         return false;
     return makeOfVertices(positions, surface.positions, m_copies) &&
            (!need.normals || makeOfVertices(normals, surface.normals, m_copies)) &&
-           (!need.values || updateValues(surface, scene));
+           (!need.values || updateValues(surface, scene.values));
 }

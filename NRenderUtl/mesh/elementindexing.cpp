@@ -1,5 +1,6 @@
 #include "NRenderUtl/mesh/elementindexing.h"
 
+#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <utility>
@@ -104,14 +105,33 @@ std::array<float, 4> normalOf(const Vector& p0, const Vector& p1, const Vector& 
 
 } // namespace
 
-std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface) {
-    const std::size_t ofTriangles = 3 * std::size_t{surface.triangleCount};
-    std::vector<std::uint32_t> indices(surface.corners.begin(),
-                                       surface.corners.begin() + static_cast<std::ptrdiff_t>(ofTriangles));
-    indices.reserve(ofTriangles + 6 * std::size_t{surface.quadCount});
-    for (std::size_t q = ofTriangles; q < surface.corners.size(); q += 4) {
-        const std::uint32_t* c = surface.corners.data() + q;
-        indices.insert(indices.end(), {c[0], c[1], c[2], c[0], c[2], c[3]});
+FaceSpan facesOf(const ElementSurface& surface, std::uint32_t firstElement, std::uint32_t endElement) {
+    if (surface.elements.empty())
+        return {std::min(firstElement, surface.faceCount()), std::min(endElement, surface.faceCount())};
+    FaceSpan span{surface.faceCount(), 0};
+    for (std::uint32_t face = 0; face < surface.faceCount(); ++face)
+        if (surface.elements[face] >= firstElement && surface.elements[face] < endElement) {
+            span.first = std::min(span.first, face);
+            span.end = face + 1;
+        }
+    return span;
+}
+
+std::size_t trianglesBefore(const ElementSurface& surface, std::uint32_t face) {
+    return face <= surface.triangleCount ? face : 2 * std::size_t{face} - surface.triangleCount;
+}
+
+std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface, const FaceSpan& faces,
+                                           const std::function<bool(std::uint32_t element)>& shown) {
+    std::vector<std::uint32_t> indices;
+    if (faces.first >= faces.end)
+        return indices;
+    indices.reserve(3 * (trianglesBefore(surface, faces.end) - trianglesBefore(surface, faces.first)));
+    for (std::uint32_t face = faces.first; face < faces.end; ++face) {
+        const Corners c = surface.face(face);
+        const bool seen = shown(surface.elementOf(face));
+        for (std::size_t last = 2; last < c.size(); ++last)
+            indices.insert(indices.end(), {c[0], seen ? c[last - 1] : c[0], seen ? c[last] : c[0]});
     }
     return indices;
 }

@@ -2,6 +2,8 @@
 // vertex, the provoking one.
 #pragma once
 
+#include <functional>
+
 #include "NRenderUtl/mesh/elementsurface.h"
 
 /// What the number of a primitive, as it reaches a fragment, counts.
@@ -12,8 +14,18 @@ enum class ElementNumbering {
     Quads,     ///< alone
 };
 
-/// Three vertices for each triangle, faces in their order and quads as two triangles.
-std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface);
+/// Consecutive faces; none where first is not below end.
+struct FaceSpan {
+    std::uint32_t first, end;
+};
+/// The smallest span with all faces of some consecutive elements.
+FaceSpan facesOf(const ElementSurface& surface, std::uint32_t firstElement, std::uint32_t endElement);
+/// How many triangles the faces before this one make.
+std::size_t trianglesBefore(const ElementSurface& surface, std::uint32_t face);
+/// Three vertices for each triangle of some faces, in their order and quads as two triangles. Those of
+/// elements that `shown` refuses have no area.
+std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface, const FaceSpan& faces,
+                                           const std::function<bool(std::uint32_t element)>& shown);
 
 /// The same triangles, each turned so that its last vertex carries its number. A vertex carries one number;
 /// where all of a face are taken by others, a copy of one does.

@@ -49,6 +49,17 @@ ElementWay wayOf(const ElementPlan& plan, const ElementScene& scene) {
                                                                              : ElementWay::Mesh;
 }
 
+/// Where fragments need not know their elements for anything else, what is not shown is left out before: both
+/// the numbers and the vertices that carry them cost.
+void leaveOutByIndices(ElementPlan& plan, int failureLevel) {
+    if (plan.way != ElementWay::Attribute || plan.selected || plan.colored || plan.ofElements ||
+        plan.look == ElementLook::Faces)
+        return;
+    plan.leavingOut = {plan.clipFlag, plan.failureMode, plan.failureMode != 0 ? failureLevel : 0};
+    plan.hidden = false;
+    plan.clipFlag = plan.failureMode = 0;
+}
+
 } // namespace
 
 std::optional<ElementPlan> planElements(const ElementScene& scene) {
@@ -68,5 +79,6 @@ std::optional<ElementPlan> planElements(const ElementScene& scene) {
     plan.clipFlag = coded && (how.clipFlag == 1 || how.clipFlag == 3) ? how.clipFlag : 0;
     plan.failureMode = failureMode(facts, how.failureMode);
     plan.way = wayOf(plan, scene);
+    leaveOutByIndices(plan, how.failureLevel);
     return plan;
 }

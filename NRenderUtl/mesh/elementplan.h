@@ -20,6 +20,12 @@ enum class ElementLook {
     Unlit,
 };
 
+/// Attributes by which elements are left out; 0 where they leave out nothing.
+struct ElementLeavingOut {
+    int clipFlag = 0, failureMode = 0, failureLevel = 0;
+    bool operator==(const ElementLeavingOut&) const = default;
+};
+
 struct ElementPlan {
     ElementWay way;
     ElementLook look;
@@ -28,6 +34,9 @@ struct ElementPlan {
     bool facing;                    ///< colours by facing
     bool hidden, selected, colored; ///< whether there is any such element
     int clipFlag, failureMode;      ///< 0 where they leave out nothing
+    /// What indices leave out beside hidden elements, so that no fragment need know of it; nothing: all is
+    /// drawn.
+    std::optional<ElementLeavingOut> leavingOut;
 
     /// Whether fragments must know their element.
     bool needsElements() const {

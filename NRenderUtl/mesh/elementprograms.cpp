@@ -171,7 +171,8 @@ bool ElementPrograms::updateBuffers(const Frame& frame) {
         if (&piece.indices == &m_buffers.numbered)
             need.numbering = piece.numbering;
     }
-    return m_buffers.update(frame.scene.surface, frame.scene.values, need);
+    need.leavingOut = plan.leavingOut;
+    return m_buffers.update(frame.scene, need);
 }
 
 template <class T>

@@ -15,7 +15,10 @@ public:
 
     ElementPrograms();
     /// A fact of some elements has changed, or the values of nodes.
-    void changed(Fact fact, const ElementSpan& span) { m_facts[fact].changed(span); }
+    void changed(Fact fact, const ElementSpan& span) {
+        m_facts[fact].changed(span);
+        m_buffers.shownChanged(span);
+    }
     void nodeValuesChanged() { m_buffers.valuesChanged(); }
     /// modelView: column-major, from the vertices' space to eye space. False, with nothing drawn, where
     /// programs or buffers are not to be had. Throws std::bad_alloc.

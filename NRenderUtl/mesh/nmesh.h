@@ -254,7 +254,8 @@ struct NglElementPick {
 };
 
 /// A finite-element surface on the GPU: geometry in buffers, what is known of each element (shown, selected,
-/// coloured, clipped, failing) in texture buffers, so that changing it uploads no geometry. It draws with the
+/// coloured, clipped, failing) in texture buffers or in the indices, of which a change uploads only the part
+/// that it changes. It draws with the
 /// catalogue's mesh programs, or the same picture through fixed function where IsFastRendererEnabled is 0.
 /// Positions are kept in single precision about an origin of the mesh's own, and drawn with the record's
 /// double-precision model-view where GL holds the same: coordinates may lie far from zero.
