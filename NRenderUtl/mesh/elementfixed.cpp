@@ -218,6 +218,7 @@ void ElementFixedRoute::draw(const ElementScene& scene, const double modelView[1
         return;
     const AttributesGuard attributes(kChangedGroups);
     const ClientArraysGuard arrays;
+    const PlainIndicesGuard indices;
     usePlainFragments();
     std::optional<ProgramInUseGuard> program;
     if (epoxy_gl_version() >= 20) {

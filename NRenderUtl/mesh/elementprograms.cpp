@@ -71,25 +71,30 @@ void drawTransparent(const Draw& draw) {
 
 } // namespace
 
-/// Texture units that a draw uses, given back at its end.
+/// Texture units that a draw uses, given back at its end, the first of two at one unit last.
 class ElementPrograms::Bindings {
 public:
     Bindings() = default;
     ~Bindings() {
-        for (const auto& [unit, texture] : m_saved) {
-            glActiveTexture(unit);
-            glBindTexture(GL_TEXTURE_BUFFER, static_cast<GLuint>(texture));
+        for (auto saved = m_saved.rbegin(); saved != m_saved.rend(); ++saved) {
+            glActiveTexture(saved->first);
+            glBindTexture(GL_TEXTURE_BUFFER, static_cast<GLuint>(saved->second));
         }
-        if (!m_saved.empty())
-            glActiveTexture(static_cast<GLenum>(m_activeUnit));
+        if (m_saved.empty())
+            return;
+        glActiveTexture(static_cast<GLenum>(m_activeUnit));
+        if (m_buffer != 0)
+            glBindBuffer(GL_TEXTURE_BUFFER, static_cast<GLuint>(m_buffer));
     }
     Bindings(const Bindings&) = delete;
     Bindings& operator=(const Bindings&) = delete;
 
     /// Makes the unit of a texture active, to be bound there.
     void open(const ElementTexture& texture) {
-        if (m_saved.empty())
+        if (m_saved.empty()) {
             glGetIntegerv(GL_ACTIVE_TEXTURE, &m_activeUnit);
+            glGetIntegerv(GL_TEXTURE_BUFFER, &m_buffer); // what creating and updating leave unbound
+        }
         const GLenum unit = GL_TEXTURE0 + static_cast<GLenum>(texture.unit());
         GLint bound = 0;
         glActiveTexture(unit);
@@ -98,7 +103,7 @@ public:
     }
 
 private:
-    GLint m_activeUnit = 0;
+    GLint m_activeUnit = 0, m_buffer = 0;
     std::vector<std::pair<GLenum, GLint>> m_saved;
 };
 
@@ -303,6 +308,7 @@ bool ElementPrograms::draw(const ElementScene& scene, const double modelView[16]
     const Frame frame{scene, *plan, pieces};
     const ProgramInUseGuard program;
     const OwnArraysGuard arrays;
+    const PlainIndicesGuard indices;
     Bindings bindings;
     if (!updateBuffers(frame) || !updateFacts(scene, *plan, bindings) || !updatePrimitives(frame, bindings))
         return false;

@@ -98,6 +98,31 @@ private:
     GLint m_object = 0;
 };
 
+/// Every index as it is, and the last vertex of a primitive as the one that provokes.
+class PlainIndicesGuard {
+public:
+    PlainIndicesGuard() : m_restarts(epoxy_gl_version() >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
+        if (m_restarts)
+            glDisable(GL_PRIMITIVE_RESTART);
+        if (epoxy_gl_version() >= 32)
+            glGetIntegerv(GL_PROVOKING_VERTEX, &m_provoking);
+        if (m_provoking != GL_LAST_VERTEX_CONVENTION)
+            glProvokingVertex(GL_LAST_VERTEX_CONVENTION);
+    }
+    ~PlainIndicesGuard() {
+        if (m_restarts)
+            glEnable(GL_PRIMITIVE_RESTART);
+        if (m_provoking != GL_LAST_VERTEX_CONVENTION)
+            glProvokingVertex(static_cast<GLenum>(m_provoking));
+    }
+    PlainIndicesGuard(const PlainIndicesGuard&) = delete;
+    PlainIndicesGuard& operator=(const PlainIndicesGuard&) = delete;
+
+private:
+    const bool m_restarts;
+    GLint m_provoking = GL_LAST_VERTEX_CONVENTION;
+};
+
 /// Keeps groups of GL's attribute stack.
 class AttributesGuard {
 public:

@@ -274,3 +274,43 @@ TEST_F(ElementMesh, ElementsComeAndGo) {
     }
     EXPECT_TRUE(samePicture(last, all));
 }
+
+TEST_F(ElementMesh, TakesNoHarmFromTheHostsStateAndLeavesIt) {
+    markSome(mesh);
+    NglElementAttributes how;
+    how.lit = false;
+    const Picture plain = draw(how);
+    GLuint buffer, textures[32];
+    glGenBuffers(1, &buffer);
+    glBindBuffer(GL_TEXTURE_BUFFER, buffer);
+    glGenTextures(32, textures);
+    for (GLenum unit = 32; unit-- > 0;) { // down to one that fixed function has
+        glActiveTexture(GL_TEXTURE0 + unit);
+        glBindTexture(GL_TEXTURE_BUFFER, textures[unit]);
+    }
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(20);
+    glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
+    const auto get = [](GLenum name) {
+        GLint value = -1;
+        glGetIntegerv(name, &value);
+        return static_cast<GLuint>(value);
+    };
+    for (const NglElementRoute route : kRoutes) {
+        SCOPED_TRACE(::testing::Message() << "route " << route);
+        NglElementMesh fresh; // makes its textures in the draw
+        ASSERT_EQ(fresh.Create(sheet.input()), 0);
+        markSome(fresh);
+        how.route = route;
+        const GlSnapshot before = GlSnapshot::take();
+        EXPECT_TRUE(samePicture(plain, draw(fresh, how), 1));
+        EXPECT_TRUE(before.equals(GlSnapshot::take()));
+        EXPECT_EQ(get(GL_TEXTURE_BUFFER), buffer);
+        EXPECT_EQ(get(GL_PROVOKING_VERTEX), static_cast<GLuint>(GL_FIRST_VERTEX_CONVENTION));
+        EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART));
+        for (GLenum unit = 32; unit-- > 0;) {
+            glActiveTexture(GL_TEXTURE0 + unit);
+            EXPECT_EQ(get(GL_TEXTURE_BINDING_BUFFER), textures[unit]) << "unit " << unit;
+        }
+    }
+}
