@@ -322,7 +322,7 @@ int NglElementMesh::SetFailureLevels(const NglElements& elements, const int* low
 // --- drawing and picking -----------------------------------------------------------------------------------
 
 int NglElementMesh::Draw() {
-    if (!m_state || m_state->surface.faceCount() == 0)
+    if (!m_state || m_state->surface.faceCount() == 0 || !glContextIsCurrent())
         return 0;
     return withMemory([&] {
         m_state->draw();

@@ -314,3 +314,10 @@ TEST_F(ElementMesh, TakesNoHarmFromTheHostsStateAndLeavesIt) {
         }
     }
 }
+
+TEST(ElementMeshAlone, DrawsNothingWithoutAContext) {
+    NglElementMesh mesh;
+    const Sheet sheet;
+    ASSERT_EQ(mesh.Create(sheet.input()), 0);
+    EXPECT_EQ(mesh.Draw(), 0);
+}
