@@ -259,8 +259,9 @@ struct NglElementPick {
 /// catalogue's mesh programs, or the same picture through fixed function where IsFastRendererEnabled is 0.
 /// Positions are kept in single precision about an origin of the mesh's own, and drawn with the record's
 /// double-precision model-view where GL holds the same: coordinates may lie far from zero.
-/// Only Draw calls GL, and Clear and the destructor as RenderGLBuffer does. Setters return 0; -1, with
-/// nothing changed, for an element out of range, a null array or a call before Create; -2 without memory.
+/// Only Draw calls GL, and what frees a surface, Create and assignment included, as RenderGLBuffer does.
+/// Setters return 0; -1, with nothing changed, for an element, selection or code out of range, a null array
+/// or a call before Create, which attributes and scale need not wait for; -2 without memory.
 class NRENDERUTL_API NglElementMesh {
 public:
     NglElementMesh();
@@ -278,8 +279,8 @@ public:
     void SetAttributes(const NglElementAttributes& attributes);
     /// The scale for the values, copied; null or one without bands: no contour.
     int SetColorScale(const RenderColorScale* scale);
-    /// One value for each node, or for each element; NaN takes the out-of-range minimum colour. The last call
-    /// counts; null takes the values away.
+    /// One value for each node, or for each element; NaN takes the out-of-range minimum colour, in a scale of
+    /// one value that of its middle band. The last call counts; null takes the values away.
     int SetNodeValues(const float* values);
     int SetElementValues(const float* values);
     /// The values of some elements, in their order.
@@ -307,7 +308,7 @@ public:
     /// Frees everything that Create made.
     void Clear();
     /// Draws with the record's view, lights and materials under GL's current state; changes it only while
-    /// drawing. Returns 0, also when there is nothing to draw.
+    /// drawing. Returns 0, also when there is nothing to draw or no context is current; -2 without memory.
     int Draw();
     /// The first shown face that the ray from start through end meets; of several at one distance the one
     /// with the lowest number. False, *picked untouched, when it meets none, has no direction or is not
