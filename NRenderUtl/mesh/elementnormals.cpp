@@ -174,6 +174,14 @@ void split(std::span<const Corner> corners, const std::vector<Vector>& areas, fl
     }
 }
 
+void splitAll(const Creases& creases, const std::vector<Vector>& areas, float smooth,
+              ElementSurface& surface) {
+    const CreaseCorners corners = gatherCorners(areas, surface, creases);
+    for (std::size_t i = 0; i < creases.nodes.size(); ++i)
+        split(std::span(corners.all).subspan(corners.first[i], corners.first[i + 1] - corners.first[i]),
+              areas, smooth, surface);
+}
+
 } // namespace
 
 void makeElementNormals(const double* nodes, double creaseDeg, ElementSurface& surface) {
@@ -182,9 +190,7 @@ void makeElementNormals(const double* nodes, double creaseDeg, ElementSurface& s
     const std::vector<Vector> areas = areaVectors(nodes, surface);
     makeMeans(areas, surface);
     const Creases creases = findCreases(areas, surface, creaseRad);
-    const CreaseCorners corners = gatherCorners(areas, surface, creases);
-    for (std::size_t i = 0; i < creases.nodes.size(); ++i)
-        split(std::span(corners.all).subspan(corners.first[i], corners.first[i + 1] - corners.first[i]),
-              areas, smooth, surface);
+    if (!creases.nodes.empty())
+        splitAll(creases, areas, smooth, surface);
     std::replace(surface.normals.begin(), surface.normals.end(), Vector{}, Vector{0.0f, 0.0f, 1.0f});
 }
