@@ -154,12 +154,12 @@ std::vector<ElementPrograms::Piece> ElementPrograms::piecesOf(const ElementSurfa
         return {catalogued(plan.way == ElementWay::Mesh ? RenderShaderMesh : RenderShaderMeshTriangles,
                            ElementNumbering::Triangles, GL_TRIANGLES, m_buffers.triangles,
                            triangleIndexCount(surface), m_derived)};
-    std::vector<Piece> pieces{catalogued(RenderShaderMeshQuads, ElementNumbering::Quads, GL_LINES_ADJACENCY,
-                                         m_buffers.quads, 4 * std::size_t{surface.quadCount},
-                                         m_derivedQuads)};
+    std::vector<Piece> pieces; // in the order of the faces, which transparency shows
     if (surface.triangleCount > 0)
         pieces.push_back(catalogued(RenderShaderMeshTriangles, ElementNumbering::Faces, GL_TRIANGLES,
                                     m_buffers.triangles, 3 * std::size_t{surface.triangleCount}, m_derived));
+    pieces.push_back(catalogued(RenderShaderMeshQuads, ElementNumbering::Quads, GL_LINES_ADJACENCY,
+                                m_buffers.quads, 4 * std::size_t{surface.quadCount}, m_derivedQuads));
     return pieces;
 }
 

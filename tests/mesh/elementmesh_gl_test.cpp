@@ -275,6 +275,25 @@ TEST_F(ElementMesh, ElementsComeAndGo) {
     EXPECT_TRUE(samePicture(last, all));
 }
 
+TEST_F(ElementMesh, TransparentFacesBlendInTheirOrder) {
+    const double nodes[] = {-1, -1, 0, 1, -1, 0, 1, 1, 0, -1, 1, 0};
+    const std::uint32_t triangle[] = {0, 1, 2}, quad[] = {0, 1, 2, 3};
+    NglElementMesh two; // of one place
+    ASSERT_EQ(two.Create({4, nodes, nullptr, 1, triangle, nullptr, 1, quad}), 0);
+    two.SetColor(NglElements::One(0), 0x0000FF);
+    two.SetColor(NglElements::One(1), 0x00FF00);
+    look(0, 0);
+    NglElementAttributes how;
+    how.lit = false;
+    how.opacity = 0.5f;
+    for (const NglElementRoute route : kRoutes) {
+        how.route = route;
+        const std::uint32_t pixel = draw(two, how).at(40, 20); // the quad over the triangle
+        EXPECT_NEAR(pixel & 0xFF, 0x44, 1) << "route " << route;
+        EXPECT_NEAR(pixel >> 8 & 0xFF, 0x88, 1) << "route " << route;
+    }
+}
+
 TEST_F(ElementMesh, TakesNoHarmFromTheHostsStateAndLeavesIt) {
     markSome(mesh);
     NglElementAttributes how;
