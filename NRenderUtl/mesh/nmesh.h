@@ -203,7 +203,10 @@ struct NglElements {
 
     static NglElements One(std::uint32_t element) { return {element, 1, nullptr}; }
     static NglElements Range(std::uint32_t first, std::uint32_t count) { return {first, count, nullptr}; }
-    static NglElements List(const std::uint32_t* list, std::uint32_t count) { return {0, count, list}; }
+    /// No list stands for elements out of range, which every setter refuses.
+    static NglElements List(const std::uint32_t* list, std::uint32_t count) {
+        return {list ? 0 : 0xFFFFFFFFu, count, list};
+    }
 };
 
 enum NglElementShading : int {
