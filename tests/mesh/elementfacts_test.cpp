@@ -74,3 +74,18 @@ TEST(ElementFacts, SelectionOverColorOverVisibility) {
         EXPECT_EQ(own.value_or(0) & 0xFFFFFF, expected.value_or(0) & 0xFFFFFF) << visible << " " << selection;
     }
 }
+
+TEST(ElementFacts, TakeNoMemoryWhereAllAreAsAtFirst) {
+    ElementFacts facts;
+    facts.lower.writable(3)[1] = 4;
+    facts.visible.writable(3)[2] = 0;
+    facts.compact();
+    EXPECT_FALSE(facts.lower.isInitial());
+    EXPECT_EQ(facts.lower[1], 4);
+    EXPECT_EQ(facts.visible[2], 0);
+    facts.lower.writable(3)[1] = -1;
+    facts.visible.writable(3)[2] = 1;
+    facts.compact();
+    EXPECT_TRUE(facts.lower.isInitial() && facts.visible.isInitial());
+    EXPECT_EQ(facts.lower[1], -1);
+}

@@ -11,6 +11,7 @@
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/shaders/nshaders.h"
+#include "tests/mesh/testmesh.h"
 #include "tests/support/glsnapshot.h"
 #include "tests/support/gltest.h"
 
@@ -164,6 +165,17 @@ void markSome(NglElementMesh& mesh) {
     mesh.ClearColors(NglElements::Range(110, 10));
 }
 
+/// Nodes have copies, to carry the numbers of elements or, with a small angle, for their normals.
+void markedContour(NglElementMesh& mesh, double creaseDeg) {
+    const Sheet sheet;
+    NglElementMeshInput input = sheet.input();
+    input.creaseDeg = creaseDeg;
+    input.triangleElements = nullptr;
+    mesh.Create(input);
+    nodeContour(mesh);
+    markSome(mesh);
+}
+
 void setLevels(NglElementMesh& mesh) {
     for (std::uint32_t e = 0; e < mesh.ElementCount(); ++e) {
         mesh.SetClipCode(NglElements::One(e), static_cast<int>(e / 2 % 5));
@@ -190,6 +202,8 @@ TEST_F(ElementMesh, AllRoutesGiveOnePicture) {
         {"bands", nodeContour, nothing},
         {"bands, unlit", nodeContour, [](auto& a) { a.lit = false; }},
         {"smeared", smearedContour, nothing},
+        {"bands, marked", [](NglElementMesh& m) { markedContour(m, 30); }, nothing},
+        {"bands, marked and creased", [](NglElementMesh& m) { markedContour(m, 4); }, nothing},
         {"values of elements", elementContour, nothing},
         {"values of elements, normals too", elementContour, [](auto& a) { a.shading = NglElementNormals; }},
         {"contour off", nodeContour, [](auto& a) { a.contour = false; }},
@@ -332,6 +346,400 @@ TEST_F(ElementMesh, TakesNoHarmFromTheHostsStateAndLeavesIt) {
             EXPECT_EQ(get(GL_TEXTURE_BINDING_BUFFER), textures[unit]) << "unit " << unit;
         }
     }
+}
+
+/// Tiles of 8 x 8 pixels, in rows of eight from the bottom up: each an element of its own.
+class ElementTiles : public ElementMesh {
+protected:
+    void SetUp() override {
+        ElementMesh::SetUp();
+        std::vector<double> nodes;
+        std::vector<std::uint32_t> quads;
+        for (std::uint32_t i = 0; i < 64; ++i)
+            for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) {
+                quads.push_back(static_cast<std::uint32_t>(nodes.size() / 3));
+                nodes.insert(nodes.end(), {(i % 8 + x) / 4.0 - 1, (i / 8 + y) / 4.0 - 1, 0});
+            }
+        NglElementMeshInput input;
+        input.nodeCount = 256;
+        input.nodes = nodes.data();
+        input.quadCount = 64;
+        input.quads = quads.data();
+        ASSERT_EQ(mesh.Create(input), 0);
+        glMatrixMode(GL_PROJECTION);
+        glLoadIdentity();
+        glMatrixMode(GL_MODELVIEW);
+        glLoadIdentity();
+        NglUpdateNglInfo();
+        NglSetSelectionColor(kSelected);
+        NglSetHighlightColor(kHighlighted);
+        how.lit = false;
+        how.color = kPlain;
+    }
+    static std::uint32_t middle(const Picture& picture, std::uint32_t tile) {
+        return picture.at(tile % 8 * 8 + 4, tile / 8 * 8 + 4);
+    }
+
+    static constexpr std::uint32_t kSelected = 0xFF0010F0, kHighlighted = 0xFFE0A000, kPlain = 0xFF809080;
+    NglElementAttributes how;
+};
+
+TEST_F(ElementTiles, ChangesShowWhereTheyWereMade) {
+    std::mt19937 random(7);
+    const auto below = [&](std::uint32_t end) { return static_cast<std::uint32_t>(random() % end); };
+    std::vector<std::uint32_t> colors(64, kPlain), selections(64, 0);
+    for (int change = 0; change < 28; ++change) {
+        // A range, a list or a single one, in turn.
+        std::vector<std::uint32_t> list;
+        NglElements elements = NglElements::One(below(64));
+        if (change % 3 == 1) {
+            const std::uint32_t first = below(64);
+            elements = NglElements::Range(first, below(65 - first));
+        } else if (change % 3 == 2) {
+            for (std::uint32_t i = below(30); i > 0; --i)
+                list.push_back(below(64));
+            elements = NglElements::List(list.data(), static_cast<std::uint32_t>(list.size()));
+        }
+        const std::uint32_t color = 0xFF000000 | random() >> 8;
+        const auto selection = static_cast<NglElementSelection>(below(3));
+        const auto forAll = [&](std::vector<std::uint32_t>& values, std::uint32_t value) {
+            for (std::uint32_t i = 0; i < elements.count; ++i)
+                values[elements.list ? elements.list[i] : elements.first + i] = value;
+        };
+        switch (below(6)) {
+        case 0:
+            EXPECT_EQ(mesh.SetVisible(elements, below(3) != 0), 0);
+            break;
+        case 1:
+            EXPECT_EQ(mesh.SetColor(elements, color), 0);
+            forAll(colors, color);
+            break;
+        case 2:
+            EXPECT_EQ(mesh.ClearColors(elements), 0);
+            forAll(colors, kPlain);
+            break;
+        case 3:
+            EXPECT_EQ(mesh.SetSelection(elements, selection), 0);
+            forAll(selections, selection);
+            break;
+        case 4:
+            EXPECT_EQ(mesh.SetClipCode(elements, static_cast<int>(below(4))), 0);
+            break;
+        default:
+            EXPECT_EQ(mesh.SetFailureLevel(elements, static_cast<int>(below(6)) - 1,
+                                           static_cast<int>(below(6)) - 1),
+                      0);
+        }
+        if (change == 14)
+            std::tie(how.clipFlag, how.failureMode, how.failureLevel) = std::tuple{1, 3, 3};
+        how.route = kRoutes[change % 4];
+        const Picture picture = draw(how);
+        for (std::uint32_t e = 0; e < 64; ++e) {
+            const std::uint32_t marks[] = {colors[e], kSelected, kHighlighted};
+            EXPECT_EQ(middle(picture, e), mesh.IsElementShown(e) ? marks[selections[e]] : kClear)
+                << "element " << e << ", change " << change << ", route " << how.route;
+        }
+    }
+}
+
+namespace {
+
+/// Calls of two entry points that fill buffers, and the bytes of the second.
+struct Uploads {
+    int made = 0, updates = 0;
+    long bytes = 0;
+    bool operator==(const Uploads&) const = default;
+} uploads;
+PFNGLBUFFERDATAPROC bufferData;
+PFNGLBUFFERSUBDATAPROC bufferSubData;
+
+void countUploads() {
+    // The entry points are looked up by their first call.
+    RenderGLBuffer buffer;
+    buffer.Create(GL_ARRAY_BUFFER, 4, nullptr, GL_STATIC_DRAW);
+    buffer.Update(&uploads);
+    bufferData = epoxy_glBufferData;
+    bufferSubData = epoxy_glBufferSubData;
+    epoxy_glBufferData = [](GLenum target, GLsizeiptr size, const void* data, GLenum usage) {
+        ++uploads.made;
+        bufferData(target, size, data, usage);
+    };
+    epoxy_glBufferSubData = [](GLenum target, GLintptr offset, GLsizeiptr size, const void* data) {
+        ++uploads.updates;
+        uploads.bytes += size;
+        bufferSubData(target, offset, size, data);
+    };
+}
+
+} // namespace
+
+TEST_F(ElementTiles, AChangeUploadsItsSpanAlone) {
+    how.failureMode = 1;
+    how.clipFlag = 1;
+    const std::uint32_t scattered[] = {40, 8, 9, 30, 20};
+    const NglElements list = NglElements::List(scattered, 5);
+    const std::vector<NgColorLong> colors(5, 0x123456);
+    const std::vector<int> levels(5, 2);
+    const std::vector<float> values(64, 0.5f);
+    RenderColorScale otherScale = scale;
+    otherScale.SetOutOfRangeMinColor(1);
+    const auto changeAll = [&] {
+        mesh.SetElementValues(values.data());
+        mesh.SetVisible(NglElements::Range(0, 64), true);
+        for (std::uint32_t e = 0; e < 64; e += 2) // too many runs to be drawn one by one
+            mesh.SetVisible(NglElements::One(e), false);
+        mesh.SetSelection(NglElements::One(0), NglElementSelected);
+        mesh.SetColor(NglElements::One(0), 1);
+        mesh.SetClipCode(NglElements::One(0), 1);
+        mesh.SetFailureLevel(NglElements::One(0), 9, 9);
+    };
+    mesh.SetColorScale(&scale);
+    changeAll();
+    countUploads();
+    draw(how);
+    EXPECT_GT(uploads.made, 0);
+    const std::tuple<const char*, std::function<int()>, int, long> rows[] = {
+        {"nothing", [] { return 0; }, 0, 0},
+        {"one hidden", [&] { return mesh.SetVisible(NglElements::One(3), false); }, 2,
+         1 + 4}, // and its colour
+        {"selection", [&] { return mesh.SetSelection(list, NglElementSelected); }, 1, 33},
+        {"colour", [&] { return mesh.SetColor(NglElements::Range(60, 4), 2); }, 1, 16},
+        {"colours", [&] { return mesh.SetColors(list, colors.data()); }, 1, 33 * 4},
+        {"no colours", [&] { return mesh.ClearColors(NglElements::One(9)); }, 1, 4},
+        {"clip code", [&] { return mesh.SetClipCode(list, 1); }, 1, 33},
+        {"levels", [&] { return mesh.SetFailureLevels(list, levels.data(), levels.data()); }, 1, 33 * 4},
+        {"values", [&] { return mesh.SetElementValues(NglElements::Range(5, 3), values.data()); }, 1, 12},
+        {"a scale", [&] { return mesh.SetColorScale(&otherScale); }, 1, -1},
+        {"two changes",
+         [&] { return mesh.SetClipCode(NglElements::One(1), 1) + mesh.SetClipCode(NglElements::One(50), 1); },
+         1, 50}};
+    for (const auto& [name, change, updates, bytes] : rows) {
+        uploads = {};
+        EXPECT_EQ(change(), 0);
+        draw(how);
+        EXPECT_EQ(uploads.made, 0) << name;
+        EXPECT_EQ(uploads.updates, updates) << name;
+        EXPECT_TRUE(bytes == -1 || uploads.bytes == bytes) << name << ": " << uploads.bytes;
+    }
+}
+
+TEST_F(ElementTiles, APartIsHiddenByItsIndicesAlone) {
+    mesh.SetVisible(NglElements::Range(0, 8), false);
+    draw(how);
+    countUploads();
+    for (std::uint32_t part = 1; part < 8; ++part) {
+        mesh.SetVisible(NglElements::Range(8 * part - 8, 8), true);
+        mesh.SetVisible(NglElements::Range(8 * part, 8), false);
+        uploads = {};
+        const Picture picture = draw(how);
+        EXPECT_EQ(uploads, (Uploads{0, 1, 16 * 6 * 4})) << "part " << part;
+        for (std::uint32_t e = 0; e < 64; ++e)
+            EXPECT_EQ(middle(picture, e), e / 8 == part ? kClear : kPlain) << "element " << e;
+    }
+}
+
+TEST_F(ElementMesh, ChangesOfFactsUploadNoGeometry) {
+    nodeContour(mesh);
+    markSome(mesh);
+    setLevels(mesh);
+    draw({});
+    countUploads();
+    uploads = {};
+    std::vector<float> values = sheet.nodeValues;
+    for (float& value : values)
+        value = 1 - value;
+    EXPECT_EQ(mesh.SetNodeValues(values.data()), 0);
+    draw({});
+    EXPECT_EQ(uploads.made, 0);
+    EXPECT_EQ(uploads.updates, 1);
+    for (const NglElementRoute route : kRoutes) {
+        NglElementAttributes how;
+        how.route = route;
+        draw(how);
+        uploads = {};
+        mesh.SetVisible(NglElements::Range(0, mesh.ElementCount()), true);
+        draw(how);
+        EXPECT_EQ(uploads.made, 0) << "route " << route;
+    }
+}
+
+TEST_F(ElementMesh, LeavesArraysAndBlendingAsTheyWere) {
+    nodeContour(mesh);
+    markSome(mesh);
+    GLuint vao, buffer;
+    glGenVertexArrays(1, &vao);
+    glGenBuffers(1, &buffer);
+    glBindBuffer(GL_ARRAY_BUFFER, buffer);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
+    glEnableClientState(GL_COLOR_ARRAY); // of no vertex, where the mesh has many
+    glColorPointer(3, GL_FLOAT, 0, nullptr);
+    glBlendFunc(GL_ONE, GL_ONE);
+    for (const bool other : {false, true})
+        for (const NglElementRoute route : kRoutes)
+            for (const float opacity : {1.0f, 0.5f}) {
+                glBindVertexArray(other ? vao : 0);
+                glActiveTexture(other ? GL_TEXTURE5 : GL_TEXTURE0);
+                glMatrixMode(other ? GL_PROJECTION : GL_TEXTURE);
+                other ? glEnable(GL_CULL_FACE) : glDisable(GL_CULL_FACE);
+                NglElementAttributes how;
+                how.route = route;
+                how.opacity = opacity;
+                const GlSnapshot before = GlSnapshot::take();
+                draw(how);
+                EXPECT_TRUE(before.equals(GlSnapshot::take()))
+                    << "route " << route << ", opacity " << opacity;
+            }
+}
+
+TEST_F(ElementMesh, TransparentFacesLieOverThoseBehind) {
+    const std::vector<double> nodes = cubeCoords();
+    const std::vector<std::uint32_t> quads = cubeQuads().indices;
+    NglElementMeshInput input;
+    std::tie(input.nodeCount, input.nodes) = std::pair{8u, nodes.data()};
+    std::tie(input.quadCount, input.quads) = std::pair{6u, quads.data()};
+    ASSERT_EQ(mesh.Create(input), 0);
+    NglElementAttributes how;
+    how.lit = false;
+    how.frontAndBack = true;
+    how.frontColor = 0x0000FF;
+    how.backColor = 0x00FF00;
+    how.opacity = 0.25f;
+    for (const NglElementRoute route : kRoutes) {
+        how.route = route;
+        const std::uint32_t middle = draw(how).at(32, 32);
+        // The front's red over the back's green over the clear colour.
+        const double share[3] = {0.25 * 255, 0, 0}, behind[3] = {0, 0.25 * 255, 0};
+        for (int k = 0; k < 3; ++k) {
+            const double expected = share[k] + 0.75 * (behind[k] + 0.75 * (kClear >> 8 * k & 0xFF));
+            EXPECT_NEAR(middle >> 8 * k & 0xFF, expected, 1.5) << "channel " << k << ", route " << route;
+        }
+    }
+}
+
+TEST_F(ElementMesh, CoordinatesFarFromZeroKeepThePicture) {
+    constexpr double kFar = 10485760; // 10 * 2^20: single precision keeps whole numbers of it
+    const Picture near = draw(NglElementAttributes{});
+    EXPECT_GT(near.countOtherThan(kClear), 300);
+    NglElementMesh far;
+    ASSERT_EQ(far.Create(Sheet(0.06, kFar).input()), 0);
+    look(kFar);
+    for (const NglElementRoute route : kRoutes) {
+        NglElementAttributes how;
+        how.route = route;
+        // Fixed function has a matrix of its own making.
+        EXPECT_TRUE(samePicture(draw(far, how), near, route == NglElementRouteFixed ? 4 : 0)) << route;
+    }
+    // A matrix that the record does not hold is GL's own.
+    glTranslated(4, 0, 0); // in steps of 1, which is what is left of its precision
+    EXPECT_FALSE(samePicture(draw(far, {}), near));
+}
+
+TEST_F(ElementMesh, WhatCannotRunFallsBackToThePicture) {
+    const NglElementAttributes how;
+    const Picture expected = draw(how);
+    NglElementMesh other;
+    const auto drawsTheSame = [&](const char* without, int tolerance) {
+        ASSERT_EQ(other.Create(sheet.input()), 0);
+        EXPECT_TRUE(samePicture(draw(other, how), expected, tolerance)) << without;
+        other.Clear();
+    };
+    SetRenderingContextActive(false);
+    drawsTheSame("a declared context", 4);
+    SetRenderingContextActive(true);
+    SetUserDefinedFastRenderingMode(0);
+    drawsTheSame("programs", 4);
+    SetUserDefinedFastRenderingMode(1);
+    const auto genBuffers = epoxy_glGenBuffers;
+    epoxy_glGenBuffers = [](GLsizei, GLuint* names) { *names = 0; };
+    drawsTheSame("buffers", 4);
+    epoxy_glGenBuffers = genBuffers;
+    const auto createProgram = epoxy_glCreateProgram;
+    epoxy_glCreateProgram = []() -> GLuint { return 0; };
+    NglElementAttributes unlit;
+    unlit.lit = false; // a program that was not made before
+    NglElementAttributes mesh1 = unlit;
+    mesh1.route = NglElementRouteMesh;
+    EXPECT_TRUE(samePicture(draw(unlit), draw(mesh1), 1));
+    epoxy_glCreateProgram = createProgram;
+}
+
+TEST_F(ElementMesh, NumbersBeyondSinglePrecision) {
+    // Elements that single precision does not tell from their neighbours.
+    constexpr std::uint32_t kFirst = (1u << 24) + 1;
+    Sheet large;
+    for (auto* elements : {&large.ofTriangles, &large.ofQuads})
+        for (std::uint32_t& element : *elements)
+            element = kFirst + (element - 5) / 2;
+    ASSERT_EQ(mesh.Create(large.input()), 0);
+    NglElementAttributes how;
+    how.lit = false;
+    std::vector<std::uint32_t> odd;
+    for (std::uint32_t e = kFirst; e < mesh.ElementCount(); e += 2)
+        odd.push_back(e);
+    ASSERT_EQ(mesh.SetVisible(NglElements::List(odd.data(), static_cast<std::uint32_t>(odd.size())), false),
+              0);
+    const Picture picture = draw(how);
+    how.route = NglElementRouteFixed;
+    EXPECT_TRUE(samePicture(picture, draw(how), 1));
+    EXPECT_GT(picture.countOtherThan(kClear), 300);
+}
+
+TEST_F(ElementMesh, RefusesWhatIsNotInOrder) {
+    NglElementAttributes how;
+    const Picture before = draw(how);
+    const std::uint32_t count = mesh.ElementCount(), list[] = {1, count};
+    const float values[] = {1, 2};
+    const int levels[] = {1, 2};
+    const NgColorLong colors[] = {1, 2};
+    NglElementMesh none;
+    Sheet bad;
+    bad.nodes[5] = kNan;
+    const std::pair<const char*, int> refused[] = {
+        {"one", mesh.SetVisible(NglElements::One(count), false)},
+        {"range", mesh.SetVisible(NglElements::Range(count - 1, 2), false)},
+        {"range around", mesh.SetColor(NglElements::Range(1, 0xFFFFFFFF), 1)},
+        {"list", mesh.SetSelection(NglElements::List(list, 2), NglElementSelected)},
+        {"selection", mesh.SetSelection(NglElements::One(0), static_cast<NglElementSelection>(3))},
+        {"clip code", mesh.SetClipCode(NglElements::One(0), 256)},
+        {"no colours", mesh.SetColors(NglElements::One(0), nullptr)},
+        {"colours", mesh.SetColors(NglElements::List(list, 2), colors)},
+        {"no levels", mesh.SetFailureLevels(NglElements::One(0), levels, nullptr)},
+        {"levels", mesh.SetFailureLevels(NglElements::List(list, 2), levels, levels)},
+        {"values", mesh.SetElementValues(NglElements::List(list, 2), values)},
+        {"no values", mesh.SetElementValues(NglElements::One(0), nullptr)},
+        {"before Create", none.SetVisible(NglElements::Range(0, 0), false)},
+        {"values before Create", none.SetNodeValues(values)},
+        {"surface", mesh.Create(bad.input())}};
+    for (const auto& [name, result] : refused)
+        EXPECT_EQ(result, -1) << name;
+    EXPECT_EQ(mesh.SetVisible(NglElements::Range(count, 0), false), 0) << "no elements";
+    EXPECT_TRUE(samePicture(draw(how), before));
+    EXPECT_EQ(none.Draw(), 0);
+    NglElementPick pick;
+    EXPECT_FALSE(none.PickPixel(1, 1, &pick));
+    EXPECT_FALSE(none.IsElementShown(0));
+}
+
+TEST_F(ElementMesh, MovesAndStartsAnew) {
+    nodeContour(mesh);
+    NglElementAttributes how;
+    how.shading = NglElementFlat;
+    how.route = NglElementRouteMesh;
+    const Picture banded = draw(how);
+    NglElementMesh moved = std::move(mesh);
+    EXPECT_TRUE(samePicture(draw(moved, how), banded));
+    EXPECT_EQ(mesh.ElementCount(), 0u);
+    EXPECT_EQ(mesh.Create(sheet.input()), 0) << "as good as new";
+    // Attributes and scale stay, facts and values do not.
+    markSome(moved);
+    ASSERT_EQ(moved.Create(sheet.input()), 0);
+    EXPECT_EQ(moved.Attributes().shading, NglElementFlat);
+    EXPECT_TRUE(samePicture(draw(moved, how), draw(mesh, how)));
+    moved.SetNodeValues(sheet.nodeValues.data());
+    EXPECT_TRUE(samePicture(draw(moved, how), banded));
+    moved.Clear();
+    EXPECT_EQ(draw(moved, how).countOtherThan(kClear), 0);
+    EXPECT_EQ(moved.SetVisible(NglElements::Range(0, 0), true), -1);
 }
 
 TEST(ElementMeshAlone, DrawsNothingWithoutAContext) {

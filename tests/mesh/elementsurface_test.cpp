@@ -100,8 +100,9 @@ TEST(ElementSurface, SplitsNormalsAtCreases) {
     // The quad folded about the edge from node 1 to node 2, or wound the other way.
     const std::tuple<double, double, bool, unsigned> rows[] = {
         // fold, crease angle, turned; copies
-        {0, 0, false, 0},   {29, 30, false, 0},  {31, 30, false, 2},   {31, 30, true, 2},   {0, 30, true, 2},
-        {80, 90, false, 0}, {100, 90, false, 2}, {150, 160, false, 0}, {179, 180, false, 0}};
+        {0, 0, false, 0},     {29, 30, false, 0},  {31, 30, false, 2}, {31, 30, true, 2},
+        {0, 30, true, 2},     {20, 30, true, 2},   {80, 90, false, 0}, {100, 90, false, 2},
+        {150, 160, false, 0}, {179, 180, false, 0}};
     for (const auto& [foldDeg, creaseDeg, turned, copies] : rows) {
         SCOPED_TRACE(::testing::Message() << foldDeg << " at " << creaseDeg << ", turned " << turned);
         Pair pair;
