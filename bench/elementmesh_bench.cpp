@@ -2,9 +2,9 @@
 //
 //   elementmesh_bench [NAME]     steady frames (of the cases whose name contains NAME): milliseconds of wall
 //                                clock and of CPU, from clearing to glFinish; the best of three medians of 20
-//   elementmesh_bench --first    the first frame of a million triangles, medians of seven processes: start-up
-//   of
-//                                the library, Create with values and scale, first frame, and resident memory
+//   elementmesh_bench --first    the first frame of a million triangles, medians of seven processes: the
+//                                library's start-up, Create with values and scale, first frame, and resident
+//                                memory
 //   elementmesh_bench --calls    the OpenGL calls of one steady frame
 //
 // The process keeps the memory that it has once had (mallopt), as gl drivers in software free and take tens

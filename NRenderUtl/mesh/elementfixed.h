@@ -29,7 +29,7 @@ private:
     };
     /// What the colours of their vertices depend on.
     struct ColorsKey {
-        std::array<double, 16> modelView; ///< of lit ones
+        std::array<double, 16> modelView;        ///< of lit ones
         std::optional<ElementLighting> lighting; ///< nothing: unlit
         NgColorLong front, back;
         std::uint8_t alpha;

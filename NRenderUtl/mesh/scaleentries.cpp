@@ -5,13 +5,14 @@
 #include <cmath>
 #include <limits>
 
+#include "NRenderUtl/mesh/colorbands.h"
+
 namespace {
 
 using Bands = std::vector<RenderColorScale::ColorBand>;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr unsigned kNotSet = 0xFFFFFFFF;
 constexpr float kNotSmeared = -1.0f;
 
 bool ascend(const Bands& bands) {
@@ -38,8 +39,8 @@ public:
     explicit EntriesMaker(const RenderColorScale& scale)
         : m_bands(scale.GetColorBands()), m_low(scale.GetMinValue()), m_high(scale.GetMaxValue()) {
         const unsigned below = scale.GetOutOfRangeMinColor(), above = scale.GetOutOfRangeMaxColor();
-        m_below = inFloat(below == kNotSet ? m_bands.front().color : below);
-        m_above = inFloat(above == kNotSet ? m_bands.back().color : above);
+        m_below = inFloat(below == kUnsetColor ? m_bands.front().color : below);
+        m_above = inFloat(above == kUnsetColor ? m_bands.back().color : above);
     }
 
     ScaleEntries make() {

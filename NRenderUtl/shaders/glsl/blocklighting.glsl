@@ -1,5 +1,5 @@
-// The classic model of lighting.glsl, with lights and materials from a buffer: a driver in software gathers each
-// component of a uniform anew for every few fragments, and fetches four components of a texel for less.
+// The classic model of lighting.glsl, with lights and materials from a buffer: a driver in software gathers
+// each component of a uniform anew for every few fragments, and fetches four components of a texel for less.
 
 uniform samplerBuffer g_block; // laid out by blocklayout.h
 uniform int g_lightsOff;
@@ -14,7 +14,8 @@ float highlight(float cosine, float shininess) {
 }
 #endif
 
-// Adds what the light at a texel gives, before the colour of the surface and after it. Whether another follows.
+// Adds what the light at a texel gives, before the colour of the surface and after it. Whether another
+// follows.
 bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, inout vec3 specular) {
     vec4 place = texelFetch(g_block, at); // with the constant, linear and quadratic attenuation in w
     vec4 ambient = texelFetch(g_block, at + 1);

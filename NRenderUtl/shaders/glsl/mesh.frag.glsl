@@ -82,6 +82,7 @@ vec3 elementNormal(int primitive) {
 vec3 fragmentNormal(int primitive) {
     vec3 normal = cross(dFdy(VertexIn.position), dFdx(VertexIn.position));
 #ifdef WINDING_NORMALS
+    // The cross product points away from the eye on both sides; the normal of the winding does on back faces.
     if (gl_FrontFacing)
         normal = -normal;
 #endif
