@@ -5,8 +5,8 @@
 #include <span>
 
 #include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/mesh/meshguards.h"
 #include "NRenderUtl/shaders/programinuse.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/mesh/meshguards.h"
 #include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/samplerunits.h"
 

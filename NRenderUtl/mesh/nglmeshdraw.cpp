@@ -3,8 +3,8 @@
 
 #include <limits>
 
+#include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/mesh/meshaccess.h"
-#include "NRenderUtl/mesh/meshguards.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// GL state that mesh drawing changes for the length of a block.
+// GL state that drawing changes for the length of a block.
 #pragma once
 
 #include <epoxy/gl.h>
