@@ -1,5 +1,6 @@
 // The GL layer: the host's view record, colours, view state and conversions, framebuffers, clip planes,
-// lights and host callbacks. Every call comes from the thread that owns the current GL context.
+// lights and host callbacks, and drawing with them. Every call comes from the thread that owns the current GL
+// context.
 #pragma once
 
 #include "NRenderUtl/ntypes.h"
@@ -79,6 +80,14 @@ struct _NglFBOInfoStr {
 using NglPromptFunc = int (*)(const char* message);
 using NglClipPlaneFunc = int (*)();
 using NglGetActiveTextureAttribProc = RenderTextureAttributes* (*)(unsigned int unit, float a, float b);
+
+/// Text functions of the host, which alone knows fonts. A font is the host's handle, null its default one.
+/// Sizes are in pixels. The two flags of the drawing functions are the host's own; the library passes them
+/// on.
+using NglDrawTextFunc = void (*)(const _NgPoint3Str* point, const wchar_t* text, NgColorLong color, bool flag,
+                                 void* font, bool otherFlag);
+using NglGetTextDimFunc = void (*)(int* width, int* height, const wchar_t* text, void* font);
+using NglGetTextAscentDescentFunc = void (*)(const wchar_t* text, int* ascent, int* descent, void* font);
 
 // --- scope objects -----------------------------------------------------------------------------------------
 
@@ -449,3 +458,48 @@ NRENDERUTL_API void NglWrapBindTexture(int target, unsigned int texture);
 NRENDERUTL_API void NglWrapEnableTexture(int target);
 NRENDERUTL_API void NglWrapDisableTexture(int target);
 NRENDERUTL_API void NglWrapSetTextureColor(float s, float t);
+
+// --- line attributes ---------------------------------------------------------------------------------------
+
+/// Line width in pixels; below 1 counts as 1. A width or style that is current already is not issued again.
+/// The width is 0 until one is set, and what others issue to GL is not noticed.
+NRENDERUTL_API void ngl_set_line_width(int width);
+NRENDERUTL_API int ngl_get_line_width();
+/// GL's stipple pattern: 1 dash-dot, 2 dashes, 4 sparse dots, 5 fine dashes, anything else solid. Stippling
+/// itself is the caller's to enable. The style is 0 until one is set.
+NRENDERUTL_API void ngl_set_line_style(int style);
+NRENDERUTL_API int ngl_get_line_style();
+
+// --- text --------------------------------------------------------------------------------------------------
+// Drawn and measured by the host's functions. Narrow text is UTF-8. Without the function that a call needs,
+// or with a null narrow text, nothing happens. Points are in model space, colours packed.
+
+/// Null keeps the function that is registered.
+NRENDERUTL_API void NglRegisterDrawTextFunc(NglDrawTextFunc func);
+NRENDERUTL_API void NglRegisterDrawMultiLineTextFunc(NglDrawTextFunc func);
+NRENDERUTL_API void NglRegisterGetTextDimFunc(NglGetTextDimFunc func);
+NRENDERUTL_API void NglRegisterGetTextAscentDescentFunc(NglGetTextAscentDescentFunc func);
+
+/// In the current packed colour, or in that of the current index by its contrast to the window.
+NRENDERUTL_API void ngl_text_3d(double x, double y, double z, const char* text);
+NRENDERUTL_API void ngl_text_3d_p(const _NgPoint3Str* point, const char* text);
+NRENDERUTL_API void ngl_text_3d_p_based_on_win_color(const _NgPoint3Str* point, const char* text);
+NRENDERUTL_API void ngl_text_3d_p_nocolor(const _NgPoint3Str* point, NgColorLong color, const char* text,
+                                          int flag);
+NRENDERUTL_API void ngl_draw_text_given_font(const _NgPoint3Str* point, void* font, NgColorLong color,
+                                             const char* text, int flag);
+NRENDERUTL_API void ngl_draw_text(const _NgPoint3Str* point, const wchar_t* text, NgColorLong color,
+                                  bool flag, void* font, bool otherFlag);
+/// The same without the scissor test, which is as before afterwards.
+NRENDERUTL_API void ngl_draw_text_unclipped(const _NgPoint3Str* point, const wchar_t* text, NgColorLong color,
+                                            bool flag, void* font, bool otherFlag);
+NRENDERUTL_API void ngl_text_multi_line(const _NgPoint3Str* point, const char* text, void* font,
+                                        NgColorLong color);
+NRENDERUTL_API void ngl_text_multi_line(const _NgPoint3Str* point, const wchar_t* text, NgColorLong color,
+                                        bool flag, void* font, bool otherFlag);
+/// Width and height in pixels. Both return 0; without a measuring function the results stay as they are.
+NRENDERUTL_API int ngl_get_text_dimension(int* width, int* height, const char* text, void* font);
+NRENDERUTL_API int ngl_get_text_dim(int* width, int* height, const char* text);
+NRENDERUTL_API void ngl_get_text_size(int* width, int* height, const wchar_t* text, void* font);
+/// Extents above and below the base line, in pixels.
+NRENDERUTL_API void ngl_get_text_ascent_descent(const wchar_t* text, int* ascent, int* descent, void* font);
