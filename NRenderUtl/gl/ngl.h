@@ -503,3 +503,17 @@ NRENDERUTL_API int ngl_get_text_dim(int* width, int* height, const char* text);
 NRENDERUTL_API void ngl_get_text_size(int* width, int* height, const wchar_t* text, void* font);
 /// Extents above and below the base line, in pixels.
 NRENDERUTL_API void ngl_get_text_ascent_descent(const wchar_t* text, int* ascent, int* descent, void* font);
+
+// --- overlays ----------------------------------------------------------------------------------------------
+// Shapes in window pixels (y upward) on top of the scene, or at the depth of a model point where one is
+// given: its window depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
+// In the current GL colour; return 0.
+
+/// A convex polygon or an open chain of lines; nothing from fewer than 2 points. Translucent polygons have
+/// alpha 50, which the current packed colour keeps; blending is off, with factors one and zero, and depth
+/// writes are on afterwards.
+NRENDERUTL_API int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled,
+                                           bool translucent, const _NgPoint3Str* depthAt);
+NRENDERUTL_API int ngl_draw_line_on_screen(int x0, int y0, int x1, int y1, const _NgPoint3Str* depthAt);
+NRENDERUTL_API int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float radius, bool filled,
+                                             bool translucent, const _NgPoint3Str* depthAt);

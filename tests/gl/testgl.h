@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 #include "NRenderUtl/gl/nglrecord.h"
 #include "tests/support/glsnapshot.h"
@@ -43,6 +44,23 @@ inline void expectNear(const _NgPoint3Str& a, const _NgPoint3Str& b, double tole
     EXPECT_NEAR(a.x, b.x, tolerance);
     EXPECT_NEAR(a.y, b.y, tolerance);
     EXPECT_NEAR(a.z, b.z, tolerance);
+}
+
+/// Ends of the lines that a call draws, in window coordinates and two for each, as GL feeds them back.
+template <class Draw>
+std::vector<_NgFPoint3Str> fedBackLines(Draw&& draw) {
+    std::vector<GLfloat> fed(1 << 16);
+    glFeedbackBuffer(static_cast<GLsizei>(fed.size()), GL_3D, fed.data());
+    glRenderMode(GL_FEEDBACK);
+    draw();
+    fed.resize(glRenderMode(GL_RENDER));
+    std::vector<_NgFPoint3Str> ends;
+    for (std::size_t i = 0; i < fed.size(); i += 7) {
+        EXPECT_TRUE(fed[i] == GL_LINE_TOKEN || fed[i] == GL_LINE_RESET_TOKEN) << fed[i];
+        ends.push_back({fed[i + 1], fed[i + 2], fed[i + 3]});
+        ends.push_back({fed[i + 4], fed[i + 5], fed[i + 6]});
+    }
+    return ends;
 }
 
 /// What callbacks of the case wrote.
