@@ -386,10 +386,6 @@ NRENDERUTL_API int ngl_get_3D_clip_pt_at_given_depth(_NgPoint3Str* point, double
 /// Model point dx pixels left of and dy pixels above a model point on the screen, which is taken at whole
 /// pixels, and in the plane through that point across the ray.
 NRENDERUTL_API void ngl_get_offset_pt_in_screen(_NgPoint3Str* point, int dx, int dy, _NgPoint3Str* out);
-/// Model point under a screen point, in the plane through a reference point across the ray. Returns 1; 0,
-/// with the reference point as result, when the ray has no direction.
-NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(_NgPoint3Str* reference, int sx, int sy,
-                                                    _NgPoint3Str* out);
 
 // --- framebuffers ------------------------------------------------------------------------------------------
 
@@ -503,6 +499,46 @@ NRENDERUTL_API int ngl_get_text_dim(int* width, int* height, const char* text);
 NRENDERUTL_API void ngl_get_text_size(int* width, int* height, const wchar_t* text, void* font);
 /// Extents above and below the base line, in pixels.
 NRENDERUTL_API void ngl_get_text_ascent_descent(const wchar_t* text, int* ascent, int* descent, void* font);
+
+// --- screen picking ----------------------------------------------------------------------------------------
+// From a screen point (pixels, y downward) to model space, by the record and its viewport as in the
+// conversions above. Planes are a x + b y + c z + d = 0, of any length of normal. Inputs may be outputs.
+
+/// Ray through a screen point: the same as NglGetViewVector.
+NRENDERUTL_API int MathGetViewVector(int sx, int sy, double* px, double* py, double* pz, double* qx,
+                                     double* qy, double* qz);
+/// Where that ray's line meets a plane. Return 0; -1, out unchanged, when they are parallel or the plane has
+/// no normal.
+NRENDERUTL_API int MathGetPlanePoint(_NgPoint3Str* out, double a, double b, double c, double d, int sx,
+                                     int sy);
+NRENDERUTL_API int MathPickPointOnPlaneEqn(double a, double b, double c, double d, int sx, int sy,
+                                           _NgPoint3Str* out);
+/// Where it meets the plane through an array of three points; also -1, with a message on standard output,
+/// when they lie on one line.
+NRENDERUTL_API int MathGetPointOnPlane(const _NgPoint3Str* points, int sx, int sy, _NgPoint3Str* out);
+/// Where it meets the plane through a reference point across the ray itself. Returns 1; 0, with the reference
+/// point as result, when the ray has no direction.
+NRENDERUTL_API int MathGet3dPtFromClickPtGivenRefPt(const _NgPoint3Str* reference, int sx, int sy,
+                                                    _NgPoint3Str* out);
+/// Where it meets a plane within a box. Return 0; 24, out unchanged, when the ray is less than 2 degrees from
+/// parallel to the plane; 24, with the point, when that is not strictly inside the box; -1 as above.
+NRENDERUTL_API int MathDblGetPlanePoint(int sx, int sy, const double* a, const double* b, const double* c,
+                                        const double* d, const _NgPoint3Str* min, const _NgPoint3Str* max,
+                                        _NgPoint3Str* out);
+NRENDERUTL_API int __MathGetPlanePoint(int sx, int sy, double a, double b, double c, double d,
+                                       const _NgPoint3Str* min, const _NgPoint3Str* max, _NgPoint3Str* out);
+/// Plane through a point across the viewing direction, its unit normal towards the viewer.
+NRENDERUTL_API void MathGetViewPlaneFromPoint(const _NgPoint3Str* p, double* a, double* b, double* c,
+                                              double* d);
+/// Point of the line through a and b nearest to a screen point: found on the screen and taken over as a
+/// fraction, which is exact in orthographic views. It may lie beyond a or b. Returns 0; 1, with a as result,
+/// when a and b are less than a pixel apart in both directions.
+NRENDERUTL_API int MathGetNearestPointOnLineFromScreenPt(const _NgPoint3Str* a, const _NgPoint3Str* b, int sx,
+                                                         int sy, _NgPoint3Str* out);
+/// The line across the record's orthographic box under a screen point, from its near to its far side.
+NRENDERUTL_API void NglGetLineFromScreenPt(int sx, int sy, _NgPoint3Str* p, _NgPoint3Str* q);
+/// Model space turned by the record's view, without its translation.
+NRENDERUTL_API void MathTransformWorldToView(const _NgPoint3Str* in, _NgPoint3Str* out);
 
 // --- overlays ----------------------------------------------------------------------------------------------
 // Shapes in window pixels (y upward) on top of the scene, or at the depth of a model point where one is

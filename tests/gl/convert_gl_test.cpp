@@ -3,42 +3,12 @@
 #include <cmath>
 #include <utility>
 
-#include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostmath.h"
-#include "tests/gl/testgl.h"
+#include "tests/gl/testview.h"
 
 using namespace nrutest;
 
 namespace {
-
-std::array kViewport{8, 12, 50, 40};
-
-struct View {
-    Matrix modelView, projection;
-
-    _NgPoint3Str windowOf(const _NgPoint3Str& p) const {
-        _NgPoint3Str w;
-        gluProject(p.x, p.y, p.z, modelView.data(), projection.data(), kViewport.data(), &w.x, &w.y, &w.z);
-        return w;
-    }
-    /// With y downward from the viewport's fourth value.
-    _NgPoint3Str screenOf(const _NgPoint3Str& p) const {
-        const _NgPoint3Str w = windowOf(p);
-        return {w.x, kViewport[3] - w.y, w.z};
-    }
-};
-
-View setLiveView(bool perspective, double angle) {
-    glViewport(kViewport[0], kViewport[1], kViewport[2], kViewport[3]);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    perspective ? glFrustum(-1, 2, -1.5, 1, 2, 40) : glOrtho(-4, 6, -5, 3, -20, 30);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
-    glTranslated(0.5, -1, -9);
-    glRotated(angle, 1, 2, -0.5);
-    return {liveMatrix(), liveMatrix(GL_PROJECTION_MATRIX)};
-}
 
 class Convert : public GlTest {
 protected:
