@@ -553,3 +553,8 @@ NRENDERUTL_API int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points
 NRENDERUTL_API int ngl_draw_line_on_screen(int x0, int y0, int x1, int y1, const _NgPoint3Str* depthAt);
 NRENDERUTL_API int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float radius, bool filled,
                                              bool translucent, const _NgPoint3Str* depthAt);
+/// A line (kind 0) or a rectangle along the model's x and y axes (kind 1) between two screen points (y
+/// downward), by XOR into the front buffer, or into the framebuffer object that is bound: drawing it again
+/// erases it. Afterwards the back buffer is drawn to, if the window has one, the colour index is 63 and the
+/// line width 2.
+NRENDERUTL_API void ngl_draw_rubber(int kind, int x0, int y0, int x1, int y1);

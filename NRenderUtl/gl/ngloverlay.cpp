@@ -13,24 +13,6 @@ constexpr NgColorLong kTranslucentAlpha = 0x32000000;
 constexpr int kCircleSteps = 360;
 constexpr double kRadPerDeg = 0.017453293005625408; // pi / 180 rounded to single precision
 
-/// Lifts what is drawn on top of the scene.
-class NoDepthTestGuard {
-public:
-    NoDepthTestGuard() : m_was(ngl_is_depth_test_enabled() != 0) {
-        if (m_was)
-            ngl_disable_depth_test();
-    }
-    ~NoDepthTestGuard() {
-        if (m_was)
-            ngl_enable_depth_test();
-    }
-    NoDepthTestGuard(const NoDepthTestGuard&) = delete;
-    NoDepthTestGuard& operator=(const NoDepthTestGuard&) = delete;
-
-private:
-    const bool m_was;
-};
-
 /// One unit a pixel, y upward.
 class PixelViewGuard {
 public:

@@ -1,6 +1,8 @@
 // GL state that drawing changes for the length of a block.
 #pragma once
 
+#include <initializer_list>
+
 #include <epoxy/gl.h>
 
 #include "NRenderUtl/gl/ngl.h"
@@ -15,6 +17,24 @@ public:
 
 private:
     static void set(bool on) { on ? glEnable(GL_LIGHTING) : glDisable(GL_LIGHTING); }
+    const bool m_was;
+};
+
+/// On top of the scene: no depth test.
+class NoDepthTestGuard {
+public:
+    NoDepthTestGuard() : m_was(ngl_is_depth_test_enabled() != 0) {
+        if (m_was)
+            ngl_disable_depth_test();
+    }
+    ~NoDepthTestGuard() {
+        if (m_was)
+            ngl_enable_depth_test();
+    }
+    NoDepthTestGuard(const NoDepthTestGuard&) = delete;
+    NoDepthTestGuard& operator=(const NoDepthTestGuard&) = delete;
+
+private:
     const bool m_was;
 };
 
