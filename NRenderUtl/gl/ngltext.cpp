@@ -29,6 +29,21 @@ void drawNarrow(const _NgPoint3Str* point, const char* text, NgColorLong color, 
         functions().draw(point, hostWiden(text).c_str(), color, flag, font, false);
 }
 
+/// No scissor test for the length of a block.
+class UnclippedScope {
+public:
+    UnclippedScope() : m_scissored(glIsEnabled(GL_SCISSOR_TEST)) { glDisable(GL_SCISSOR_TEST); }
+    ~UnclippedScope() {
+        if (m_scissored)
+            glEnable(GL_SCISSOR_TEST);
+    }
+    UnclippedScope(const UnclippedScope&) = delete;
+    UnclippedScope& operator=(const UnclippedScope&) = delete;
+
+private:
+    const bool m_scissored;
+};
+
 } // namespace
 
 void NglRegisterDrawTextFunc(NglDrawTextFunc func) {
@@ -82,12 +97,8 @@ void ngl_draw_text_unclipped(const _NgPoint3Str* point, const wchar_t* text, NgC
                              void* font, bool otherFlag) {
     if (!functions().draw)
         return;
-    const bool scissored = glIsEnabled(GL_SCISSOR_TEST);
-    if (scissored)
-        glDisable(GL_SCISSOR_TEST);
+    const UnclippedScope unclipped;
     ngl_draw_text(point, text, color, flag, font, otherFlag);
-    if (scissored)
-        glEnable(GL_SCISSOR_TEST);
 }
 
 void ngl_text_multi_line(const _NgPoint3Str* point, const char* text, void* font, NgColorLong color) {
