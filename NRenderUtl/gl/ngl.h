@@ -466,6 +466,70 @@ NRENDERUTL_API int ngl_get_line_width();
 NRENDERUTL_API void ngl_set_line_style(int style);
 NRENDERUTL_API int ngl_get_line_style();
 
+// --- primitives --------------------------------------------------------------------------------------------
+// Drawn at once, in the current GL colour and texture coordinate. Doubles are narrowed to float where nothing
+// else is said. _s takes arrays of points, _p arrays of pointers to points. Without points, or where an array
+// is null, nothing happens.
+
+NRENDERUTL_API void ngl_point_2d(double x, double y);
+NRENDERUTL_API void ngl_point_2d_s(const _NgPoint2Str* point);
+NRENDERUTL_API void ngl_point_3d(double x, double y, double z);
+NRENDERUTL_API void ngl_point_3d_s(const _NgPoint3Str* point);
+/// These set GL's point size, in pixels, and leave it. The arrays are sent as they are, doubles as doubles;
+/// a count of 0 or less does nothing.
+NRENDERUTL_API void ngl_point_3dGivenSize(double x, double y, double z, float size);
+NRENDERUTL_API void ngl_point_3d_given_size(int count, const _NgPoint3Str* points, float size);
+NRENDERUTL_API void ngl_point_3f_given_size(int count, const _NgFPoint3Str* points, float size);
+
+NRENDERUTL_API void ngl_line_2d(double x0, double y0, double x1, double y1);
+NRENDERUTL_API void ngl_line_2d_s(const _NgPoint2Str* p, const _NgPoint2Str* q);
+NRENDERUTL_API void ngl_line_3d(double x0, double y0, double z0, double x1, double y1, double z1);
+NRENDERUTL_API void ngl_line_3d_s(const _NgPoint3Str* p, const _NgPoint3Str* q);
+NRENDERUTL_API void ngl_line_3f_s(const _NgFPoint3Str* p, const _NgFPoint3Str* q);
+/// Lines between points 0 and 1, 2 and 3, ... A last point without partner is paired with what stands behind
+/// it: give an even count.
+NRENDERUTL_API void ngl_lines_2d_s(const _NgPoint2Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_lines_2d_p(const _NgPoint2Str* const* points, std::uint64_t count);
+NRENDERUTL_API void ngl_lines_3d_s(const _NgPoint3Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_lines_3d_p(const _NgPoint3Str* const* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polyline_2d_s(const _NgPoint2Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polyline_2d_p(const _NgPoint2Str* const* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polyline_3d_s(const _NgPoint3Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polyline_3d_p(const _NgPoint3Str* const* points, std::uint64_t count);
+
+/// Filled convex polygons.
+NRENDERUTL_API void ngl_polygon_2d_s(const _NgPoint2Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polygon_2d_p(const _NgPoint2Str* const* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polygon_3d_s(const _NgPoint3Str* points, std::uint64_t count);
+NRENDERUTL_API void ngl_polygon_3d_p(const _NgPoint3Str* const* points, std::uint64_t count);
+/// The same with a normal for each vertex; GL's current normal is as before afterwards.
+NRENDERUTL_API void ngl_polygon_3d_s_with_vertex_array(const _NgPoint3Str* points,
+                                                       const _NgPoint3Str* normals, std::uint64_t count);
+/// Any plane polygon of at least 3 points, seen from either side, filled where its outline encloses a pixel
+/// an odd number of times. Needs a stencil buffer, which it clears. Afterwards the stencil test is off, and
+/// all else as before. The second sends doubles as doubles.
+NRENDERUTL_API void ngl_concave_polygon_3d(const double* x, const double* y, const double* z,
+                                           std::uint64_t count);
+NRENDERUTL_API void ngl_concave_polygon_3d_s(const _NgPoint3Str* points, std::uint64_t count);
+
+/// A convex polygon or a polyline with a packed colour for each point, mixed smoothly in between. GL's colour
+/// and shade model are as before afterwards.
+NRENDERUTL_API void ngl_shade_polygon_3d(const _NgPoint3Str* points, const NgColorLong* colors,
+                                         std::uint64_t count);
+NRENDERUTL_API void ngl_shade_polyline_3d(const _NgPoint3Str* points, const NgColorLong* colors,
+                                          std::uint64_t count);
+/// An unlit polyline with a value of the contour for each point, as its texture coordinate (value, 0): in the
+/// colours of NglEnableTexture. Points as three arrays, records, pointers to records, or float records. GL's
+/// lighting and texture coordinate are as before afterwards.
+NRENDERUTL_API void ngl_curve_contour_draw(const double* x, const double* y, const double* z,
+                                           const float* values, std::uint64_t count);
+NRENDERUTL_API void ngl_curve_contour_draw_s(const _NgPoint3Str* points, const float* values,
+                                             std::uint64_t count);
+NRENDERUTL_API void ngl_curve_contour_draw_p(const _NgPoint3Str* const* points, const float* values,
+                                             std::uint64_t count);
+NRENDERUTL_API void ngl_curve_contour_draw_f(const _NgFPoint3Str* points, const float* values,
+                                             std::uint64_t count);
+
 // --- text --------------------------------------------------------------------------------------------------
 // Drawn and measured by the host's functions. Narrow text is UTF-8. Without the function that a call needs,
 // or with a null narrow text, nothing happens. Points are in model space, colours packed.
