@@ -622,3 +622,17 @@ NRENDERUTL_API int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float r
 /// erases it. Afterwards the back buffer is drawn to, if the window has one, the colour index is 63 and the
 /// line width 2.
 NRENDERUTL_API void ngl_draw_rubber(int kind, int x0, int y0, int x1, int y1);
+
+// --- tubes -------------------------------------------------------------------------------------------------
+// GLE's own functions of these names, found in libgle.so.3 at the first call; GL/gle.h may be included too.
+// Without that library there is one console message, nothing is drawn and the join style is 0.
+
+extern "C" {
+/// A tube of a radius along a polyline: the first and the last of count points only give the directions of
+/// its ends. colors: red, green and blue of each point, or null for the current colour.
+NRENDERUTL_API void glePolyCylinder(int count, double points[][3], float colors[][3], double radius);
+/// How segments join, the ends close and normals lie: the sum of one TUBE_JN_ and one TUBE_NORM_ value of
+/// GL/gle.h, and TUBE_JN_CAP.
+NRENDERUTL_API void gleSetJoinStyle(int style);
+NRENDERUTL_API int gleGetJoinStyle();
+}
