@@ -2,35 +2,16 @@
 // mesh, and writes the picture. Usage: offscreen FILE.ppm
 #include <NRenderUtl/NRenderUtl.h>
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
 #include <GL/gl.h>
 
 #include <cstdio>
 #include <vector>
 
+#include "../common/context.h"
+
 namespace {
 
 constexpr int kSize = 256;
-
-// 1. The host owns the context.
-bool makeContext() {
-    const auto getDisplay =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    EGLDisplay display = getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (!eglInitialize(display, nullptr, nullptr) || !eglBindAPI(EGL_OPENGL_API))
-        return false;
-    const EGLint wanted[] = {
-        EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_DEPTH_SIZE, 24, EGL_NONE};
-    const EGLint size[] = {EGL_WIDTH, kSize, EGL_HEIGHT, kSize, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    if (!eglChooseConfig(display, wanted, &config, 1, &count) || count == 0)
-        return false;
-    EGLSurface surface = eglCreatePbufferSurface(display, config, size);
-    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-    return eglMakeCurrent(display, surface, surface, context);
-}
 
 // 2. The host sets its view up in OpenGL and lets the library read it back.
 void setView() {
@@ -110,7 +91,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s FILE.ppm\n", argv[0]);
         return 2;
     }
-    if (!makeContext()) {
+    if (!makeContext(kSize, kSize)) { // 1. The host owns the context.
         std::fprintf(stderr, "%s: no OpenGL context\n", argv[0]);
         return 2;
     }
