@@ -3,6 +3,8 @@
 // context.
 #pragma once
 
+#include <vector>
+
 #include "NRenderUtl/ntypes.h"
 
 class RenderTextureAttributes;
@@ -617,11 +619,28 @@ NRENDERUTL_API int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points
 NRENDERUTL_API int ngl_draw_line_on_screen(int x0, int y0, int x1, int y1, const _NgPoint3Str* depthAt);
 NRENDERUTL_API int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float radius, bool filled,
                                              bool translucent, const _NgPoint3Str* depthAt);
+
 /// A line (kind 0) or a rectangle along the model's x and y axes (kind 1) between two screen points (y
 /// downward), by XOR into the front buffer, or into the framebuffer object that is bound: drawing it again
 /// erases it. Afterwards the back buffer is drawn to, if the window has one, the colour index is 63 and the
 /// line width 2.
 NRENDERUTL_API void ngl_draw_rubber(int kind, int x0, int y0, int x1, int y1);
+
+/// Arc in model space about the line from center to center + axis, of sweep degrees in n steps (n above 0)
+/// from the direction that twist, in degrees, turns to. A zero axis counts as the model's z.
+NRENDERUTL_API void NglDrawArc(const _NgPoint3Str* center, const _NgPoint3Str* axis, double radius,
+                               double twist, double sweep, int n);
+/// Spheres of radii in pixels around model points: centres as 3 floats each, or as points. textured: in the
+/// colours of NglEnableTexture, at the texture coordinate (value, 0), or at that of a flag: (0, 0.25) for the
+/// first, (0, 0.5) for the second, which counts when both are set. What an array lacks, or a null one, is 0.
+/// Leave smooth shading and the normalisation of normals on.
+NRENDERUTL_API void NglDrawSpheresWithRadius(int count, const float* centers, const float* radii,
+                                             const float* values, int textured, int a, int b);
+NRENDERUTL_API void NglDrawSpheres(const std::vector<_NgFPoint3Str>& centers, const std::vector<float>& radii,
+                                   const std::vector<float>& values, int textured, int a, int b);
+/// The same with one radius for all.
+NRENDERUTL_API void NglDrawSpheres(int count, const _NgFPoint3Str* centers, float radius, const float* values,
+                                   int textured, int a, int b);
 
 // --- tubes -------------------------------------------------------------------------------------------------
 // GLE's own functions of these names, found in libgle.so.3 at the first call; GL/gle.h may be included too.
