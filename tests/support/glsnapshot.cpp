@@ -24,7 +24,9 @@ const std::pair<const char*, std::vector<GLenum>> kGroups[] = {
     {"current value", {GL_CURRENT_COLOR, GL_CURRENT_NORMAL, GL_CURRENT_TEXTURE_COORDS}},
     {"fragment operation",
      {GL_BLEND_SRC, GL_BLEND_DST, GL_COLOR_WRITEMASK, GL_DEPTH_FUNC, GL_DEPTH_WRITEMASK, GL_LOGIC_OP_MODE,
-      GL_SCISSOR_BOX, GL_STENCIL_FUNC}},
+      GL_SCISSOR_BOX, GL_STENCIL_BACK_FAIL, GL_STENCIL_BACK_FUNC, GL_STENCIL_CLEAR_VALUE, GL_STENCIL_FAIL,
+      GL_STENCIL_FUNC, GL_STENCIL_PASS_DEPTH_FAIL, GL_STENCIL_PASS_DEPTH_PASS, GL_STENCIL_REF,
+      GL_STENCIL_VALUE_MASK, GL_STENCIL_WRITEMASK}},
     {"shape and shading",
      {GL_LIGHT_MODEL_AMBIENT, GL_LIGHT_MODEL_TWO_SIDE, GL_LINE_WIDTH, GL_POINT_SIZE, GL_POLYGON_MODE,
       GL_SHADE_MODEL}},
@@ -43,7 +45,9 @@ bool isAvailable(GLenum query) {
         return epoxy_gl_version() >= 30;
     if (query == GL_FRAMEBUFFER_BINDING)
         return epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object");
-    return query != GL_CURRENT_PROGRAM || epoxy_gl_version() >= 20;
+    const bool isSinceGl20 =
+        query == GL_CURRENT_PROGRAM || query == GL_STENCIL_BACK_FAIL || query == GL_STENCIL_BACK_FUNC;
+    return !isSinceGl20 || epoxy_gl_version() >= 20;
 }
 
 } // namespace
