@@ -66,29 +66,26 @@ TEST_F(PickGeometry, PlanesAreMetUnderTheCursor) {
             EXPECT_NEAR(2 * out.x - out.y + 3 * out.z, 12, 1e-9) << i;
         }
         const _NgPoint3Str n = MathCross(MathDifference(q, p), {1, 0, 0}); // parallel to the ray
+        const _NgPoint3Str onLine[] = {{0, 1, 2}, {1, 2, 3}, {3, 4, 5}};
         out = kUntouched;
+        ::testing::internal::CaptureStdout();
         EXPECT_EQ(MathGetPlanePoint(&out, n.x, n.y, n.z, 1, kSx, kSy), -1);
+        EXPECT_EQ(MathGetPointOnPlane(onLine, kSx, kSy, &out), -1);
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Cannot form Plane equation\n");
         expectNear(out, kUntouched, 0);
     });
 }
 
-TEST_F(PickGeometry, ThreePointsOfOneLineFormNoPlane) {
-    const _NgPoint3Str points[] = {{0, 1, 2}, {1, 2, 3}, {3, 4, 5}};
-    ::testing::internal::CaptureStdout();
-    EXPECT_EQ(MathGetPointOnPlane(points, kSx, kSy, &out), -1);
-    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Cannot form Plane equation\n");
-}
-
 TEST_F(PickGeometry, RaysWithinTwoDegreesOfThePlaneAreRefused) {
     inBothViews([&](bool) {
-        _NgPoint3Str u = MathDifference(q, p), side = MathCross(u, {1, 0, 0});
-        MathNormalise(u);
+        const _NgPoint3Str ray = MathDifference(q, p);
+        _NgPoint3Str side = MathCross(ray, {1, 0, 0});
         MathNormalise(side);
         for (const auto& [angle, code] :
              {std::pair{89.0, 24}, {87.9, 0}, {88.1, 24}, {91.9, 24}, {92.1, 0}}) {
-            const double rad = angle * std::acos(-1) / 180;
+            const double rad = angle * std::acos(-1) / 180, length = MathLength(ray);
             const _NgPoint3Str n =
-                MathAdd(MathScaled(u, 50 * std::cos(rad)), MathScaled(side, 50 * std::sin(rad)));
+                MathAdd(MathScaled(ray, std::cos(rad)), MathScaled(side, length * std::sin(rad)));
             EXPECT_EQ(pickWithin(n, -MathDot(n, mix(p, q, 3))), code) << angle;
             expectNear(out, code == 0 ? mix(p, q, 3) : kUntouched, 1e-8);
         }
@@ -99,21 +96,17 @@ TEST_F(PickGeometry, RaysWithinTwoDegreesOfThePlaneAreRefused) {
 TEST_F(PickGeometry, BoxesHoldOnlyTheirInside) {
     inBothViews([&](bool) {
         ASSERT_EQ(pickWithin(kNormal, -12), 0);
-        const _NgPoint3Str found = out;
+        const _NgPoint3Str found = out, low = MathAdd(found, {-1, -1, -1}), high = MathAdd(found, {1, 1, 1});
         for (double _NgPoint3Str::*axis : {&_NgPoint3Str::x, &_NgPoint3Str::y, &_NgPoint3Str::z})
             for (const double side : {-1.0, 1.0}) {
-                const auto pickAtFace = [&](double bound) {
-                    _NgPoint3Str min = MathAdd(found, {-1, -1, -1}), max = MathAdd(found, {1, 1, 1});
-                    _NgPoint3Str& corner = side < 0 ? min : max;
-                    corner.*axis = bound;
-                    return pickWithin(kNormal, -12, min, max);
-                };
-                EXPECT_EQ(pickAtFace(std::nextafter(found.*axis, side * kInfinity)), 0);
-                EXPECT_EQ(pickAtFace(found.*axis), 24);
+                _NgPoint3Str min = low, max = high, &corner = side < 0 ? min : max;
+                corner.*axis = found.*axis;
+                EXPECT_EQ(pickWithin(kNormal, -12, min, max), 24);
                 expectNear(out, found, 0);
+                corner.*axis = std::nextafter(found.*axis, side * kInfinity);
+                EXPECT_EQ(pickWithin(kNormal, -12, min, max), 0);
             }
-        out = MathAdd(found, {-1, -1, -1});
-        const _NgPoint3Str high = MathAdd(found, {1, 1, 1});
+        out = low;
         EXPECT_EQ(__MathGetPlanePoint(kSx, kSy, 2, -1, 3, -12, &out, &high, &out), 0) << "out is the corner";
         expectNear(out, found, 0);
     });
@@ -133,13 +126,11 @@ TEST_F(PickGeometry, LinesAreFollowedBeyondTheirEndsByTheFractionOnTheScreen) {
         for (const auto& row : rows) {
             SCOPED_TRACE(row.fraction);
             const _NgPoint3Str a = view.modelAt(row.ax, row.ay, 0.1), b = view.modelAt(row.bx, row.by, 0.7);
-            const _NgPoint3Str expected = mix(a, b, row.fraction);
             for (const int aliased : {0, 1, 2}) {
                 _NgPoint3Str ends[] = {a, b, kUntouched};
-                EXPECT_EQ(
-                    MathGetNearestPointOnLineFromScreenPt(&ends[0], &ends[1], row.sx, row.sy, &ends[aliased]),
-                    0);
-                expectNear(ends[aliased], expected, 1e-9);
+                _NgPoint3Str& to = ends[aliased];
+                EXPECT_EQ(MathGetNearestPointOnLineFromScreenPt(ends, ends + 1, row.sx, row.sy, &to), 0);
+                expectNear(to, mix(a, b, row.fraction), 1e-9);
             }
         }
         const _NgPoint3Str a = view.modelAt(10, 20, 0.1), b = view.modelAt(10.99, 19.01, 0.7);

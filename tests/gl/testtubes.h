@@ -23,11 +23,9 @@ inline Tubes tubesOf(void* handle) {
             reinterpret_cast<decltype(Tubes::getStyle)>(dlsym(handle, "gleGetJoinStyle"))};
 }
 
-/// Three segments of a lit tube, one for each colour given or in the current one, over a blank 64 x 64
-/// pixels.
+/// A lit tube along the path's first points, coloured or in the current colour, on 64 x 64 pixels.
 inline Picture drawTube(const Tubes& tubes, int points, bool colored) {
-    double path[][3] = {{-1, -0.5, 0},    {-0.6, -0.5, 0}, {0.2, -0.4, 0.3},
-                        {0.4, 0.6, -0.2}, {-0.7, 0.5, 0},  {-1, 0.5, 0}};
+    double path[][3] = {{-1, -.5, 0}, {-.6, -.5, 0}, {.2, -.4, .3}, {.4, .6, -.2}, {-.7, .5, 0}, {-1, .5, 0}};
     float colors[][3] = {{1, 1, 1}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 1, 0}, {1, 1, 1}};
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     for (const GLenum state : {GL_LIGHTING, GL_LIGHT0, GL_COLOR_MATERIAL, GL_DEPTH_TEST})
