@@ -68,6 +68,13 @@ std::array<double, 16> perspective(double halfWidth, double halfHeight, double n
     return m;
 }
 
+/// Adds multiples of the last row, that of the divisor.
+void shiftPicture(std::array<double, 16>& projection, const std::array<double, 2>& shift) {
+    for (int column = 0; column < 4; ++column)
+        for (int k = 0; k < 2; ++k)
+            projection[4 * column + k] += shift[k] * projection[4 * column + 3];
+}
+
 } // namespace
 
 void Bounds::add(const Point& point) {
@@ -126,6 +133,19 @@ Camera fitCamera(const ViewAxes& axes, const Bounds& bounds, double aspect, bool
     return camera;
 }
 
+Camera fitCamera(const ViewAxes& axes, const Bounds& bounds, const PictureArea& area, bool perspective) {
+    const double width = area.width - area.left, height = area.height - area.top;
+    Camera camera = fitCamera(axes, bounds, width / height, perspective);
+    camera.halfHeight *= area.height / height;
+    centreCamera(camera, area);
+    return camera;
+}
+
+void centreCamera(Camera& camera, const PictureArea& area) {
+    camera.shift = {static_cast<double>(area.left) / area.width,
+                    -static_cast<double>(area.top) / area.height};
+}
+
 void turnCamera(Camera& camera, double rightRad, double upRad) {
     ViewAxes& axes = camera.axes;
     axes.right = unit(rotated(axes.right, axes.up, -rightRad));
@@ -170,6 +190,7 @@ ViewMatrices viewMatrices(const Camera& camera, const Bounds& bounds, double asp
     view.projection = camera.perspective ? perspective(aspect * halfHeight / camera.distance,
                                                        halfHeight / camera.distance, near, far)
                                          : orthographic(aspect * halfHeight, halfHeight, near, far);
+    shiftPicture(view.projection, camera.shift);
     return view;
 }
 

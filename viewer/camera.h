@@ -31,10 +31,22 @@ struct Camera {
     double distance = 1.0;   ///< from the eye to the target
     double halfHeight = 1.0; ///< of the picture, in model length at the target
     bool perspective = false;
+    std::array<double, 2> shift{}; ///< of the target from the picture's middle, in half pictures
+};
+
+/// A picture in pixels and what labels take of it from its left and its top.
+struct PictureArea {
+    int width = 1, height = 1;
+    int left = 0, top = 0;
+    double aspect() const { return static_cast<double>(width) / height; }
 };
 
 /// Frames a box: all of it lies within the picture, with a small margin. aspect is width / height.
 Camera fitCamera(const ViewAxes& axes, const Bounds& bounds, double aspect, bool perspective);
+/// The same within the part of a picture that labels leave.
+Camera fitCamera(const ViewAxes& axes, const Bounds& bounds, const PictureArea& area, bool perspective);
+/// Moves the target to the middle of what labels leave, also after the picture's size has changed.
+void centreCamera(Camera& camera, const PictureArea& area);
 /// Turns the camera about its target, as a drag by these angles (radians, to the right and upward) would.
 void turnCamera(Camera& camera, double rightRad, double upRad);
 

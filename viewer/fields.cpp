@@ -233,6 +233,16 @@ std::vector<StepSeries> stepSeries(const Model& model) {
     return all;
 }
 
+std::optional<int> stepOfField(const Model& model, const Field& field) {
+    const auto index = static_cast<std::size_t>(&field - model.fields.data());
+    for (const StepSeries& series : stepSeries(model)) {
+        const auto found = std::find(series.fields.begin(), series.fields.end(), index);
+        if (found != series.fields.end())
+            return static_cast<int>(found - series.fields.begin());
+    }
+    return {};
+}
+
 void checkStep(const Model& model, int step) {
     std::size_t steps = 1;
     for (const StepSeries& series : stepSeries(model))

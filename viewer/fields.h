@@ -23,6 +23,9 @@ struct StepSeries {
 };
 std::vector<StepSeries> stepSeries(const Model& model);
 
+/// The step of its series that a field is, from 0; nothing when it belongs to none.
+std::optional<int> stepOfField(const Model& model, const Field& field);
+
 /// Throws ViewerError for a step that no series of the model has; a model without series has step 0.
 void checkStep(const Model& model, int step);
 

@@ -10,6 +10,7 @@
 
 #include "viewer/error.h"
 #include "viewer/frame.h"
+#include "viewer/labels.h"
 #include "viewer/listing.h"
 #include "viewer/messages.h"
 #include "viewer/offscreen.h"
@@ -31,11 +32,13 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
     if (const std::string reason = context.create(options.width, options.height); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
     const LibrarySession session(options.fixed);
-    const double aspect = static_cast<double>(options.width) / options.height;
-    const Camera camera = fitCamera(options.view, shown.bounds, aspect, options.perspective);
-    beginFrame(camera, shown.bounds, options.width, options.height, options.background);
     Scene scene(shown, options.scene);
+    PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
+    const PictureArea area = labels.area(options.width, options.height);
+    const Camera camera = fitCamera(options.view, shown.bounds, area, options.perspective);
+    beginFrame(camera, shown.bounds, options.width, options.height, options.background);
     scene.draw();
+    labels.draw(camera, options.width, options.height, options.background);
     if (options.pick)
         std::cout << describe(shown, pick(shown, (*options.pick)[0], (*options.pick)[1])) << "\n";
     if (options.output.empty())

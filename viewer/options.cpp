@@ -140,6 +140,24 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
     app.add_flag("--fixed", options.fixed, "draw without GLSL programs");
 }
 
+void addLabelOptions(CLI::App& app, Options& options) {
+    LabelSettings& labels = options.labels;
+    const auto takePlain = [&labels](std::int64_t) { labels = {false, false, false, ""}; };
+    CLI::Option* plain =
+        app.add_flag_function("--plain", takePlain, "nothing but the model: no legend, marks, axes or title");
+    addParsed(app, "--legend", labels.legend, parseSwitch, "on|off", "colour bar of a field (default: on)")
+        ->excludes(plain);
+    addParsed(app, "--marks", labels.marks, parseSwitch, "on|off",
+              "where a field is smallest and largest (default: on)")
+        ->excludes(plain);
+    addParsed(app, "--axes", labels.axes, parseSwitch, "on|off", "directions of x, y and z (default: on)")
+        ->excludes(plain);
+    app.add_option("--title", labels.title,
+                   "text above the picture, '' for none (default: the model, the field and its step)")
+        ->option_text("TEXT")
+        ->excludes(plain);
+}
+
 void addReportOptions(CLI::App& app, Options& options) {
     app.add_flag("--list", options.list, "print what is in the file, and draw only if -o is given");
     addParsed(
@@ -163,6 +181,7 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     addContentOptions(app, options);
     addElementOptions(app, options);
     addPictureOptions(app, options, size);
+    addLabelOptions(app, options);
     addReportOptions(app, options);
     try {
         app.parse(argc, argv);

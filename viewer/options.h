@@ -14,6 +14,7 @@ struct Options {
     std::string output; ///< PNG file; empty: a window
     ShownSettings shown;
     SceneSettings scene;
+    LabelSettings labels;
     ViewAxes view = parseView("iso");
     bool perspective = false;
     int width = 1024, height = 768;

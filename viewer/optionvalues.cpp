@@ -111,6 +111,12 @@ std::optional<double> parseDeform(const char* option, const std::string& text) {
     return factor;
 }
 
+bool parseSwitch(const char* option, const std::string& text) {
+    if (text != "on" && text != "off")
+        refuse(option, text, "on or off");
+    return text == "on";
+}
+
 EdgeMode parseEdges(const char* option, const std::string& text) {
     if (text == "all")
         return EdgeMode::All;

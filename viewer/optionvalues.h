@@ -23,6 +23,8 @@ ElementList parseElements(const char* option, const std::string& text);
 ColoredElements parseColored(const char* option, const std::string& text);
 /// "x:0,10"; either number may be missing.
 ElementClip parseClip(const char* option, const std::string& text);
+/// "on" or "off".
+bool parseSwitch(const char* option, const std::string& text);
 int parseLevel(const char* option, const std::string& text);
 
 } // namespace nruview

@@ -61,4 +61,10 @@ struct SceneSettings {
     double opacity = 1.0;
 };
 
+/// What is written on the picture. Legend and marks need a field.
+struct LabelSettings {
+    bool legend = true, marks = true, axes = true;
+    std::optional<std::string> title = {}; ///< nothing: what is shown, in words
+};
+
 } // namespace nruview

@@ -5,11 +5,13 @@
 // epoxy first: it takes the place of the GL header that GLFW would include.
 #include <GLFW/glfw3.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "viewer/error.h"
 #include "viewer/frame.h"
+#include "viewer/labels.h"
 #include "viewer/scene.h"
 
 namespace nruview {
@@ -33,6 +35,7 @@ struct GlfwLibrary {
 struct Interaction {
     const ShownModel& shown;
     const Options& options;
+    PictureLabels& labels;
     Camera camera;
     double lastX = 0.0, lastY = 0.0;
     bool changed = true;
@@ -42,10 +45,10 @@ Interaction& interactionOf(GLFWwindow* window) {
     return *static_cast<Interaction*>(glfwGetWindowUserPointer(window));
 }
 
-double aspectOf(GLFWwindow* window) {
+PictureArea areaOf(GLFWwindow* window, PictureLabels& labels) {
     int width = 0, height = 0;
     glfwGetFramebufferSize(window, &width, &height);
-    return height > 0 ? static_cast<double>(width) / height : 1.0;
+    return labels.area(std::max(width, 1), std::max(height, 1));
 }
 
 void onMove(GLFWwindow* window, double x, double y) {
@@ -69,8 +72,8 @@ void onKey(GLFWwindow* window, int key, int, int action, int) {
     if (action == GLFW_PRESS && key == GLFW_KEY_ESCAPE)
         glfwSetWindowShouldClose(window, GLFW_TRUE);
     if (action == GLFW_PRESS && key == GLFW_KEY_F) {
-        state.camera =
-            fitCamera(state.camera.axes, state.shown.bounds, aspectOf(window), state.options.perspective);
+        state.camera = fitCamera(state.camera.axes, state.shown.bounds, areaOf(window, state.labels),
+                                 state.options.perspective);
         state.changed = true;
     }
 }
@@ -103,17 +106,20 @@ void connect(GLFWwindow* window, Interaction& state) {
 void showWindow(const ShownModel& shown, const Options& options) {
     const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
-    Interaction state{shown, options,
-                      fitCamera(options.view, shown.bounds, aspectOf(window), options.perspective)};
-    connect(window, state);
     const LibrarySession session(options.fixed);
     Scene scene(shown, options.scene);
+    PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
+    Interaction state{shown, options, labels,
+                      fitCamera(options.view, shown.bounds, areaOf(window, labels), options.perspective)};
+    connect(window, state);
     while (!glfwWindowShouldClose(window)) {
         int width = 0, height = 0;
         glfwGetFramebufferSize(window, &width, &height);
         if (state.changed && width > 0 && height > 0) {
+            centreCamera(state.camera, labels.area(width, height));
             beginFrame(state.camera, shown.bounds, width, height, options.background);
             scene.draw();
+            labels.draw(state.camera, width, height, options.background);
             glfwSwapBuffers(window);
             state.changed = false;
         }

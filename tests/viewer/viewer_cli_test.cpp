@@ -120,6 +120,9 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --fail T@cell --fail-level 1.5 => --fail-level",
         "@two.vtk --fail-before none --fail-level 1 => none",
         "@two.vtk --shade round => element",
+        "@two.vtk --legend yes => on or off",
+        "@two.vtk --marks => --marks",
+        "@two.vtk --plain --title T => --plain",
         "@two.vtk --opacity 1.1 => --opacity"};
     for (const std::string& row : rows) {
         SCOPED_TRACE(row);
@@ -144,7 +147,7 @@ TEST_F(ViewerProgram, WhatCannotBeShownOrWrittenIsAnError) {
 
 TEST_F(ViewerProgram, DrawsThePictureThatWasAskedFor) {
     const std::string command =
-        "@two.vtk --field T --step 0 --view xy --edges none --background 102030 --size 200x100 -o @";
+        "@two.vtk --field T --step 0 --view xy --edges none --background 102030 --plain --size 200x100 -o @";
     for (const char* name : {"1.png", "2.png"})
         EXPECT_EQ(nruview(command + name).output, "");
     EXPECT_TRUE(contents("1.png") == contents("2.png"));
@@ -178,6 +181,26 @@ TEST_F(ViewerProgram, DrawsWithoutProgramsWhereAskedTo) {
     EXPECT_FALSE(contents("2.png").empty());
 }
 
+TEST_F(ViewerProgram, LabelsItsPictureAsFarAsThereIsAFontAndAWish) {
+    const std::string command = "@two.vtk --field T --size 400x300 -o @";
+    EXPECT_EQ(nruview(command + "all.png").output, "");
+    const auto noFont = nruview(command + "silent.png", {{"NRUVIEW_FONT", path("none.ttf")}});
+    EXPECT_EQ(noFont.exitCode, 0);
+    EXPECT_EQ(noFont.output,
+              "nruview: font " + path("none.ttf") + ": cannot be read; the picture has no text\n");
+    EXPECT_LT(contents("silent.png").size() + 1000, contents("all.png").size());
+    EXPECT_EQ(nruview(command + "off.png --legend off --marks off --axes off --title ''").output, "");
+    EXPECT_EQ(nruview(command + "plain.png --plain", {{"NRUVIEW_FONT", path("none.ttf")}}).output, "");
+    EXPECT_TRUE(contents("off.png") == contents("plain.png"));
+    EXPECT_EQ(nruview(command + "same.png --title two.vtk,\u00a0T").output, "");
+    std::vector<std::string> pictures = {contents("all.png"), contents("off.png"), contents("same.png")};
+    for (const char* words : {"--legend off", "--marks off", "--axes off", "--title Other"}) {
+        EXPECT_EQ(nruview(command + "1.png " + words).output, "");
+        EXPECT_EQ(std::count(pictures.begin(), pictures.end(), contents("1.png")), 0) << words;
+        pictures.push_back(contents("1.png"));
+    }
+}
+
 TEST_F(ViewerProgram, ListsWhatIsInAFileAndHelps) {
     EXPECT_EQ(nruview("--version").exitCode, 0);
     const auto [exitCode, help] = nruview("--help");
@@ -193,7 +216,7 @@ TEST_F(ViewerProgram, ListsWhatIsInAFileAndHelps) {
 
 // Off the middle, so that a mirrored picture picks something else.
 TEST_F(ViewerProgram, PicksWithoutAWindow) {
-    const std::string command = "@two.vtk --view xy --persp --size 210x210 --pick ";
+    const std::string command = "@two.vtk --view xy --persp --plain --size 210x210 --pick ";
     EXPECT_EQ(nruview(command + "155,105 --field T@cell").output,
               "element 1 (quad) at 1.5 0.5 0.5: T = 2.25\n");
     EXPECT_EQ(nruview(command + "105,54 --field T").output, "node 4 at 1 1 0.5: T = 5\n");

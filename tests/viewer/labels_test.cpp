@@ -1,0 +1,156 @@
+// Numbers, thinned labels, texts as pixels and the picture's free part: all that needs no context.
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "viewer/camera.h"
+#include "viewer/error.h"
+#include "viewer/font.h"
+#include "viewer/hosttext.h"
+#include "viewer/labelnumbers.h"
+#include "viewer/legend.h"
+#include "viewer/marks.h"
+
+using namespace nruview;
+
+TEST(LabelNumbers, AreShortAlikeInFormAndDistinct) {
+    const struct {
+        std::vector<double> values;
+        std::vector<std::string> texts;
+        const char* factor;
+    } rows[] = {
+        {{-150, -75, 0, 75, 150}, {"-150", "-75", "0", "75", "150"}, ""},
+        {{0, 0.25, 0.5}, {"0.00", "0.25", "0.50"}, ""},
+        {{0, 100.0 / 3, 200.0 / 3, 100}, {"0.0", "33.3", "66.7", "100.0"}, ""},
+        {{-1e-17, 0.0833}, {"0.0000", "0.0833"}, ""},
+        {{0.00123, 0.00246}, {"0.00123", "0.00246"}, ""},
+        {{0.000123, 0.000246}, {"123", "246"}, "×10⁻⁶"},
+        {{999.97, 0}, {"1000", "0"}, ""},
+        {{123456, 0}, {"123456", "0"}, ""},
+        {{1.5e6, 2e6}, {"1.5", "2.0"}, "×10⁶"},
+        {{2.1e11, 0}, {"210", "0"}, "×10⁹"},
+        {{1e9 + 1, 1e9 + 2}, {"1.000000001", "1.000000002"}, "×10⁹"},
+        {{300.001, 300.002}, {"300.001", "300.002"}, ""},
+        {{-4e300, -1e300}, {"-4", "-1"}, "×10³⁰⁰"},
+        {{-1.7e308, 1.7e308}, {"-170", "170"}, "×10³⁰⁶"},
+        {{5e-324, 0}, {"4.941", "0.000"}, "×10⁻³²⁴"},
+        {{0, 0}, {"0", "0"}, ""},
+        {{7.25}, {"7.25"}, ""},
+    };
+    for (const auto& row : rows) {
+        const NumberLabels labels = labelNumbers(row.values);
+        EXPECT_EQ(labels.texts, row.texts);
+        EXPECT_EQ(labels.factor, row.factor) << row.texts[0];
+    }
+}
+
+TEST(LabelledLimits, KeepBothEndsAndTheirDistance) {
+    using Limits = std::vector<int>;
+    const struct {
+        int bands, apart;
+        Limits expected;
+    } rows[] = {
+        {1, 1, {0, 1}},
+        {5, 1, {0, 1, 2, 3, 4, 5}},
+        {12, 5, {0, 6, 12}},
+        {64, 7, {0, 8, 16, 24, 32, 40, 48, 56, 64}},
+        {13, 2, {0, 2, 4, 6, 8, 10, 13}}, // a prime: the last distance is longer
+        {7, 9, {0, 7}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(labelledLimits(row.bands, row.apart), row.expected) << row.bands << " by " << row.apart;
+    for (int bands = 1; bands <= 64; ++bands)
+        for (int apart = 1; apart <= bands; ++apart) {
+            const Limits limits = labelledLimits(bands, apart);
+            EXPECT_TRUE(limits.front() == 0 && limits.back() == bands);
+            for (std::size_t i = 1; i < limits.size(); ++i)
+                EXPECT_GE(limits[i] - limits[i - 1], apart) << bands;
+        }
+}
+
+TEST(Font, MeasuresWhatItDraws) {
+    for (const int size : {9, 13, 40}) {
+        Font font(fontFile(), size);
+        EXPECT_GE(font.lineHeight_px(), size);
+        for (const wchar_t* text : {L"Hg", L"-1.50", L"Größe", L"jÂ|", L"10⁻⁶", L"\U0010FFFF"}) {
+            const TextExtent extent = font.extent(text);
+            const TextRaster raster = font.raster(text);
+            EXPECT_EQ(raster.top, extent.ascent);
+            EXPECT_EQ(raster.height, extent.ascent + extent.descent);
+            EXPECT_LE(std::abs(extent.width - raster.width), size / 4 + 2) << "but for the bearings";
+            const auto isInk = [&](int row) {
+                const auto start = raster.coverage.begin() + row * raster.width;
+                return std::any_of(start, start + raster.width, [](unsigned char c) { return c != 0; });
+            };
+            EXPECT_TRUE(isInk(0) && isInk(raster.height - 1)) << "no empty rows";
+        }
+        EXPECT_EQ(font.extent(L"1111111").width, font.extent(L"8888888").width) << "digits stand in columns";
+        EXPECT_EQ(font.extent(L"88").width, 2 * font.extent(L"8").width);
+        EXPECT_GT(font.extent(L"g").descent, 0);
+        EXPECT_EQ(font.extent(L"H").descent, 0);
+        EXPECT_NEAR(font.extent(L"H").ascent, 0.73 * size, 1.0) << "the capitals of DejaVu Sans";
+        EXPECT_TRUE(font.extent(L"").width == 0 && font.raster(L"").coverage.empty());
+    }
+    Font large(fontFile(), 40);
+    EXPECT_LT(large.extent(L"AV").width, large.extent(L"A").width + large.extent(L"V").width) << "kerning";
+    EXPECT_EQ(large.raster(L"\U0010FFFF").coverage, large.raster(L"\U0010FFFE").coverage)
+        << "the missing box";
+    EXPECT_THROW(Font("/no/font.ttf", 13), ViewerError);
+    EXPECT_THROW(Font("/proc/self/exe", 13), ViewerError);
+}
+
+TEST(Extremes, AreThoseOfFiniteValuesThatAreDrawn) {
+    const double inf = INFINITY;
+    const struct {
+        std::vector<double> values;
+        std::vector<std::uint32_t> smallest, largest; ///< none: all are equal
+    } rows[] = {
+        {{3, 1, 2, 9}, {1}, {0}}, // the last node has no element
+        {{NAN, 1, -inf, 9}, {}, {}}, {{NAN, 1, 2, 9}, {1}, {2}},   {{5, -5, 5, 9}, {1}, {0, 2}},
+        {{4, 4, 4, 9}, {}, {}},      {{NAN, NAN, NAN, 9}, {}, {}},
+    };
+    for (const auto& row : rows) {
+        Model model;
+        model.nodes = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}};
+        model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{0, 1, 2});
+        model.fields = {{"T", FieldLocation::Node, 1, row.values}};
+        const auto found = findExtremes(showModel(model, {.field = "T"}));
+        ASSERT_EQ(found.has_value(), !row.smallest.empty());
+        EXPECT_TRUE(!found || ((*found)[0].numbers == row.smallest && (*found)[1].numbers == row.largest));
+    }
+}
+
+TEST(PictureArea, TheModelFitsIntoWhatLabelsLeave) {
+    const Bounds box{{-1, 2, 3}, {5, 4, 8}};
+    for (const PictureArea& area : {PictureArea{800, 600, 0, 0}, {800, 600, 200, 40}, {300, 500, 100, 90}})
+        for (const bool perspective : {false, true})
+            for (const char* view : {"xy", "iso", "-3,1,2"}) {
+                const Camera camera = fitCamera(parseView(view), box, area, perspective);
+                const ViewMatrices m = viewMatrices(camera, box, area.aspect());
+                double left = 1e9, right = -1e9, bottom = 1e9, top = -1e9; // of the corners, in pixels
+                for (unsigned i = 0; i < 8; ++i) {
+                    const std::array<double, 4> p = {i & 1 ? box.high[0] : box.low[0],
+                                                     i & 2 ? box.high[1] : box.low[1],
+                                                     i & 4 ? box.high[2] : box.low[2], 1.0};
+                    std::array<double, 4> eye{}, clip{};
+                    for (int k = 0; k < 16; ++k)
+                        eye[k % 4] += m.modelView[k] * p[k / 4];
+                    for (int k = 0; k < 16; ++k)
+                        clip[k % 4] += m.projection[k] * eye[k / 4];
+                    const double x = (clip[0] / clip[3] + 1) / 2 * area.width;
+                    const double y = (clip[1] / clip[3] + 1) / 2 * area.height;
+                    left = std::min(left, x), right = std::max(right, x);
+                    bottom = std::min(bottom, y), top = std::max(top, y);
+                }
+                SCOPED_TRACE(std::string(view) + (perspective ? " perspective" : ""));
+                EXPECT_TRUE(left > area.left && right < area.width && bottom > 0);
+                EXPECT_LT(top, area.height - area.top);
+                const double fill = std::max((right - left) / (area.width - area.left),
+                                             (top - bottom) / (area.height - area.top));
+                EXPECT_GT(fill, perspective ? 0.75 : 0.93) << "and fills it";
+                if (area.left == 0) {
+                    const Camera whole = fitCamera(parseView(view), box, area.aspect(), perspective);
+                    EXPECT_EQ(m.projection, viewMatrices(whole, box, area.aspect()).projection);
+                }
+            }
+}

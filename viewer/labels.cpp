@@ -1,0 +1,134 @@
+// A column at the left holds the legend above the axes, a row at the top the title; marks stand in the rest.
+#include "viewer/labels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+#include "viewer/axes.h"
+#include "viewer/legend.h"
+#include "viewer/marks.h"
+#include "viewer/screen.h"
+
+namespace nruview {
+
+namespace {
+
+constexpr double kTitle_em = 1.2;
+constexpr double kWidestColumn = 0.4, kHighestRow = 0.15; ///< of the picture
+
+/// Size of the labels' letters: readable in small pictures, in proportion in large ones.
+int emFor(int width, int height) {
+    const double side = std::min<double>(height, 0.75 * width);
+    return static_cast<int>(std::lround(std::max({9.0, 7.0 + 0.008 * side, 0.014 * side})));
+}
+
+int titleSize_px(int em_px) {
+    return static_cast<int>(std::lround(kTitle_em * em_px));
+}
+
+} // namespace
+
+std::string titleOf(const ShownModel& shown, const Options& options) {
+    if (options.labels.title)
+        return *options.labels.title;
+    const ShownSettings& settings = options.shown;
+    std::string text =
+        options.sample.empty() ? std::filesystem::path(options.file).filename().string() : options.sample;
+    if (shown.scalars) {
+        text += ", " + shown.scalars->label;
+        const Field& field = selectedField(shown.model, settings.field, settings.step);
+        if (const auto step = stepOfField(shown.model, field))
+            text += ", step " + std::to_string(*step);
+    }
+    if (settings.deformed && shown.deformFactor != 0.0) {
+        char factor[40];
+        std::snprintf(factor, sizeof factor, ", deformed × %.4g", shown.deformFactor);
+        text += factor;
+    }
+    return text;
+}
+
+struct PictureLabels::Layout {
+    int em_px = 0, margin = 0;
+    TextStyle style, titleStyle;
+    std::string title;
+    int titleBase = 0;
+    bool hasTriad = false;
+    std::optional<Legend> legend;
+    PictureArea area;
+};
+
+PictureLabels::PictureLabels(const ShownModel& shown, const std::optional<ColorBands>& bands,
+                             const LabelSettings& settings, std::string title)
+    : m_shown(shown), m_bands(bands), m_settings(settings), m_title(std::move(title)) {
+    m_settings.legend &= bands.has_value();
+    if (m_settings.marks && bands)
+        m_extremes = findExtremes(shown);
+    if (m_title.empty() && !m_settings.legend && !m_extremes && !m_settings.axes)
+        return;
+    m_text.emplace(fontFile());
+    if (!m_text->problem().empty())
+        std::fprintf(stderr, "nruview: %s; the picture has no text\n", m_text->problem().c_str());
+}
+
+void* PictureLabels::font(int size_px) {
+    return m_text ? m_text->font(size_px) : nullptr;
+}
+
+PictureLabels::Layout PictureLabels::layOut(int width, int height, NgColorLong color) {
+    Layout layout;
+    layout.em_px = emFor(width, height);
+    layout.margin = layout.em_px;
+    layout.style = {font(layout.em_px), color};
+    layout.titleStyle = {font(titleSize_px(layout.em_px)), color};
+    layout.area = {width, height, 0, 0};
+    const int margin = layout.margin, widest = static_cast<int>(kWidestColumn * width);
+    layout.title = elided(m_title, width - 2 * margin, layout.titleStyle);
+    const TextSize size = textSize(layout.title, layout.titleStyle);
+    const int row = margin + size.ascent + size.descent;
+    if (layout.title.empty() || size.width == 0 || row > kHighestRow * height)
+        layout.title.clear();
+    else
+        layout.area.top = row;
+    layout.titleBase = height - margin * 3 / 4 - size.ascent;
+
+    const int triad = triadSize_px(layout.em_px);
+    layout.hasTriad = m_settings.axes && margin / 2 + triad <= std::min(widest, height / 2);
+    if (layout.hasTriad)
+        layout.area.left = margin / 2 + triad;
+    if (!m_settings.legend)
+        return layout;
+    PixelRect room = {margin, margin, widest, height - layout.area.top - margin};
+    for (const bool withTriad : {layout.hasTriad, false}) { // the legend before the axes
+        room.bottom = withTriad ? triad + margin / 2 : margin;
+        layout.legend = layOutLegend(*m_bands, m_shown.scalars->label, room, layout.em_px, layout.style);
+        if (layout.legend) {
+            layout.hasTriad = withTriad;
+            layout.area.left = std::max(withTriad ? layout.area.left : 0, layout.legend->right + margin / 2);
+            break;
+        }
+    }
+    return layout;
+}
+
+PictureArea PictureLabels::area(int width, int height) {
+    return layOut(width, height, 0).area;
+}
+
+void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLong background) {
+    const NgColorLong color = NglGetColorBasedOnWinColor(0xFFFFFFFF);
+    const Layout layout = layOut(width, height, color);
+    if (m_extremes)
+        drawMarks(m_shown, *m_extremes, camera.axes.toward,
+                  {layout.area.left, 0, width, height - layout.area.top}, height, layout.em_px, layout.style,
+                  background);
+    if (layout.legend)
+        drawLegend(*layout.legend, layout.style);
+    if (layout.hasTriad)
+        drawTriad(camera.axes, layout.margin / 2, layout.margin / 2, layout.em_px, layout.style);
+    drawText(layout.margin, layout.titleBase, layout.title, layout.titleStyle);
+}
+
+} // namespace nruview

@@ -1,0 +1,45 @@
+// All that is written on a picture, and the room that it takes.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "viewer/camera.h"
+#include "viewer/colorbands.h"
+#include "viewer/hosttext.h"
+#include "viewer/marks.h"
+#include "viewer/options.h"
+#include "viewer/shownmodel.h"
+
+namespace nruview {
+
+/// The text above the picture: that asked for, else the model's name with what is shown of it, such as
+/// "beam.vtu, S:mises, step 2, deformed × 50".
+std::string titleOf(const ShownModel& shown, const Options& options);
+
+/// Needs the current context, and for drawing the view that beginFrame has set. The sizes of texts follow
+/// that of the picture. What finds no room in a small picture is left out: the legend, the axes, the title.
+class PictureLabels {
+public:
+    /// An empty title is none. Says on standard error when there is no font.
+    PictureLabels(const ShownModel& shown, const std::optional<ColorBands>& bands,
+                  const LabelSettings& settings, std::string title);
+
+    /// The picture with a column for legend and axes at its left and a row for the title at its top.
+    PictureArea area(int width, int height);
+    void draw(const Camera& camera, int width, int height, NgColorLong background);
+
+private:
+    struct Layout;
+    Layout layOut(int width, int height, NgColorLong color);
+    void* font(int size_px);
+
+    const ShownModel& m_shown;
+    const std::optional<ColorBands>& m_bands;
+    LabelSettings m_settings;
+    std::string m_title;
+    std::optional<std::array<Extreme, 2>> m_extremes;
+    std::optional<HostText> m_text;
+};
+
+} // namespace nruview

@@ -1,0 +1,50 @@
+// Drawing in window pixels with the library: rectangles, shapes and texts on top of the picture.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+
+#include "NRenderUtl/NRenderUtl.h"
+
+namespace nruview {
+
+/// Between pixel edges, y upward.
+struct PixelRect {
+    int left = 0, bottom = 0, right = 0, top = 0;
+    int width() const { return right - left; }
+    int height() const { return top - bottom; }
+    bool overlaps(const PixelRect& other) const {
+        return left < other.right && other.left < right && bottom < other.top && other.bottom < top;
+    }
+    bool contains(const PixelRect& other) const {
+        return left <= other.left && other.right <= right && bottom <= other.bottom && other.top <= top;
+    }
+};
+
+void fillRect(const PixelRect& rect, NgColorLong color);
+/// The rectangle's outermost pixels.
+void outlineRect(const PixelRect& rect, NgColorLong color);
+/// A convex shape.
+void fillShape(std::span<const _NgPoint2Str> points, NgColorLong color);
+/// A line of one pixel's width.
+void drawLine(const _NgPoint2Str& from, const _NgPoint2Str& to, NgColorLong color);
+/// A straight stroke of a width in pixels.
+void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, NgColorLong color);
+void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color);
+
+/// A text and how it is set: what the library's text functions take.
+struct TextStyle {
+    void* font = nullptr;
+    NgColorLong color = 0;
+};
+struct TextSize {
+    int width = 0, ascent = 0, descent = 0;
+};
+TextSize textSize(const std::string& utf8, const TextStyle& style);
+/// x, y: left end of the base line.
+void drawText(int x, int y, const std::string& utf8, const TextStyle& style);
+/// The text, or what fits into a width of its start with an ellipsis; empty where not even that does.
+std::string elided(const std::string& utf8, int width, const TextStyle& style);
+
+} // namespace nruview
