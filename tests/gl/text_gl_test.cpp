@@ -73,9 +73,9 @@ void registerFunctions() {
     });
 }
 
-using Text = GlTest;
+using NglText = GlTest;
 
-TEST_F(Text, HandsEveryArgumentToTheHost) {
+TEST_F(NglText, HandsEveryArgumentToTheHost) {
     registerFunctions();
     NglRegisterDrawTextFunc(nullptr); // null keeps what is registered
     NglRegisterDrawMultiLineTextFunc(nullptr);
@@ -102,7 +102,7 @@ TEST_F(Text, HandsEveryArgumentToTheHost) {
         }
 }
 
-TEST_F(Text, NothingWithoutFunctionsOrText) {
+TEST_F(NglText, NothingWithoutFunctionsOrText) {
     glEnable(GL_SCISSOR_TEST);
     const GlSnapshot before = GlSnapshot::take();
     width = height = -5;
