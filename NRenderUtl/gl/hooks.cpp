@@ -1,4 +1,5 @@
 // The hooks through which the folders above this one are reached.
+#include "NRenderUtl/gl/batchprogram.h"
 #include "NRenderUtl/gl/refreshhooks.h"
 #include "NRenderUtl/gl/texturehook.h"
 
@@ -8,6 +9,7 @@ struct Hooks {
     MarkerRefreshHook markers = nullptr;
     TextRefreshHook text = nullptr;
     ContourTextureReader contourTexture = nullptr;
+    BatchProgramHook batchProgram{};
 };
 
 Hooks& hooks() {
@@ -41,4 +43,13 @@ bool registerContourTextureReader(ContourTextureReader reader) {
 
 ContourTexture readContourTexture(const RenderTextureAttributes& attributes) {
     return hooks().contourTexture ? hooks().contourTexture(attributes) : ContourTexture{};
+}
+
+bool registerBatchProgram(const BatchProgramHook& hook) {
+    hooks().batchProgram = hook;
+    return true;
+}
+
+const BatchProgramHook& batchProgramHook() {
+    return hooks().batchProgram;
 }

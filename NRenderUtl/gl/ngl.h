@@ -121,6 +121,19 @@ public:
     NglSetCustomMatrices& operator=(const NglSetCustomMatrices&) = delete;
 };
 
+/// Ends batches when a block is left: that of lines, then of points, then of screen lines, each if its flag
+/// is set.
+class NRENDERUTL_API NglBeginEndBatchDraw {
+public:
+    NglBeginEndBatchDraw(bool lines, bool points, bool screenLines);
+    ~NglBeginEndBatchDraw();
+    NglBeginEndBatchDraw(const NglBeginEndBatchDraw&) = delete;
+    NglBeginEndBatchDraw& operator=(const NglBeginEndBatchDraw&) = delete;
+
+private:
+    const bool m_lines, m_points, m_screenLines;
+};
+
 // --- view record and initialisation ------------------------------------------------------------------------
 
 /// Reads what the current context can do. Returns 0. Call it once the first context is current.
@@ -531,6 +544,46 @@ NRENDERUTL_API void ngl_curve_contour_draw_p(const _NgPoint3Str* const* points, 
                                              std::uint64_t count);
 NRENDERUTL_API void ngl_curve_contour_draw_f(const _NgFPoint3Str* points, const float* values,
                                              std::uint64_t count);
+/// One segment in the colours of NglEnableTexture: its ends have the texture coordinates (s0, 0) and (s1, 0),
+/// or both that of a flag: (0, 0.25) for the first, (0, 0.5) for the second, which counts when both are set.
+/// What is drawn at once by this group leaves its last texture coordinate current.
+NRENDERUTL_API void RenderingDrawLine(const _NgPoint3Str* p, const _NgPoint3Str* q, float s0, float s1, int a,
+                                      int b);
+/// The same; while the model-space line batch is active the segment is added to it.
+NRENDERUTL_API void RenderingDrawLineF(const _NgFPoint3Str* p, const _NgFPoint3Str* q, float s0, float s1,
+                                       int a, int b);
+/// Points in GL's point size with such texture coordinates: one, or `count` with a value each (null: 0).
+/// While the point batch is active those of floats are added to it, in its size.
+NRENDERUTL_API void RenderingDrawPointF(const _NgFPoint3Str* point, float s, int a, int b);
+NRENDERUTL_API void RenderingDrawPointList(int count, const _NgPoint3Str* points, const float* values, int a,
+                                           int b);
+NRENDERUTL_API void RenderingDrawPointListF(int count, const _NgFPoint3Str* points, const float* values,
+                                            int a, int b);
+
+// --- batches -----------------------------------------------------------------------------------------------
+// Points and segments collected in client memory and drawn with one call for many: when a batch ends, is
+// full, or the line style, line width or point size changes. Modes: 1 points, 2 segments, 3 segments in
+// screen space (pixels, y upward); another mode does nothing. Option 2 collects texture coordinates of the
+// contour texture, any other the current packed colour of each vertex. A batch that finds no memory ignores
+// what is added.
+
+NRENDERUTL_API void NglBatchBegin(int mode, int option);
+/// Draws what is left.
+NRENDERUTL_API void NglBatchEnd(int mode);
+/// Without an active batch these draw at once. Sizes are in pixels; screen: non-zero takes mode 3.
+NRENDERUTL_API void ngl_batch_point_3d_given_size(int count, const _NgPoint3Str* points, float size);
+NRENDERUTL_API void ngl_batch_point_3f_given_size(int count, const _NgFPoint3Str* points, float size);
+NRENDERUTL_API void ngl_batch_line_3d_s(const _NgPoint3Str* p, const _NgPoint3Str* q, int screen);
+NRENDERUTL_API void ngl_batch_line_3f_s(const _NgFPoint3Str* p, const _NgFPoint3Str* q);
+NRENDERUTL_API void ngl_batch_polyline_3d_s(const _NgPoint3Str* points, std::uint64_t count, int screen);
+
+/// A batch of any GL primitive but points, of at most 120,000 vertices; a full one is flushed. Option: 1 a
+/// packed colour for each vertex, 2 one texture coordinate, 0 neither. All return 0; the flush -1 without a
+/// primitive and -2 without vertices.
+NRENDERUTL_API int NglBatchRenderBegin(int primitive, int option);
+NRENDERUTL_API int NglBatchRenderAddVertex(const float position[3], const float normal[3], float texcoord,
+                                           int color);
+NRENDERUTL_API int NglBatchRenderFlush();
 
 // --- text --------------------------------------------------------------------------------------------------
 // Drawn and measured by the host's functions. Narrow text is UTF-8. Without the function that a call needs,

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
@@ -16,20 +17,20 @@
 #include "NRenderUtl/shaders/shadersources.h"
 #include "NRenderUtl/shaders/texturebufferprobe.h"
 
-namespace {
-
 using Sources = std::vector<const char*>; ///< main source first
 
-struct Composition {
+struct ProgramComposition {
     const char* label;
     Sources vertex, geometry, fragment;
     int geometryInputKind;
 };
 
-const Composition& compositionOf(_RenderingShaderType type) {
+namespace {
+
+const ProgramComposition& compositionOf(_RenderingShaderType type) {
     static const Sources meshGeometryFragment = {kMeshGeometryFragmentMain, kLightingLibrary,
                                                  kColorBandLibrary};
-    static const std::array<Composition, 4> compositions = {{
+    static const std::array<ProgramComposition, 4> compositions = {{
         {"NRenderUtl mesh",
          {kMeshVertexMain},
          {},
@@ -181,7 +182,15 @@ void startUp() {
 } // namespace
 
 bool ComposedProgram::build(_RenderingShaderType type, SourceChanges changes) {
-    Composition composition = compositionOf(type);
+    return compose(compositionOf(type), std::move(changes));
+}
+
+bool ComposedProgram::buildBatch() {
+    return compose({"NRenderUtl batch", {kBatchVertexMain}, {}, {kBatchFragmentMain, kColorBandLibrary}, 0},
+                   {});
+}
+
+bool ComposedProgram::compose(ProgramComposition composition, SourceChanges changes) {
     if (changes.block) {
         composition.fragment = withBlock(composition.fragment);
         const std::vector<std::string> defines = blockDefines();

@@ -14,10 +14,16 @@ struct SourceChanges {
     bool block = false; ///< lights and bands from a buffer in place of uniforms
 };
 
-/// A program built from the sources of a catalogue type, with sampler units assigned and a name for
-/// debuggers.
+struct ProgramComposition;
+
+/// A program built from the library's sources, with sampler units assigned and a name for debuggers.
 class ComposedProgram : public NShaderProgram {
 public:
-    /// Whether it linked.
+    /// From the sources of a catalogue type; whether it linked.
     bool build(_RenderingShaderType type, SourceChanges changes = {});
+    /// From those of the batches.
+    bool buildBatch();
+
+private:
+    bool compose(ProgramComposition composition, SourceChanges changes);
 };

@@ -8,6 +8,8 @@ extern const char* const kMeshQuadGeometryMain;     // mesh_quad.geom.glsl
 extern const char* const kMeshGeometryFragmentMain; // mesh_geometry.frag.glsl
 extern const char* const kPointVertexMain;          // point.vert.glsl
 extern const char* const kPointFragmentMain;        // point.frag.glsl
+extern const char* const kBatchVertexMain;          // batch.vert.glsl
+extern const char* const kBatchFragmentMain;        // batch.frag.glsl
 extern const char* const kProbeVertexMain;          // probe.vert.glsl
 extern const char* const kProbeFragmentMain;        // probe.frag.glsl
 extern const char* const kLightingLibrary;          // lighting.glsl

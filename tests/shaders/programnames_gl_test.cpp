@@ -5,6 +5,7 @@
 #include <set>
 #include <sstream>
 
+#include "NRenderUtl/mesh/batchprogram.h"
 #include "NRenderUtl/shaders/samplerunits.h"
 #include "NRenderUtl/shaders/shadernames.h"
 #include "tests/shaders/shaderscene.h"
@@ -43,7 +44,7 @@ const Names kSides = names("g_bw g_bsw g_bfbcol g_fcolor g_bcolor");
 const Names kElementNormals = names("g_useelemnormbuff g_elnormbuff g_fporgconnbuff");
 const Names kPoints = names("g_ptsize_scale g_advdisp g_advparamset");
 /// Of the vocabulary, what no program reads; a driver may keep it with the rest of its structure.
-const Names kForHosts = names("g_ptsize g_transmat g_colorwithalpha g_frontmat.ambient g_frontmat.diffuse "
+const Names kForHosts = names("g_transmat g_colorwithalpha g_frontmat.ambient g_frontmat.diffuse "
                               "g_backmat.ambient g_backmat.diffuse g_pbrMat.amb_occlusion");
 
 Names join(std::initializer_list<Names> groups) {
@@ -55,7 +56,7 @@ Names join(std::initializer_list<Names> groups) {
 
 struct ProgramRow {
     const char* name;
-    _RenderingShaderType type; ///< RenderShaderNone: the element mesh's
+    NShaderProgram* program;
     Names uniforms, attributes;
 };
 
@@ -65,22 +66,28 @@ std::vector<ProgramRow> programRows() {
     const Names fragment = join({mesh, kElementNormals});
     const Names points = join({kTransform, kLighting, kContour, kVisibility, kOutput, kPoints});
     const Names attributes = {"g_pos_attrib", "g_tex_attrib", "g_vnorm_attrib", "g_norm_attrib"};
-    return {{"NRenderUtl mesh", RenderShaderMesh, fragment, attributes},
-            {"NRenderUtl mesh triangles", RenderShaderMeshTriangles, mesh, attributes},
-            {"NRenderUtl mesh quads", RenderShaderMeshQuads, mesh, attributes},
+    const auto ofType = RenderingGetShaderProgram;
+    NglBatchBegin(1, 0); // builds the program
+    return {{"NRenderUtl mesh", ofType(RenderShaderMesh), fragment, attributes},
+            {"NRenderUtl mesh triangles", ofType(RenderShaderMeshTriangles), mesh, attributes},
+            {"NRenderUtl mesh quads", ofType(RenderShaderMeshQuads), mesh, attributes},
             {"NRenderUtl points",
-             RenderShaderPoints,
+             ofType(RenderShaderPoints),
              points,
              {"g_pos_attrib", "g_tex_attrib", "g_param_size_attrib", "g_diameter_attrib"}},
-            {"NRenderUtl mesh", RenderShaderNone, fragment, join({attributes, {kElementAttribute}})}};
+            {"NRenderUtl batch",
+             &batchProgram(),
+             join({kContour,
+                   names("g_mvmat g_projmat g_texmat g_clipped g_use_clr_scale g_ptsize g_es_col g_eh_col")}),
+             {"g_pos_attrib", "g_tex_attrib", "g_col_attrib"}},
+            {"NRenderUtl mesh", &elementMeshProgram(), fragment, join({attributes, {kElementAttribute}})}};
 }
 
 class ProgramNames : public ShaderTest {
 protected:
     /// Takes the row's program into use and returns its GL name.
     GLuint use(const ProgramRow& row) {
-        ShaderTest::use(row.type == RenderShaderNone ? elementMeshProgram()
-                                                     : *RenderingGetShaderProgram(row.type));
+        ShaderTest::use(*row.program);
         GLint program = 0;
         glGetIntegerv(GL_CURRENT_PROGRAM, &program);
         return GLuint(program);
@@ -113,7 +120,7 @@ std::string onlyIn(const Names& a, const Names& b) {
 TEST_F(ProgramNames, AreTheExpectedOnes) {
     Names read;
     for (const ProgramRow& row : programRows()) {
-        SCOPED_TRACE(std::string(row.name) + " " + std::to_string(row.type));
+        SCOPED_TRACE(row.name);
         const GLuint program = use(row);
         const Names uniforms = activeNames(program, GL_ACTIVE_UNIFORMS, glGetActiveUniform);
         EXPECT_EQ(onlyIn(uniforms, join({row.uniforms, kForHosts})), "") << "not expected";
@@ -131,7 +138,7 @@ TEST_F(ProgramNames, AreTheExpectedOnes) {
 // A sampler left on another's unit stops every draw, also where it is not read.
 TEST_F(ProgramNames, SamplersAreApartRightAfterStartUp) {
     for (const ProgramRow& row : programRows()) {
-        SCOPED_TRACE(std::string(row.name) + " " + std::to_string(row.type));
+        SCOPED_TRACE(row.name);
         const GLuint program = use(row);
         for (const RenderingShaderUniform sampler : kSamplerOfUnit) {
             const int location = glGetUniformLocation(program, kUniformNames[sampler]);

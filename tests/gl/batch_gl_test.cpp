@@ -1,0 +1,502 @@
+// Batches of points and lines: what they draw and by which way, when they flush, what they allocate and what
+// they leave behind; and the batch of vertices.
+#include <cstdlib>
+#include <functional>
+#include <iterator>
+#include <new>
+
+#include "NRenderUtl/host/nhost.h"
+#include "NRenderUtl/mesh/nmesh.h"
+#include "tests/gl/testgl.h"
+#include "tests/support/subprocess.h"
+
+using namespace nrutest;
+
+namespace {
+
+constexpr NgColorLong kRed = 0xFF0000FF, kGreen = 0xFF00FF00, kBlue = 0xFFFF0000, kYellow = 0xFF00FFFF,
+                      kGrey = 0xFF808080, kTeal = 0xFF608000;
+constexpr int kPoints = 1, kLines = 2, kScreenLines = 3, kColors = 1, kTextured = 2;
+constexpr bool kProgram = true, kFixed = false;
+
+struct DrawCall {
+    GLenum mode;
+    int count;
+    bool program; ///< or fixed function
+    float width, size;
+    bool operator==(const DrawCall&) const = default;
+};
+std::vector<DrawCall> drawCalls;
+
+void note(GLenum mode, GLsizei count) {
+    DrawCall call{mode, count, false, 0, 0};
+    GLint program = 0;
+    if (epoxy_gl_version() >= 20)
+        glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    call.program = program != 0;
+    glGetFloatv(GL_LINE_WIDTH, &call.width);
+    glGetFloatv(GL_POINT_SIZE, &call.size);
+    drawCalls.push_back(call);
+}
+
+std::vector<int> takeCounts() {
+    std::vector<int> counts;
+    for (const DrawCall& call : std::exchange(drawCalls, {}))
+        counts.push_back(call.count);
+    return counts;
+}
+
+/// Sizes that the library asked memory of, and the settings that it read. The n-th request from now on fails.
+struct Host {
+    std::vector<std::size_t> asked;
+    int failing = 0;
+    std::string settings;
+} host;
+
+RenderTextureAttributes contour;
+
+void install() {
+    NHostServices services{};
+    services.allocate = [](void*, std::size_t bytes, const char*, int) {
+        host.asked.push_back(bytes);
+        return --host.failing == 0 ? nullptr : std::malloc(bytes);
+    };
+    services.release = [](void*, void* block) { std::free(block); };
+    services.setting = [](void*, const char* name) -> const char* {
+        host.settings += name;
+        return nullptr;
+    };
+    ASSERT_EQ(NHostSetServices(&services), 0);
+}
+
+/// One unit is a pixel, in GL and in the record.
+class Batch : public GlTest {
+protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        NglInitGLExtensions();
+        glMatrixMode(GL_PROJECTION);
+        glOrtho(0, kSize, 0, kSize, -10, 10);
+        glMatrixMode(GL_MODELVIEW);
+        NglUpdateNglInfo();
+        const unsigned none = 0;
+        glDrawElements(GL_POINTS, 0, GL_UNSIGNED_INT, &none); // finds the entry points
+        glDrawArrays(GL_POINTS, 0, 0);
+        static const auto drawElements = epoxy_glDrawElements;
+        static const auto drawArrays = epoxy_glDrawArrays;
+        epoxy_glDrawElements = [](GLenum mode, GLsizei count, GLenum type, const void* indices) {
+            note(mode, count);
+            drawElements(mode, count, type, indices);
+        };
+        epoxy_glDrawArrays = [](GLenum mode, GLint first, GLsizei count) {
+            note(mode, count);
+            drawArrays(mode, first, count);
+        };
+        install();
+    }
+
+    /// The bands 10 to 14 and, for the rows beside them, selection and highlight; as texture and as scale.
+    void makeContour() {
+        std::uint32_t rows[8][4] = {{kRed, kGreen, kBlue, kGrey}};
+        std::fill(rows[1], rows[3], kTeal); // about t = 0.25
+        std::fill(rows[3], rows[5], kYellow);
+        const float limits[] = {10, 11, 12, 13, 14};
+        glGenTextures(1, &contour.texture);
+        glBindTexture(GL_TEXTURE_2D, contour.texture);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 4, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE, rows);
+        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+            glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
+        glBindTexture(GL_TEXTURE_2D, 0);
+        contour.minValue = 10;
+        contour.maxValue = 14;
+        contour.UpdateColorScale(4, limits, rows[0]);
+        NglSetSelectionColor(kTeal);
+        NglSetHighlightColor(kYellow);
+        NglRegisterGetActiveTextureAttribProc([](unsigned, float, float) { return &contour; });
+        NglSetActiveTextureInfo(0, 0, 0);
+    }
+
+    /// Draws through the batches of a way, and says that it was this way.
+    Picture drawBatched(const std::function<void()>& scene, int option, bool way) {
+        clear();
+        drawCalls.clear();
+        way == kFixed ? NglSetTransformedState() : NglClearTransformedState();
+        for (const int mode : {kPoints, kLines})
+            NglBatchBegin(mode, option);
+        scene();
+        for (const int mode : {kPoints, kLines})
+            NglBatchEnd(mode);
+        NglClearTransformedState();
+        EXPECT_EQ(drawCalls.size(), 2u);
+        for (const DrawCall& call : drawCalls)
+            EXPECT_EQ(call.program, way);
+        return read();
+    }
+};
+
+void drawLine(double x0, double y0, double x1, double y1, int screen = 0) {
+    const _NgPoint3Str p{x0, y0, 0}, q{x1, y1, 0};
+    ngl_batch_line_3d_s(&p, &q, screen);
+}
+
+void drawPoint(double x, double y, float size) {
+    const _NgPoint3Str p{x, y, 0};
+    ngl_batch_point_3d_given_size(1, &p, size);
+}
+
+void drawColored() {
+    ngl_set_line_width(2);
+    ngl_set_color_long(kRed);
+    drawLine(3.5, 4.5, 40.5, 11.25);
+    ngl_set_color_long(kGreen);
+    const _NgPoint3Str strip[] = {{5.5, 50.5, 1}, {30.5, 60.5, -1}, {55.5, 20.5, 0}, {60.5, 40.25, 0}};
+    ngl_batch_polyline_3d_s(strip, 4, 0);
+    ngl_set_color_long(kBlue);
+    const _NgFPoint3Str p{50.5f, 2.5f, 0}, q{52.5f, 60.5f, 0},
+        dots[] = {{10.5f, 30.5f, 0}, {20.5f, 35.5f, 2}};
+    ngl_batch_line_3f_s(&p, &q);
+    ngl_batch_point_3f_given_size(2, dots, 5);
+    ngl_set_color_long(kYellow);
+    drawPoint(40.5, 30.5, 5);
+}
+
+void drawContour() {
+    glPointSize(3);
+    const _NgFPoint3Str p[] = {{4.5f, 4.5f, 0}, {60.5f, 9.5f, 0}, {4.5f, 20.5f, 0}, {60.5f, 30.5f, 0}};
+    RenderingDrawLineF(&p[0], &p[1], 10.25f, 13.75f, 0, 0);
+    RenderingDrawLineF(&p[2], &p[3], 11.25f, 12.75f, 1, 0);
+    RenderingDrawLineF(&p[1], &p[2], 11.25f, 12.75f, 1, 1);
+    const float values[] = {11.5f, 12.5f};
+    const _NgFPoint3Str dots[] = {{10.5f, 50.5f, 0}, {20.5f, 50.5f, 0}};
+    RenderingDrawPointListF(2, dots, values, 0, 0);
+    const _NgFPoint3Str more[] = {{30.5f, 50.5f, 0}, {40.5f, 50.5f, 0}, {50.5f, 50.5f, 0}};
+    RenderingDrawPointF(&more[0], 13.5f, 0, 0);
+    RenderingDrawPointF(&more[1], 13.5f, 1, 0);
+    RenderingDrawPointListF(1, &more[2], nullptr, 0, 1);
+}
+
+// Coordinates away from pixel limits: there the ways may round apart, as one multiplies the matrices first.
+TEST_F(Batch, BothWaysDrawTheImmediatePicture) {
+    drawColored();
+    const Picture immediate = read();
+    EXPECT_EQ(immediate.at(20, 35), kBlue);
+    EXPECT_EQ(immediate.at(40, 30), kYellow);
+    EXPECT_TRUE(drawCalls.empty());
+    EXPECT_TRUE(samePicture(drawBatched(drawColored, kColors, kProgram), immediate));
+    EXPECT_TRUE(samePicture(drawBatched(drawColored, kColors, kFixed), immediate));
+}
+
+TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
+    for (const char* mode : {"0", "1"}) {
+        if (ranInSubprocess({{"NU_CONTOUR_COLOR_SCALE_MODE", mode}}))
+            continue;
+        makeContour();
+        ngl_set_color_long(0xFFFFFFFF);
+        NglEnableTexture(-1);
+        drawContour();
+        NglDisableTexture(-1);
+        const Picture immediate = read();
+        const std::pair<int, NgColorLong> dots[] = {
+            {10, kGreen}, {20, kBlue}, {30, kGrey}, {40, kTeal}, {50, kYellow}};
+        for (const auto& [x, color] : dots)
+            EXPECT_EQ(hex(immediate.at(x, 50)), hex(color)) << x;
+        glActiveTexture(GL_TEXTURE2);
+        EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram), immediate));
+        EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kFixed), immediate));
+        ngl_set_color_long(kTeal); // modulates
+        EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram),
+                                drawBatched(drawContour, kTextured, kFixed)));
+        EXPECT_EQ(hex(drawBatched(drawContour, kTextured, kProgram).at(20, 50)), hex(0xFF600000));
+        NglRegisterGetActiveTextureAttribProc(
+            [](unsigned, float, float) { return static_cast<RenderTextureAttributes*>(nullptr); });
+        NglSetActiveTextureInfo(0, 0, 0); // no contour: the current colour
+        EXPECT_EQ(hex(drawBatched(drawContour, kTextured, kFixed).at(20, 50)), hex(kTeal));
+        return;
+    }
+}
+
+/// Draws a batch: sizes of the flushes before its end, and at the end.
+void drawLines(int count) {
+    for (int i = 0; i < count; ++i)
+        drawLine(i % 60 + 0.5, 0.5, i % 60 + 3.5, 2.5);
+}
+
+TEST_F(Batch, FlushesWhenItIsFullAndWhenWidthStyleOrSizeChange) {
+    const auto widths = [] {
+        for (const int width : {1, 3, 1})
+            ngl_set_line_width(width), drawLines(1);
+    };
+    const auto styles = [] {
+        for (const int style : {0, 2, 2})
+            ngl_set_line_style(style), drawLines(1);
+    };
+    const auto options = [] {
+        drawLines(3), NglBatchBegin(kLines, kTextured), NglBatchBegin(kLines, kColors);
+    };
+    const auto points = [](int count) {
+        const std::vector<_NgFPoint3Str> dots(std::max(count, 0));
+        ngl_batch_point_3f_given_size(count, dots.data(), 1);
+    };
+    const auto sizes = [](float a, float b) { return [=] { drawPoint(5, 5, a), drawPoint(9, 9, b); }; };
+    const struct {
+        const char* name;
+        int mode;
+        std::function<void()> scene;
+        std::vector<int> before, atEnd;
+    } rows[] = {
+        {"nothing", kLines, [] {}, {}, {}},
+        {"widths", kLines, widths, {2, 2}, {2}},
+        {"styles", kLines, styles, {2}, {4}},
+        {"same style and width",
+         kScreenLines,
+         [] { drawLine(1, 1, 2, 2, 1), drawLine(2, 2, 3, 3, 1); },
+         {},
+         {4}},
+        {"full lines", kLines, [] { drawLines(150000); }, {}, {300000}},
+        {"more lines", kLines, [] { drawLines(150001); }, {300000}, {2}},
+        {"full points", kPoints, [&] { points(400000); }, {}, {400000}},
+        {"more points", kPoints, [&] { points(400001); }, {400000}, {1}},
+        {"no points", kPoints, [&] { points(0), points(-1); }, {}, {}},
+        {"sizes within a tenth", kPoints, sizes(3.0f, 3.05f), {}, {2}},
+        {"sizes a tenth apart", kPoints, sizes(3.0f, 3.1f), {1}, {1}},
+        {"the same, down", kPoints, sizes(3.1f, 3.0f), {1}, {1}},
+        {"another option", kLines, options, {6}, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        NglBatchBegin(row.mode, kColors);
+        row.scene();
+        EXPECT_EQ(takeCounts(), row.before);
+        NglBatchEnd(row.mode);
+        EXPECT_EQ(takeCounts(), row.atEnd);
+    }
+}
+
+TEST_F(Batch, EachFlushHasTheWidthOrSizeOfItsOwn) {
+    glPointSize(2.6f);
+    ngl_set_line_width(7);
+    for (const bool way : {kProgram, kFixed}) {
+        drawBatched(
+            [] {
+                ngl_set_line_width(3);
+                drawLines(1);
+                ngl_set_line_width(5);
+                drawPoint(30, 30, 4);
+            },
+            kColors, way);
+        EXPECT_EQ(drawCalls[1].width, 3) << "not the width at the end";
+        EXPECT_EQ(ngl_get_line_width(), 5);
+        EXPECT_EQ(read().at(28, 28) != kClear && read().at(31, 31) != kClear, true);
+        EXPECT_EQ(read().at(27, 30), kClear);
+        EXPECT_EQ(glIsEnabled(GL_PROGRAM_POINT_SIZE), GL_FALSE);
+        GLfloat size;
+        glGetFloatv(GL_POINT_SIZE, &size);
+        EXPECT_EQ(size, way == kProgram ? 2.6f : 3.0f) << "deliberate: read as an integer";
+    }
+}
+
+TEST_F(Batch, AsksForTheTableOnceAndIgnoresAddsWithoutMemory) {
+    const float zero[3] = {};
+    const struct {
+        std::function<void()> begin, add, end;
+        std::vector<std::size_t> sizes;
+    } rows[] = {{[] { NglBatchBegin(kPoints, kColors); },
+                 [] { drawPoint(1, 1, 1); },
+                 [] { NglBatchEnd(kPoints); },
+                 {4800000, 3200000, 1600000}},
+                {[] { NglBatchBegin(kLines, kColors); },
+                 [] { drawLine(1, 1, 9, 9); },
+                 [] { NglBatchEnd(kLines); },
+                 {3600000, 4800000, 2400000, 2400000}},
+                {[] { NglBatchBegin(kScreenLines, kColors); },
+                 [] { drawLine(1, 1, 9, 9, 1); },
+                 [] { NglBatchEnd(kScreenLines); },
+                 {3600000, 4800000, 2400000, 2400000}},
+                {[] { NglBatchRenderBegin(GL_LINES, 1); },
+                 [&] { NglBatchRenderAddVertex(zero, zero, 0, 0); },
+                 [] { NglBatchRenderFlush(); },
+                 {1440000, 1440000, 480000, 480000, 480000}}};
+    for (const auto& row : rows) {
+        const std::size_t live = NHostLiveBlocks();
+        for (std::size_t failing = 1; failing <= row.sizes.size(); ++failing) {
+            host.failing = static_cast<int>(failing);
+            row.begin();
+            row.add();
+            row.end();
+            EXPECT_EQ(NHostLiveBlocks(), live) << failing;
+        }
+        EXPECT_EQ(takeCounts(), std::vector<int>());
+        host.asked.clear();
+        for (int i = 0; i < 2; ++i) {
+            row.begin();
+            row.add();
+            row.end();
+        }
+        EXPECT_EQ(takeCounts().size(), 2u);
+        EXPECT_EQ(host.asked, row.sizes);
+    }
+}
+
+TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
+    const bool old = std::getenv("MESA_GLSL_VERSION_OVERRIDE") != nullptr;
+    const std::pair<std::function<void()>, std::function<void()>> changes[] = {
+        {UtlPushViewPoint, UtlPopViewPoint},
+        {ngl_push_3d_matrix, ngl_pop_3d_matrix},
+        {NglSetTransformedState, NglClearTransformedState},
+        {[] { ngl_set_line_style(1); }, [] { ngl_set_line_style(0); }}}; // not a change of the view
+    for (const auto& [change, undo] : changes) {
+        for (const int mode : {kPoints, kLines})
+            NglBatchBegin(mode, kColors);
+        drawLines(1);
+        drawPoint(5, 5, 1);
+        change();
+        for (const int mode : {kPoints, kLines})
+            NglBatchEnd(mode);
+        undo();
+    }
+    ASSERT_EQ(drawCalls.size(), 8u);
+    for (std::size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(drawCalls[i].program, i >= 6 && !old) << i;
+    EXPECT_EQ(host.settings, old ? "" : "NU_CONTOUR_COLOR_SCALE_MODE") << "read once, for the program";
+    if (!old)
+        ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}});
+}
+
+TEST_F(Batch, ScreenLinesAreInPixelsWhateverTheView) {
+    glMatrixMode(GL_PROJECTION);
+    glOrtho(-1, 1, -1, 1, -1, 1);
+    glMatrixMode(GL_MODELVIEW);
+    glTranslated(7, 7, 7);
+    NglUpdateNglInfo();
+    ngl_set_color_long(kRed);
+    const GlSnapshot before = GlSnapshot::take();
+    NglBatchBegin(kScreenLines, kColors);
+    drawLine(10.5, 5.5, 20.5, 5.5, 1);
+    drawLine(10.5, 5.5, 20.5, 5.5, 0); // at once, as the model's batch is not active
+    NglBatchEnd(kScreenLines);
+    EXPECT_TRUE(GlSnapshot::take().equals(before));
+    for (int x = 10; x < 20; ++x)
+        EXPECT_EQ(hex(read().at(x, 5)), hex(kRed)) << x;
+    EXPECT_EQ(hex(read().at(20, 12)), hex(kRed));
+    EXPECT_EQ(read().countOtherThan(kClear), 20);
+    EXPECT_EQ(drawCalls, (std::vector<DrawCall>{{GL_LINES, 2, kFixed, 1, 1}}));
+}
+
+TEST_F(Batch, LinesAreStippledOnTheFixedWayOnly) {
+    glEnable(GL_LINE_STIPPLE);
+    ngl_set_color_long(kRed);
+    for (const bool way : {kProgram, kFixed}) {
+        const Picture p = drawBatched(
+            [] {
+                ngl_set_line_style(2);
+                drawLine(0.5, 20.5, 60.5, 20.5);
+                ngl_set_line_style(0);
+                drawPoint(5, 5, 1);
+            },
+            kColors, way);
+        EXPECT_EQ(p.countOtherThan(kClear), 1 + (way == kFixed ? 28 : 60));
+        EXPECT_EQ(ngl_get_line_style(), 0);
+    }
+}
+
+TEST_F(Batch, ClipsWhileTheHostsPlanesAreLoaded) {
+    NglRegisterLoadClipPlaneFunc([] {
+        const double plane[4] = {1, 0, 0, -32};
+        glClipPlane(GL_CLIP_PLANE0, plane);
+        glEnable(GL_CLIP_PLANE0);
+        return 1;
+    });
+    const auto scene = [] { drawLine(0.5, 20.5, 63.5, 20.5), drawPoint(5, 5, 3), drawPoint(50, 5, 3); };
+    for (const bool way : {kProgram, kFixed}) {
+        ngl_load_clip_planes();
+        const Picture p = drawBatched(scene, kColors, way);
+        EXPECT_EQ(p.at(30, 20) == kClear && p.at(5, 5) == kClear, true);
+        EXPECT_EQ(p.at(34, 20) != kClear && p.at(50, 5) != kClear, true);
+    }
+}
+
+TEST_F(Batch, LeavesWhatTheHostHasBound) {
+    const char* source = "void main() { discard; }";
+    GLuint names[2], object;
+    glGenVertexArrays(1, &object);
+    glGenBuffers(2, names);
+    const Picture plain = (drawColored(), read());
+    ngl_set_line_width(1);
+    glBindVertexArray(object);
+    glBindBuffer(GL_ARRAY_BUFFER, names[0]);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, names[1]);
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(1);
+    for (const bool way : {kProgram, kFixed}) {
+        glUseProgram(way == kProgram ? glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source) : 0);
+        glBindBuffer(GL_ARRAY_BUFFER, names[0]);
+        const auto scene = [] { drawColored(), ngl_set_line_width(1); };
+        ngl_set_color_long(kYellow);
+        const GlSnapshot before = GlSnapshot::take();
+        clear();
+        EXPECT_EQ(drawBatched(scene, kColors, way).countOtherThan(kClear), plain.countOtherThan(kClear));
+        EXPECT_TRUE(GlSnapshot::take().equals(before));
+        EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART));
+    }
+}
+
+TEST_F(Batch, ScopeEndsLinesThenPointsThenScreenLines) {
+    for (const int mode : {kPoints, kLines, kScreenLines, 0, 4, -1})
+        NglBatchBegin(mode, kColors);
+    {
+        const NglBeginEndBatchDraw none(false, false, false), all(true, true, true);
+        drawLine(1, 1, 2, 2, 1);
+        drawPoint(5, 5, 1);
+        drawLine(1, 1, 2, 2), drawLine(1, 1, 3, 3);
+        EXPECT_EQ(takeCounts(), std::vector<int>());
+    }
+    EXPECT_EQ(takeCounts(), (std::vector<int>{4, 1, 2}));
+    drawLine(1, 1, 9, 9); // not active any more
+    NglBatchEnd(kLines);
+    EXPECT_EQ(takeCounts(), std::vector<int>());
+    EXPECT_NE(read().at(5, 5), kClear);
+}
+
+// --- vertices ----------------------------------------------------------------------------------------------
+
+TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
+    makeContour();
+    const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, normal[3] = {0, 0, 1};
+    EXPECT_EQ(NglBatchRenderFlush(), -1);
+    for (const int option : {0, 1, 2}) {
+        clear();
+        ngl_set_color_long(0xFFFFFFFF);
+        NglEnableTexture(-1);
+        if (option != 2)
+            NglDisableTexture(-1);
+        const GlSnapshot before = GlSnapshot::take();
+        EXPECT_EQ(NglBatchRenderBegin(GL_TRIANGLES, option), 0);
+        EXPECT_EQ(NglBatchRenderFlush(), -2);
+        for (const auto& corner : corners)
+            EXPECT_EQ(NglBatchRenderAddVertex(corner, normal, 12.5f, static_cast<int>(kGreen)), 0);
+        EXPECT_EQ(NglBatchRenderAddVertex(nullptr, normal, 0, 0), 0);
+        EXPECT_EQ(NglBatchRenderFlush(), 0);
+        EXPECT_TRUE(GlSnapshot::take().equals(before));
+        const NgColorLong expected[] = {0xFFFFFFFF, kGreen, kBlue};
+        EXPECT_EQ(hex(read().at(10, 10)), hex(expected[option])) << option;
+        EXPECT_EQ(NglBatchRenderFlush(), -2) << "drawn already";
+    }
+    EXPECT_EQ(takeCounts(), (std::vector<int>{3, 3, 3}));
+}
+
+TEST_F(Batch, OfVerticesIsFlushedByItsLastVertex) {
+    const float position[3] = {5, 5, 0};
+    for (const int primitive : {GL_LINES, 0}) {
+        NglBatchRenderBegin(primitive, 0);
+        for (int i = 0; i < 119999; ++i)
+            NglBatchRenderAddVertex(position, position, 0, 0);
+        EXPECT_EQ(takeCounts(), std::vector<int>());
+        for (int i = 0; i < 3; ++i) // without primitive never drawn, and no more than full
+            NglBatchRenderAddVertex(position, position, 0, 0);
+        EXPECT_EQ(takeCounts(), primitive ? std::vector<int>{120000} : std::vector<int>());
+        EXPECT_EQ(NglBatchRenderFlush(), primitive ? 0 : -1);
+        EXPECT_EQ(takeCounts(), primitive ? std::vector<int>{2} : std::vector<int>());
+    }
+}
+
+} // namespace
