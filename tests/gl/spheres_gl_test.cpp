@@ -30,29 +30,18 @@ protected:
 };
 
 TEST_F(Spheres, ArcsTurnAboutTheirAxis) {
-    const _NgPoint3Str center{0.5, -0.25, 1}, z{0, 0, 2}, slanted{1, -2, 2};
-    // About z the frame is the model's.
-    const auto arc = fedBackLines([&] { NglDrawArc(&center, &z, 2, 30, 120, 3); });
-    ASSERT_EQ(arc.size(), 6u);
-    for (std::size_t i = 0; i < 6; ++i) {
-        const double angle = (30 + (i + 1) / 2 * 40.0) * M_PI / 180; // 8 pixels a unit
-        expectNear(arc[i], {36 + 16 * std::cos(angle), 30 + 16 * std::sin(angle), 8 / 18.0}, 1e-4);
+    const _NgPoint3Str center{0.5, -0.25, 1}, axis{-1, 2, -2};
+    NgMatrix frame; // where the host's frame has its x and y axes
+    NglAlignZAxisToLine({}, axis, 0, frame);
+    std::vector<_NgPoint3Str> arc; // 8 pixels a unit, 18 units deep
+    for (const double angle : {20, -10, -40, -70}) {
+        const double c = 2 * std::cos(angle * M_PI / 180), s = 2 * std::sin(angle * M_PI / 180);
+        const auto at = [&](int k) { return frame[0][k] * c + frame[1][k] * s; };
+        arc.push_back({32 + 8 * (0.5 + at(0)), 32 + 8 * (-0.25 + at(1)), (8 - at(2)) / 18});
     }
-    const auto model = [&](const _NgPoint3Str& w) {
-        return MathDifference({(w.x - 32) / 8, (w.y - 32) / 8, 9 - 18 * w.z}, center);
-    };
-    const auto plain = fedBackLines([&] { NglDrawArc(&center, &slanted, 2, 0, -90, 2); });
-    const auto twisted = fedBackLines([&] { NglDrawArc(&center, &slanted, 2, 45, -90, 2); });
-    ASSERT_EQ(plain.size(), 4u);
-    for (const _NgPoint3Str& end : plain) {
-        EXPECT_NEAR(MathLength(model(end)), 2, 1e-4);
-        EXPECT_NEAR(MathDot(model(end), slanted), 0, 1e-4);
-    }
-    const double sine = 4 * 3 * std::sin(M_PI / 4); // of 45 degrees, times both radii and the axis' length
-    EXPECT_NEAR(MathDot(MathCross(model(plain[0]), model(plain[1])), slanted), -sine, 1e-3);
-    EXPECT_NEAR(MathDot(MathCross(model(plain[0]), model(twisted[0])), slanted), sine, 1e-3);
+    expectChain([&] { NglDrawArc(&center, &axis, 2, 20, -90, 3); }, arc);
     for (const int n : {0, -2})
-        EXPECT_TRUE(fedBackLines([&] { NglDrawArc(&center, &z, 2, 30, 120, n); }).empty());
+        expectChain([&] { NglDrawArc(&center, &axis, 2, 20, -90, n); }, {{}});
 }
 
 TEST(SpherePolyhedron, IsClosedAndOnTheUnitSphere) {
@@ -85,12 +74,15 @@ TEST_F(Spheres, KeepTheirSizeAndLight) {
     glEnable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
     glShadeModel(GL_FLAT);
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(1);
     for (const double halfHeight : {4.0, 1.5}) {
         SCOPED_TRACE(halfHeight);
         zoom(halfHeight);
         glLoadIdentity();
         glTranslatef(-1, 0.5f, -2);
         clear();
+        glMatrixMode(GL_TEXTURE);
         NglDrawSpheresWithRadius(1, center, &radius, nullptr, 0, 0, 0);
         const Picture picture = read();
         std::vector<float> depths(kSize * kSize);
@@ -119,45 +111,28 @@ TEST_F(Spheres, TakeTheirColorsFromTheTexture) {
     const std::vector<float> radii{6, 6}, values{0.25f, 0.75f};
     const struct {
         int textured, a, b;
-        double s, t;      ///< current afterwards
-        NgColorLong left; ///< the right sphere is always green
-    } rows[] = {{0, 1, 1, 0.6, 0.7, 0xFF00FF00},
-                {1, 0, 0, 0.75, 0, 0xFF0000FF},
-                {1, 1, 0, 0, 0.25, 0},
-                {1, 0, 1, 0, 0.5, 0},
-                {1, 1, 1, 0, 0.5, 0}};
-    glColor3f(1, 1, 1);
-    glNormal3f(0.25f, 0.5f, 0.75f);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.textured << row.a << row.b);
-        clear();
-        glTexCoord2d(0.6, 0.7);
-        glDisable(GL_NORMALIZE);
-        const GlSnapshot before = GlSnapshot::take();
-        NglDrawSpheres(centers, radii, values, row.textured, row.a, row.b);
-        float current[4];
-        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, current);
-        EXPECT_FLOAT_EQ(current[0], row.s);
-        EXPECT_FLOAT_EQ(current[1], row.t);
-        EXPECT_TRUE(glIsEnabled(GL_NORMALIZE));
-        glDisable(GL_NORMALIZE);
-        glTexCoord2d(0.6, 0.7);
-        EXPECT_TRUE(before.equals(GlSnapshot::take()));
-        const Picture picture = read();
-        const bool byValue = !row.textured || (!row.a && !row.b);
-        EXPECT_EQ(hex(picture.at(15, 31)), hex(byValue ? row.left : 0xFF0000FF));
-        EXPECT_EQ(hex(picture.at(47, 31)), hex(byValue ? 0xFF00FF00 : 0xFF0000FF));
-        for (const bool shared : {true, false}) {
+        std::array<float, 2> coordinate; ///< of the second sphere
+    } rows[] = {{0, 1, 1, {0.6f, 0.7f}}, {1, 0, 0, {0.75f, 0}}, {1, 1, 0, {0, 0.25f}}, {1, 1, 1, {0, 0.5f}}};
+    glEnable(GL_NORMALIZE);
+    for (const auto& [textured, a, b, coordinate] : rows)
+        for (const int form : {0, 1, 2}) {
+            SCOPED_TRACE(testing::Message() << textured << a << b << ", form " << form);
             clear();
-            glTexCoord2d(0.6, 0.7);
-            if (shared)
-                NglDrawSpheres(2, centers.data(), 6, values.data(), row.textured, row.a, row.b);
-            else
-                NglDrawSpheresWithRadius(2, &centers[0].x, radii.data(), values.data(), row.textured, row.a,
-                                         row.b);
-            EXPECT_TRUE(samePicture(read(), picture));
+            glTexCoord2f(0.6f, 0.7f);
+            const GlSnapshot before = GlSnapshot::take();
+            if (form == 0)
+                NglDrawSpheres(centers, radii, values, textured, a, b);
+            if (form == 1)
+                NglDrawSpheres(2, centers.data(), 6, values.data(), textured, a, b);
+            if (form == 2)
+                NglDrawSpheresWithRadius(2, &centers[0].x, radii.data(), values.data(), textured, a, b);
+            EXPECT_TRUE(before.equals(GlSnapshot::take(), {"current value"}));
+            float current[4];
+            glGetFloatv(GL_CURRENT_TEXTURE_COORDS, current);
+            EXPECT_EQ((std::array{current[0], current[1]}), coordinate);
+            EXPECT_EQ(hex(read().at(15, 31)), hex(texels[!textured]));
+            EXPECT_EQ(hex(read().at(47, 31)), hex(texels[coordinate[0] > 0.5f]));
         }
-    }
 }
 
 } // namespace

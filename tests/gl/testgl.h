@@ -46,19 +46,18 @@ inline void expectNear(const _NgPoint3Str& a, const _NgPoint3Str& b, double tole
     EXPECT_NEAR(a.z, b.z, tolerance);
 }
 
-/// Ends of the lines that a call draws, two for each, in window coordinates, as GL feeds them back.
+/// Expects a call to draw the segments of a chain, given in window coordinates.
 template <class Draw>
-std::vector<_NgPoint3Str> fedBackLines(Draw&& draw) {
-    std::vector<GLfloat> fed(1 << 13);
+void expectChain(Draw&& draw, const std::vector<_NgPoint3Str>& chain) {
+    std::vector<GLfloat> fed(1 << 13); // a token and two points for each segment
     glFeedbackBuffer(1 << 13, GL_3D, fed.data());
     glRenderMode(GL_FEEDBACK);
     draw();
-    fed.resize(glRenderMode(GL_RENDER));
-    std::vector<_NgPoint3Str> ends;
-    for (std::size_t i = 0; i < fed.size(); i += 7) // a token and two points
-        for (const std::size_t k : {i + 1, i + 4})
-            ends.push_back({fed[k], fed[k + 1], fed[k + 2]});
-    return ends;
+    ASSERT_EQ(glRenderMode(GL_RENDER), static_cast<int>(7 * (chain.size() - 1)));
+    for (std::size_t i = 0, k = 0; i + 1 < chain.size(); ++i, k += 7) {
+        expectNear({fed[k + 1], fed[k + 2], fed[k + 3]}, chain[i], 1e-4);
+        expectNear({fed[k + 4], fed[k + 5], fed[k + 6]}, chain[i + 1], 1e-4);
+    }
 }
 
 /// What callbacks of the case wrote.
