@@ -40,14 +40,12 @@ protected:
     void TearDown() override {
         EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
         NglDestroyFBO(&m_framebuffer);
-        glfwTerminate();
-        if (m_server)
-            pclose(m_server); // it ends with its last client
     }
+    /// On an X server that ends with its last client: this process, which keeps its window.
     void openWindow() {
-        m_server = popen("Xvfb -displayfd 1 -terminate -nolisten tcp 2>/dev/null", "r");
+        FILE* const server = popen("Xvfb -displayfd 1 -terminate -nolisten tcp 2>/dev/null", "r");
         char display[9] = ":"; // a free one, which the server tells once it is up
-        ASSERT_EQ(fscanf(m_server, "%7s", display + 1), 1) << "Xvfb did not start";
+        ASSERT_EQ(fscanf(server, "%7s", display + 1), 1) << "Xvfb did not start";
         setenv("DISPLAY", display, 1);
         ASSERT_TRUE(glfwInit());
         glfwWindowHint(GLFW_DOUBLEBUFFER, GetParam() == DoubleBuffered);
@@ -62,7 +60,6 @@ protected:
 
 private:
     nruview::OffscreenContext m_context;
-    FILE* m_server = nullptr;
     _NglFBOInfoStr m_framebuffer{};
     std::array<NgColorLong, 64> m_palette{};
 };

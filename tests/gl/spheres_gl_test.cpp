@@ -45,14 +45,15 @@ TEST_F(Spheres, ArcsTurnAboutTheirAxis) {
 }
 
 TEST(SpherePolyhedron, IsClosedAndOnTheUnitSphere) {
-    const auto& [vertices, indices] = nglSpherePolyhedron();
+    const auto& vertices = nglSpherePolyhedron().vertices;
+    const auto& indices = nglSpherePolyhedron().indices;
     const std::vector<unsigned> first(indices.begin(), indices.begin() + 12);
     EXPECT_EQ(first, (std::vector<unsigned>{0, 4, 12, 4, 1, 12, 1, 0, 12, 0, 9, 13}));
     expectNear(wide(vertices[2]), {-0.525731, 0, -0.850651}, 1e-7);
     std::set<std::pair<unsigned, unsigned>> edges; // with a direction
     double volume = 0;
     for (std::size_t i = 0; i < indices.size(); i += 3) {
-        const auto p = [&, &corners = vertices](int k) { return wide(corners[indices[i + k % 3]]); };
+        const auto p = [&](int k) { return wide(vertices[indices[i + k % 3]]); };
         volume += MathDot(p(0), MathCross(p(1), p(2))) / 6;
         EXPECT_LT(MathDot(p(0), MathCross(p(1), p(2))), 0) << "clockwise as seen from outside: " << i;
         for (int k = 0; k < 3; ++k) {
