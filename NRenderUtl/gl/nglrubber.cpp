@@ -12,7 +12,8 @@ enum RubberKind { RubberLine, RubberRectangle };
 
 bool drawsToWindow() {
     GLint framebuffer = 0;
-    if (epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object"))
+    if (epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object") ||
+        epoxy_has_gl_extension("GL_ARB_framebuffer_object"))
         glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
     return framebuffer == 0;
 }
