@@ -1,3 +1,4 @@
+// The axes are drawn flat from their directions in the window, the farther ones first.
 #include "viewer/axes.h"
 
 #include <algorithm>

@@ -7,6 +7,9 @@
 
 namespace nruview {
 
+/// Grey, which is no colour of a band: there is no value.
+constexpr NgColorLong kNoValueColor = 0xFFA0A0A0;
+
 /// Colours from blue (low) to red (high). The library gets values as fractions of the range, taken in double
 /// precision: large values with a small range, and ranges below the library's tolerance, keep all their
 /// bands.

@@ -1,3 +1,4 @@
+// The digits of printf, scaled by a power of ten that all numbers share.
 #include "viewer/labelnumbers.h"
 
 #include <algorithm>

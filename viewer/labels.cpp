@@ -64,6 +64,8 @@ PictureLabels::PictureLabels(const ShownModel& shown, const std::optional<ColorB
                              const LabelSettings& settings, std::string title)
     : m_shown(shown), m_bands(bands), m_settings(settings), m_title(std::move(title)) {
     m_settings.legend &= bands.has_value();
+    m_lacksValues = bands && std::any_of(shown.scalars->values.begin(), shown.scalars->values.end(),
+                                         [](double value) { return std::isnan(value); });
     if (m_settings.marks && bands)
         m_extremes = findExtremes(shown);
     if (m_title.empty() && !m_settings.legend && !m_extremes && !m_settings.axes)
@@ -79,38 +81,47 @@ void* PictureLabels::font(int size_px) {
 
 PictureLabels::Layout PictureLabels::layOut(int width, int height, NgColorLong color) {
     Layout layout;
-    layout.em_px = emFor(width, height);
-    layout.margin = layout.em_px;
+    layout.em_px = layout.margin = emFor(width, height);
     layout.style = {font(layout.em_px), color};
     layout.titleStyle = {font(titleSize_px(layout.em_px)), color};
     layout.area = {width, height, 0, 0};
-    const int margin = layout.margin, widest = static_cast<int>(kWidestColumn * width);
-    layout.title = elided(m_title, width - 2 * margin, layout.titleStyle);
-    const TextSize size = textSize(layout.title, layout.titleStyle);
-    const int row = margin + size.ascent + size.descent;
-    if (layout.title.empty() || size.width == 0 || row > kHighestRow * height)
-        layout.title.clear();
-    else
-        layout.area.top = row;
-    layout.titleBase = height - margin * 3 / 4 - size.ascent;
+    layOutTitle(layout);
+    layOutColumn(layout);
+    return layout;
+}
 
-    const int triad = triadSize_px(layout.em_px);
-    layout.hasTriad = m_settings.axes && margin / 2 + triad <= std::min(widest, height / 2);
-    if (layout.hasTriad)
-        layout.area.left = margin / 2 + triad;
-    if (!m_settings.legend)
-        return layout;
-    PixelRect room = {margin, margin, widest, height - layout.area.top - margin};
-    for (const bool withTriad : {layout.hasTriad, false}) { // the legend before the axes
-        room.bottom = withTriad ? triad + margin / 2 : margin;
-        layout.legend = layOutLegend(*m_bands, m_shown.scalars->label, room, layout.em_px, layout.style);
-        if (layout.legend) {
-            layout.hasTriad = withTriad;
-            layout.area.left = std::max(withTriad ? layout.area.left : 0, layout.legend->right + margin / 2);
-            break;
+void PictureLabels::layOutTitle(Layout& layout) const {
+    PictureArea& area = layout.area;
+    const std::string title = elided(m_title, area.width - 2 * layout.margin, layout.titleStyle);
+    const TextSize size = textSize(title, layout.titleStyle);
+    const int row = layout.margin + size.ascent + size.descent;
+    if (size.width == 0 || row > kHighestRow * area.height)
+        return;
+    layout.title = title;
+    layout.titleBase = area.height - layout.margin * 3 / 4 - size.ascent;
+    area.top = row;
+}
+
+/// The legend comes before the axes where there is no room for both.
+void PictureLabels::layOutColumn(Layout& layout) const {
+    PictureArea& area = layout.area;
+    const int margin = layout.margin, triad = triadSize_px(layout.em_px);
+    const auto widest = static_cast<int>(kWidestColumn * area.width);
+    const bool fitsTriad = m_settings.axes && margin / 2 + triad <= std::min(widest, area.height / 2);
+    PixelRect room = {margin, margin, widest, area.height - area.top - margin};
+    for (const bool withTriad : {fitsTriad, false}) {
+        room.bottom = margin + (withTriad ? triad : 0);
+        if (m_settings.legend && !layout.legend) {
+            layout.legend = layOutLegend({*m_bands, m_shown.scalars->label, m_lacksValues}, room,
+                                         layout.em_px, layout.style);
+            layout.hasTriad = withTriad && layout.legend;
         }
     }
-    return layout;
+    layout.hasTriad |= fitsTriad && !layout.legend;
+    if (layout.legend)
+        area.left = layout.legend->right + margin / 2;
+    if (layout.hasTriad)
+        area.left = std::max(area.left, margin / 2 + triad);
 }
 
 PictureArea PictureLabels::area(int width, int height) {

@@ -32,12 +32,15 @@ public:
 private:
     struct Layout;
     Layout layOut(int width, int height, NgColorLong color);
+    void layOutTitle(Layout& layout) const;
+    void layOutColumn(Layout& layout) const;
     void* font(int size_px);
 
     const ShownModel& m_shown;
     const std::optional<ColorBands>& m_bands;
     LabelSettings m_settings;
     std::string m_title;
+    bool m_lacksValues = false;
     std::optional<std::array<Extreme, 2>> m_extremes;
     std::optional<HostText> m_text;
 };

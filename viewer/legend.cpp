@@ -1,3 +1,4 @@
+// Layout first, in whole pixels, then drawing: tests read the layout.
 #include "viewer/legend.h"
 
 #include <algorithm>
@@ -10,7 +11,8 @@ namespace nruview {
 namespace {
 
 constexpr int kFewestRows = 4; ///< of labels, below which there is no bar
-constexpr double kLongestBar_em = 30.0;
+constexpr double kLine_em = 1.4, kLongestBar_em = 30.0, kWidestHeading_em = 10.0;
+constexpr const char* kNoValueText = "no value";
 constexpr int kLeastBandRows_px = 5; ///< a longer bar where bands would be thinner
 
 int scaled(double part, int em_px) {
@@ -72,6 +74,19 @@ int widest(const std::vector<Legend::Label>& labels, const TextStyle& style) {
     return width;
 }
 
+/// Heading and factor from the top of an area on. Returns where they end.
+int layOutHeading(Legend& legend, const std::string& heading, const std::string& factor,
+                  const PixelRect& area, int em_px, const TextStyle& style) {
+    const int lineHeight = scaled(kLine_em, em_px);
+    legend.heading = elided(heading, std::min(area.width(), scaled(kWidestHeading_em, em_px)), style);
+    legend.factor = factor;
+    legend.headingLeft = area.left;
+    legend.headingBase =
+        area.top - std::max(textSize("X", style).ascent, textSize(legend.heading, style).ascent);
+    legend.factorBase = legend.headingBase - (legend.heading.empty() ? 0 : lineHeight);
+    return area.top - ((legend.heading.empty() ? 0 : 1) + (factor.empty() ? 0 : 1)) * lineHeight;
+}
+
 } // namespace
 
 std::vector<int> labelledLimits(int bands, int apart) {
@@ -90,31 +105,31 @@ std::vector<int> labelledLimits(int bands, int apart) {
     return limits;
 }
 
-std::optional<Legend> layOutLegend(const ColorBands& bands, const std::string& heading, const PixelRect& area,
-                                   int em_px, const TextStyle& style) {
-    const int lineHeight = scaled(1.4, em_px), half = lineHeight / 2;
+std::optional<Legend> layOutLegend(const LegendContent& content, const PixelRect& area, int em_px,
+                                   const TextStyle& style) {
+    const ColorBands& bands = content.bands;
+    const int lineHeight = scaled(kLine_em, em_px), half = lineHeight / 2;
     const NumberLabels numbers = labelNumbers(limitsOf(bands));
     Legend legend;
-    legend.factor = numbers.factor;
-    legend.heading = elided(heading, area.width(), style);
-    legend.headingLeft = area.left;
-    const TextSize capitals = textSize("X", style);
-    legend.headingBase = area.top - std::max(capitals.ascent, textSize(legend.heading, style).ascent);
-    legend.factorBase = legend.headingBase - lineHeight;
-    const int headingRows = legend.heading.empty() ? 0 : 1, factorRows = legend.factor.empty() ? 0 : 1;
-    const int top = area.top - (headingRows + factorRows) * lineHeight - half;
-    const int available = top - area.bottom - half;
+    const int top = layOutHeading(legend, content.heading, numbers.factor, area, em_px, style) - half;
+    const int below = half + (content.lacksValues ? lineHeight + half : 0);
+    const int available = top - area.bottom - below;
     if (available < kFewestRows * lineHeight)
         return {};
     const int left = area.left + 1; // its outline stands under the title's first letter
     legend.bar = {left, top - barHeight(bands.count(), available, em_px), left + scaled(1.6, em_px), top};
     legend.boxes = boxesOf(bands, legend.bar);
     legend.labels = labelsOf(bands, numbers, legend.bar, lineHeight);
-    const int labelWidth = widest(legend.labels, style);
-    legend.labelsRight = legend.bar.right + scaled(1.0, em_px) + labelWidth;
+    if (content.lacksValues)
+        legend.noValue = {left, legend.bar.bottom - below + 1, legend.bar.right,
+                          legend.bar.bottom - below + lineHeight};
+    const int labelWidth = widest(legend.labels, style), gap = scaled(1.0, em_px);
+    legend.labelsRight = legend.bar.right + gap + labelWidth;
     legend.right = std::max({labelWidth > 0 ? legend.labelsRight : legend.bar.right,
                              area.left + textSize(legend.heading, style).width,
                              area.left + textSize(legend.factor, style).width});
+    if (content.lacksValues)
+        legend.right = std::max(legend.right, legend.bar.right + gap + textSize(kNoValueText, style).width);
     if (legend.right > area.right)
         return {};
     return legend;
@@ -131,6 +146,11 @@ void drawLegend(const Legend& legend, const TextStyle& style) {
             label.y > bar.bottom ? label.y : bar.bottom - 1; // the ends' ticks go on from the outline
         fillRect({bar.right + 1, y, bar.right + 1 + tick, y + 1}, style.color);
         drawText(legend.labelsRight - textSize(label.text, style).width, y - middle, label.text, style);
+    }
+    if (const PixelRect& box = legend.noValue; box.width() > 0) {
+        outlineRect({box.left - 1, box.bottom - 1, box.right + 1, box.top + 1}, style.color);
+        fillRect(box, kNoValueColor);
+        drawText(legend.bar.right + 1 + 2 * tick, (box.bottom + box.top) / 2 - middle, kNoValueText, style);
     }
     drawText(legend.headingLeft, legend.headingBase, legend.heading, style);
     drawText(legend.headingLeft, legend.factorBase, legend.factor, style);

@@ -21,7 +21,7 @@ struct Legend {
         std::string text;
         int y = 0; ///< its height in the bar, where the tick is
     };
-    PixelRect bar;
+    PixelRect bar, noValue; ///< the latter is empty where every value is there
     std::vector<Box> boxes; ///< bands; of smeared ones a row of pixels each
     std::vector<Label> labels;
     int labelsRight = 0; ///< numbers end here, so that their digits stand in columns
@@ -30,10 +30,17 @@ struct Legend {
     int right = 0; ///< end of all of it
 };
 
+/// What a colour bar is for.
+struct LegendContent {
+    const ColorBands& bands;
+    std::string heading;
+    bool lacksValues = false; ///< somewhere: their colour has a box of its own below the bar
+};
+
 /// Lays it out from the upper left corner of an area downward. Labels that would touch each other are left
 /// out, the ends stay. Returns nothing where the area is too small.
-std::optional<Legend> layOutLegend(const ColorBands& bands, const std::string& heading, const PixelRect& area,
-                                   int em_px, const TextStyle& style);
+std::optional<Legend> layOutLegend(const LegendContent& content, const PixelRect& area, int em_px,
+                                   const TextStyle& style);
 void drawLegend(const Legend& legend, const TextStyle& style);
 
 /// The limits that are labelled when labels stand at least so many bands apart: evenly where that works out,

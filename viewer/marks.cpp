@@ -1,3 +1,4 @@
+// A mark is a disc; a line leads from it to its label, which stands where little of the model is.
 #include "viewer/marks.h"
 
 #include <epoxy/gl.h>
@@ -7,54 +8,12 @@
 #include <vector>
 
 #include "viewer/labelnumbers.h"
-#include "viewer/vectors.h"
 
 namespace nruview {
 
 namespace {
 
-/// Calls visit(number) for every node, or element, that is drawn; for some more than once.
-template <typename Visit>
-void forEachDrawn(const ShownModel& shown, Visit visit) {
-    const bool ofElements = shown.scalars->location == FieldLocation::Cell;
-    const auto add = [&](std::span<const std::uint32_t> corners, std::uint32_t cell) {
-        if (!shown.elements.isShown(cell))
-            return;
-        if (ofElements)
-            visit(cell);
-        else
-            for (const std::uint32_t point : corners)
-                if (point < shown.model.nodes.size()) // no centre of a split face
-                    visit(point);
-    };
-    const Surface& surface = shown.surface;
-    forEachFace(surface, add);
-    for (std::size_t i = 0; i < surface.lines.size(); ++i)
-        add(surface.lines[i], surface.lineCells[i]);
-    for (std::size_t i = 0; i < surface.points.size(); ++i)
-        add({&surface.points[i], 1}, surface.pointCells[i]);
-}
-
-/// Takes a value into account for the smallest (sign 1) or the largest (sign -1).
-void take(std::optional<Extreme>& extreme, double value, std::uint32_t number, double sign) {
-    if (!extreme || sign * value < sign * extreme->value)
-        extreme = Extreme{value, {}};
-    if (value == extreme->value)
-        extreme->numbers.push_back(number);
-}
-
-void sortOnce(std::vector<std::uint32_t>& numbers) {
-    std::sort(numbers.begin(), numbers.end());
-    numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-}
-
-std::uint32_t nearest(const ShownModel& shown, const Extreme& extreme, const Point& towardViewer) {
-    const auto nearness = [&](std::uint32_t number) {
-        return dot(markPosition(shown, number), towardViewer);
-    };
-    return *std::max_element(extreme.numbers.begin(), extreme.numbers.end(),
-                             [&](std::uint32_t a, std::uint32_t b) { return nearness(a) < nearness(b); });
-}
+constexpr double kWidestLabel = 0.6; ///< of the model's part of the picture
 
 /// A value by itself, or with the digits that tell it from the other one.
 std::string numberText(const std::array<Extreme, 2>& extremes, int i) {
@@ -82,6 +41,10 @@ std::optional<_NgPoint2Str> windowPosition(const Point& position, const PixelRec
     const _NgPoint2Str at = {std::floor(x) + 0.5, std::floor(height - y) + 0.5}; // discs are even then
     const bool isWithin = at.x >= area.left && at.x < area.right && at.y >= area.bottom && at.y < area.top;
     return isWithin && depth >= 0.0 && depth <= 1.0 ? std::optional(at) : std::nullopt;
+}
+
+int discReach(int em_px) {
+    return std::max(3, em_px / 3);
 }
 
 int padding(int em_px) {
@@ -112,44 +75,74 @@ int modelPixels(const PixelRect& box) {
     return static_cast<int>(std::count_if(depths.begin(), depths.end(), [](float d) { return d < 1.0f; }));
 }
 
-/// Finds the place within the area that hides least of the model and is not taken, nearer ones first. Where
-/// there is none the label goes without.
-bool place(Mark& mark, const PixelRect& area, const std::vector<PixelRect>& taken, int em_px,
-           const TextStyle& style) {
+/// Where the line from the mark to its label ends.
+_NgPoint2Str leaderEnd(const Mark& mark) {
+    const PixelRect& box = mark.box;
+    return {std::clamp(mark.at.x, static_cast<double>(box.left), static_cast<double>(box.right)),
+            std::clamp(mark.at.y, static_cast<double>(box.bottom), static_cast<double>(box.top))};
+}
+
+/// Whether that line passes through a box.
+bool leaderMeets(const Mark& mark, const PixelRect& box) {
+    constexpr int kSteps = 32;
+    const _NgPoint2Str end = leaderEnd(mark);
+    for (int i = 0; i <= kSteps; ++i) {
+        const double part = static_cast<double>(i) / kSteps;
+        const double x = mark.at.x + part * (end.x - mark.at.x), y = mark.at.y + part * (end.y - mark.at.y);
+        if (x > box.left && x < box.right && y > box.bottom && y < box.top)
+            return true;
+    }
+    return false;
+}
+
+/// The square about a mark's disc.
+PixelRect symbolOf(const Mark& mark, int em_px) {
+    const int x = static_cast<int>(mark.at.x), y = static_cast<int>(mark.at.y), reach = discReach(em_px) + 2;
+    return {x - reach, y - reach, x + reach + 1, y + reach + 1};
+}
+
+/// Whether a mark's label keeps clear of all marks and of the labels placed before.
+bool isClear(const Mark& mark, const std::vector<Mark>& all, int em_px) {
+    return std::none_of(all.begin(), all.end(), [&](const Mark& other) {
+        const bool isPlaced = other.box.width() > 0;
+        return symbolOf(other, em_px).overlaps(mark.box) ||
+               (isPlaced && (other.box.overlaps(mark.box) || leaderMeets(other, mark.box) ||
+                             leaderMeets(mark, other.box)));
+    });
+}
+
+/// Finds the place within the area that hides least of the model and is clear, nearer ones first. Returns the
+/// mark without a box where there is none.
+Mark placed(const Mark& mark, const std::vector<Mark>& all, const PixelRect& area, int em_px,
+            const TextStyle& style) {
     constexpr std::array<std::array<int, 2>, 8> kSides = {
         {{1, 1}, {-1, 1}, {1, -1}, {-1, -1}, {0, 1}, {0, -1}, {1, 0}, {-1, 0}}};
     const TextSize size = textSize(mark.text, style);
     const int width = size.width + 2 * padding(em_px);
     const int height = size.ascent + size.descent + 2 * padding(em_px);
-    double best = 2.0;
+    Mark best = mark;
+    if (size.width == 0 || width > kWidestLabel * area.width())
+        return best;
+    double lowest = 2.0;
     for (const double distance_em : {1.0, 2.0, 4.0})
         for (const auto& [sideX, sideY] : kSides) {
-            const PixelRect box =
-                movedInto(area, boxBeside(mark.at, width, height, sideX, sideY,
-                                          static_cast<int>(std::lround(distance_em * em_px))));
-            const auto overlaps = [&](const PixelRect& other) { return other.overlaps(box); };
-            if (!area.contains(box) || std::any_of(taken.begin(), taken.end(), overlaps))
+            const int distance = static_cast<int>(std::lround(distance_em * em_px));
+            Mark tried = mark;
+            tried.box = movedInto(area, boxBeside(mark.at, width, height, sideX, sideY, distance));
+            if (!area.contains(tried.box) || !isClear(tried, all, em_px))
                 continue;
-            const double cost = 1.0 * modelPixels(box) / (width * height) + 0.05 * distance_em;
-            if (cost < best) {
-                best = cost;
-                mark.box = box;
+            const double cost = 1.0 * modelPixels(tried.box) / (width * height) + 0.05 * distance_em;
+            if (cost < lowest) {
+                lowest = cost;
+                best = tried;
             }
         }
-    return best < 2.0;
-}
-
-PixelRect around(const _NgPoint2Str& at, int reach) {
-    const int x = static_cast<int>(std::lround(at.x)), y = static_cast<int>(std::lround(at.y));
-    return {x - reach, y - reach, x + reach, y + reach};
+    return best;
 }
 
 void drawLabel(const Mark& mark, int em_px, const TextStyle& style, NgColorLong background) {
     const PixelRect& box = mark.box;
-    const _NgPoint2Str nearest = {
-        std::clamp(mark.at.x, static_cast<double>(box.left), static_cast<double>(box.right)),
-        std::clamp(mark.at.y, static_cast<double>(box.bottom), static_cast<double>(box.top))};
-    drawLine(mark.at, nearest, style.color);
+    drawLine(mark.at, leaderEnd(mark), style.color);
     fillRect(box, background);
     outlineRect(box, style.color);
     const int pad = padding(em_px);
@@ -158,52 +151,23 @@ void drawLabel(const Mark& mark, int em_px, const TextStyle& style, NgColorLong 
 
 } // namespace
 
-std::optional<std::array<Extreme, 2>> findExtremes(const ShownModel& shown) {
-    std::optional<Extreme> smallest, largest;
-    forEachDrawn(shown, [&](std::uint32_t number) {
-        const double value = shown.scalars->values[number];
-        if (!std::isfinite(value))
-            return;
-        take(smallest, value, number, 1.0);
-        take(largest, value, number, -1.0);
-    });
-    if (!smallest || smallest->value == largest->value)
-        return {};
-    sortOnce(smallest->numbers);
-    sortOnce(largest->numbers);
-    return std::array{*smallest, *largest};
-}
-
-Point markPosition(const ShownModel& shown, std::uint32_t number) {
-    if (shown.scalars->location == FieldLocation::Node)
-        return shown.points[number];
-    Point sum{};
-    const std::span<const std::uint32_t> nodes = shown.model.cellNodes(number);
-    for (const std::uint32_t node : nodes)
-        sum = sum + shown.points[node];
-    return (1.0 / static_cast<double>(nodes.size())) * sum;
-}
-
 void drawMarks(const ShownModel& shown, const std::array<Extreme, 2>& extremes, const Point& towardViewer,
                const PixelRect& area, int height, int em_px, const TextStyle& style, NgColorLong background) {
     const char* what = shown.scalars->location == FieldLocation::Cell ? ", element " : ", node ";
-    const int reach = std::max(3, em_px / 3);
     std::vector<Mark> marks;
-    std::vector<PixelRect> taken;
     for (int i = 0; i < 2; ++i) {
-        const std::uint32_t number = nearest(shown, extremes[i], towardViewer);
-        const auto at = windowPosition(markPosition(shown, number), area, height);
-        if (!at)
-            continue;
-        marks.push_back(
-            {*at, (i == 0 ? "Min " : "Max ") + numberText(extremes, i) + what + std::to_string(number)});
-        taken.push_back(around(*at, reach + 1));
+        const std::uint32_t number = nearestOf(shown, extremes[i], towardViewer);
+        if (const auto at = windowPosition(positionOf(shown, number), area, height))
+            marks.push_back(
+                {*at, (i == 0 ? "Min " : "Max ") + numberText(extremes, i) + what + std::to_string(number)});
     }
+    const PixelRect room = {area.left + 2, area.bottom + 2, area.right - 2, area.top - 2};
     for (Mark& mark : marks)
-        if (textSize(mark.text, style).width > 0 && place(mark, area, taken, em_px, style)) {
-            taken.push_back(mark.box);
+        mark = placed(mark, marks, room, em_px, style);
+    for (const Mark& mark : marks)
+        if (mark.box.width() > 0)
             drawLabel(mark, em_px, style, background);
-        }
+    const int reach = discReach(em_px);
     for (const Mark& mark : marks) {
         fillDisc(mark.at, reach + 0.6, style.color);
         fillDisc(mark.at, reach - 0.6, background);

@@ -16,7 +16,6 @@ namespace {
 
 constexpr NgColorLong kWhite = 0xFFFFFFFF;
 constexpr NgColorLong kNeutral = 0xFFCDB9A8; ///< a model without a field: light steel blue
-constexpr NgColorLong kNoValue = 0xFFA0A0A0; ///< NaN: grey, which is no contour colour
 constexpr NgColorLong kEdgeColor = 0xFF303030;
 constexpr float kBeamWidth_px = 3.0f;
 constexpr float kPointSize_px = 6.0f;
@@ -37,7 +36,7 @@ std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings
 }
 
 NgColorLong plainColor(const std::optional<ColorBands>& bands) {
-    return bands ? kNoValue : kNeutral;
+    return bands ? kNoValueColor : kNeutral;
 }
 
 /// Contour coordinates of the corners of an element, four at most; nothing when one has no value or the

@@ -72,12 +72,13 @@ void drawText(int x, int y, const std::string& utf8, const TextStyle& style) {
 std::string elided(const std::string& utf8, int width, const TextStyle& style) {
     if (textSize(utf8, style).width <= width)
         return utf8;
-    std::wstring start = GuString(utf8).Wide();
-    while (!start.empty()) {
-        start.pop_back();
-        const std::string text = GuString((start + L"…").c_str()).Utf8();
+    const std::wstring whole = GuString(utf8).Wide();
+    for (std::size_t kept = whole.size(); --kept > 1;) {
+        const std::size_t head = (kept + 1) / 2, tail = kept / 2;
+        const std::wstring shorter = whole.substr(0, head) + L"…" + whole.substr(whole.size() - tail);
+        const std::string text = GuString(shorter).Utf8();
         if (textSize(text, style).width <= width)
-            return start.empty() ? "" : text;
+            return text;
     }
     return {};
 }

@@ -44,7 +44,8 @@ struct TextSize {
 TextSize textSize(const std::string& utf8, const TextStyle& style);
 /// x, y: left end of the base line.
 void drawText(int x, int y, const std::string& utf8, const TextStyle& style);
-/// The text, or what fits into a width of its start with an ellipsis; empty where not even that does.
+/// The text, or as much of its start and its end as fits into a width with an ellipsis between; empty where
+/// not even two letters do.
 std::string elided(const std::string& utf8, int width, const TextStyle& style);
 
 } // namespace nruview

@@ -195,7 +195,7 @@ TEST_F(ViewerLabels, TheBarShowsTheScalesOwnColorsAndLimits) {
                              std::to_string(range[0]));
                 const ColorBands bands(count, range, smeared);
                 const TextStyle style = {host.font(11), kBlack};
-                const auto legend = layOutLegend(bands, "a heading much too long for a column",
+                const auto legend = layOutLegend({bands, "a heading much too long for a column", true},
                                                  {10, 20, 150, 340}, 11, style);
                 ASSERT_TRUE(legend);
                 beginEmpty(kWhite);
@@ -211,6 +211,9 @@ TEST_F(ViewerLabels, TheBarShowsTheScalesOwnColorsAndLimits) {
                             << y;
                     }
                 }
+                EXPECT_EQ(drawn.at(legend->noValue.left, legend->noValue.bottom) & kRgb,
+                          kNoValueColor & kRgb);
+                EXPECT_LT(legend->noValue.top, legend->bar.bottom);
                 const double factor = legend->factor.empty() ? 1.0
                                       : range[1] > 1         ? 1e9
                                                              : 1e-9; // what the rows come to
@@ -229,7 +232,7 @@ TEST_F(ViewerLabels, TheBarShowsTheScalesOwnColorsAndLimits) {
                 EXPECT_TRUE((PixelRect{10, 20, 150, 340}.contains(inkOn(drawn, kWhite).box)));
             }
     const ColorBands flat(4, {2.5, 2.5}, false);
-    const auto one = layOutLegend(flat, "x", {10, 20, 150, 340}, 11, {host.font(11), kBlack});
+    const auto one = layOutLegend({flat, "x"}, {10, 20, 150, 340}, 11, {host.font(11), kBlack});
     EXPECT_TRUE(one && one->labels.size() == 1 && one->labels[0].text == "2.5");
 }
 

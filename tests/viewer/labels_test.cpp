@@ -5,11 +5,11 @@
 
 #include "viewer/camera.h"
 #include "viewer/error.h"
+#include "viewer/extremes.h"
 #include "viewer/font.h"
 #include "viewer/hosttext.h"
 #include "viewer/labelnumbers.h"
 #include "viewer/legend.h"
-#include "viewer/marks.h"
 
 using namespace nruview;
 
