@@ -9,6 +9,7 @@
 #include "viewer/font.h"
 #include "viewer/hosttext.h"
 #include "viewer/labelnumbers.h"
+#include "viewer/labels.h"
 #include "viewer/legend.h"
 
 using namespace nruview;
@@ -120,6 +121,36 @@ TEST(Extremes, AreThoseOfFiniteValuesThatAreDrawn) {
     }
 }
 
+TEST(Title, NamesWhatIsShownAndKeepsBothEndsWhenShortened) {
+    Model model;
+    model.nodes = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{0, 1, 2});
+    for (const char* name : {"T1", "T2", "T9", "U"})
+        model.fields.push_back({name, FieldLocation::Node, name[0] == 'U' ? 3 : 1,
+                                std::vector<double>(name[0] == 'U' ? 9 : 3, 0.5)});
+    const auto title = [&](ShownSettings settings, std::optional<std::string> given = {}) {
+        Options options;
+        options.file = "/a/b.vtu";
+        options.shown = settings;
+        options.labels.title = std::move(given);
+        return titleOf(showModel(model, settings), options);
+    };
+    EXPECT_EQ(title({}), "b.vtu");
+    EXPECT_EQ(title({.field = "T"}), "b.vtu, T9, step 2");
+    EXPECT_EQ(title({.field = "T", .step = 1}), "b.vtu, T2, step 1");
+    EXPECT_EQ(title({.field = "U:y", .deformed = true, .deformFactor = 2.5}), "b.vtu, U:y, deformed × 2.5");
+    EXPECT_EQ(title({.field = "U"}, "Load case 3"), "Load case 3");
+
+    HostText host(fontFile());
+    const TextStyle style = {host.font(13), 0};
+    for (int width = 0; width < 140; ++width) {
+        const std::string whole = "Zugkräfte, step 2", text = elided(whole, width, style);
+        EXPECT_LE(textSize(text, style).width, width);
+        EXPECT_TRUE(text.empty() ? width < 35 : text.starts_with('Z') && text.ends_with('2')) << text;
+        EXPECT_EQ(text == whole, width >= textSize(whole, style).width) << width;
+    }
+}
+
 TEST(PictureArea, TheModelFitsIntoWhatLabelsLeave) {
     const Bounds box{{-1, 2, 3}, {5, 4, 8}};
     for (const PictureArea& area : {PictureArea{800, 600, 0, 0}, {800, 600, 200, 40}, {300, 500, 100, 90}})
@@ -145,6 +176,10 @@ TEST(PictureArea, TheModelFitsIntoWhatLabelsLeave) {
                 SCOPED_TRACE(std::string(view) + (perspective ? " perspective" : ""));
                 EXPECT_TRUE(left > area.left && right < area.width && bottom > 0);
                 EXPECT_LT(top, area.height - area.top);
+                if (!perspective) {
+                    EXPECT_NEAR(left + right, area.left + area.width, 1e-6) << "in the middle";
+                    EXPECT_NEAR(bottom + top, area.height - area.top, 1e-6);
+                }
                 const double fill = std::max((right - left) / (area.width - area.left),
                                              (top - bottom) / (area.height - area.top));
                 EXPECT_GT(fill, perspective ? 0.75 : 0.93) << "and fills it";
