@@ -73,14 +73,17 @@ std::string elided(const std::string& utf8, int width, const TextStyle& style) {
     if (textSize(utf8, style).width <= width)
         return utf8;
     const std::wstring whole = GuString(utf8).Wide();
-    for (std::size_t kept = whole.size(); --kept > 1;) {
-        const std::size_t head = (kept + 1) / 2, tail = kept / 2;
-        const std::wstring shorter = whole.substr(0, head) + L"…" + whole.substr(whole.size() - tail);
-        const std::string text = GuString(shorter).Utf8();
-        if (textSize(text, style).width <= width)
-            return text;
+    std::string best;
+    std::size_t fits = 1, tooMany = whole.size(); // letters kept
+    while (tooMany > fits + 1) {
+        const std::size_t kept = fits + (tooMany - fits) / 2;
+        const std::wstring tail = whole.substr(whole.size() - kept / 2);
+        const std::string text = GuString(whole.substr(0, (kept + 1) / 2) + L"…" + tail).Utf8();
+        const bool isShort = textSize(text, style).width <= width;
+        (isShort ? fits : tooMany) = kept;
+        best = isShort ? text : best;
     }
-    return {};
+    return best;
 }
 
 } // namespace nruview
