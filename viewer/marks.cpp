@@ -67,12 +67,13 @@ PixelRect movedInto(const PixelRect& area, PixelRect box) {
     return box;
 }
 
-/// How many pixels of a box show something of the model.
-int modelPixels(const PixelRect& box) {
-    std::vector<float> depths(static_cast<std::size_t>(box.width()) * box.height());
-    glReadPixels(box.left, box.bottom, box.width(), box.height(), GL_DEPTH_COMPONENT, GL_FLOAT,
-                 depths.data());
-    return static_cast<int>(std::count_if(depths.begin(), depths.end(), [](float d) { return d < 1.0f; }));
+/// How many pixels of a box show something of the model, transparent or not.
+int modelPixels(const PixelRect& box, NgColorLong background) {
+    std::vector<NgColorLong> pixels(static_cast<std::size_t>(box.width()) * box.height());
+    glReadPixels(box.left, box.bottom, box.width(), box.height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    return static_cast<int>(std::count_if(pixels.begin(), pixels.end(), [&](NgColorLong color) {
+        return ((color ^ background) & 0xFFFFFF) != 0;
+    }));
 }
 
 /// Where the line from the mark to its label ends.
@@ -114,7 +115,7 @@ bool isClear(const Mark& mark, const std::vector<Mark>& all, int em_px) {
 /// Finds the place within the area that hides least of the model and is clear, nearer ones first. Returns the
 /// mark without a box where there is none.
 Mark placed(const Mark& mark, const std::vector<Mark>& all, const PixelRect& area, int em_px,
-            const TextStyle& style) {
+            const TextStyle& style, NgColorLong background) {
     constexpr std::array<std::array<int, 2>, 8> kSides = {
         {{1, 1}, {-1, 1}, {1, -1}, {-1, -1}, {0, 1}, {0, -1}, {1, 0}, {-1, 0}}};
     const TextSize size = textSize(mark.text, style);
@@ -131,7 +132,8 @@ Mark placed(const Mark& mark, const std::vector<Mark>& all, const PixelRect& are
             tried.box = movedInto(area, boxBeside(mark.at, width, height, sideX, sideY, distance));
             if (!area.contains(tried.box) || !isClear(tried, all, em_px))
                 continue;
-            const double cost = 1.0 * modelPixels(tried.box) / (width * height) + 0.05 * distance_em;
+            const double cost =
+                1.0 * modelPixels(tried.box, background) / (width * height) + 0.05 * distance_em;
             if (cost < lowest) {
                 lowest = cost;
                 best = tried;
@@ -163,7 +165,7 @@ void drawMarks(const ShownModel& shown, const std::array<Extreme, 2>& extremes, 
     }
     const PixelRect room = {area.left + 2, area.bottom + 2, area.right - 2, area.top - 2};
     for (Mark& mark : marks)
-        mark = placed(mark, marks, room, em_px, style);
+        mark = placed(mark, marks, room, em_px, style, background);
     for (const Mark& mark : marks)
         if (mark.box.width() > 0)
             drawLabel(mark, em_px, style, background);
