@@ -2,7 +2,6 @@
 #include "NRenderUtl/gl/NglBatchRender.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 
 #include "NRenderUtl/gl/batchprogram.h"
@@ -12,8 +11,6 @@
 #include "NRenderUtl/host/hostutl.h"
 
 namespace {
-
-constexpr double kSamePointSize = 0.1; // points whose sizes are less apart share a batch
 
 struct ProgramState {
     bool tried = false;
@@ -128,12 +125,6 @@ void drawLinesFixed(const BatchVertices& lines, bool screen, int style) {
     ngl_set_line_style(before);
 }
 
-/// The limits are rounded to floats as the sizes are, so that 3.1 is not the same as 3.
-bool isSamePointSize(float size, float other) {
-    return size < static_cast<float>(other + kSamePointSize) &&
-           size > static_cast<float>(other - kSamePointSize);
-}
-
 } // namespace
 
 void BatchVertices::draw() const {
@@ -188,17 +179,6 @@ void CNglBatchRender::freeArrays() {
     m_colors = nullptr;
 }
 
-inline void CNglBatchRender::write(const BatchVertex& vertex) {
-    const std::size_t i = m_count++;
-    std::memcpy(m_positions + 3 * i, &vertex.position, sizeof vertex.position);
-    if (isTextured()) {
-        m_texCoords[2 * i] = vertex.s;
-        m_texCoords[2 * i + 1] = vertex.t;
-    } else {
-        m_colors[i] = vertex.color;
-    }
-}
-
 BatchVertices CNglBatchRender::vertices() const {
     return {m_count, m_positions, isTextured() ? m_texCoords : nullptr, m_colors, nullptr, 0.0f};
 }
@@ -213,15 +193,6 @@ void CNglBatchPointRender::begin(std::int32_t option) {
 
 int CNglBatchPointRender::end() {
     return stop();
-}
-
-void CNglBatchPointRender::add(const BatchVertex& point, float size) {
-    if (!m_positions)
-        return;
-    if (m_count != 0 && (m_count == kCapacity || !isSamePointSize(size, m_pointSize)))
-        flush();
-    write(point);
-    m_pointSize = size;
 }
 
 void CNglBatchPointRender::flush() {
@@ -256,20 +227,6 @@ void CNglBatchLineRender::begin(std::int32_t option) {
 
 int CNglBatchLineRender::end() {
     return stop();
-}
-
-void CNglBatchLineRender::add(const BatchVertex& p, const BatchVertex& q, std::int32_t style,
-                              std::int32_t width) {
-    if (!m_positions)
-        return;
-    if (m_count != 0 && (m_count == kCapacity || style != m_style || width != m_width))
-        flush();
-    for (const BatchVertex* end : {&p, &q}) {
-        m_indices[m_count] = m_count;
-        write(*end);
-    }
-    m_style = style;
-    m_width = width;
 }
 
 void CNglBatchLineRender::flush() {

@@ -47,7 +47,7 @@ protected:
     bool allocate(const ArrayBytes& bytes);
     void freeArrays();
     bool isTextured() const { return m_option == kBatchTextured; }
-    void write(const BatchVertex& vertex);
+    void write(std::size_t index, const BatchVertex& vertex);
     BatchVertices vertices() const;
 
     std::uint32_t m_count = 0; ///< vertices since the last flush
@@ -94,6 +94,53 @@ private:
     std::int32_t m_width = 0;
     std::uint32_t* m_indices = nullptr;
 };
+
+// Adding, which hosts do by the million, is inline and flushes out of line.
+
+inline void CNglBatchRender::write(std::size_t index, const BatchVertex& vertex) {
+    float* position = m_positions + 3 * index;
+    position[0] = vertex.position.x;
+    position[1] = vertex.position.y;
+    position[2] = vertex.position.z;
+    if (isTextured()) {
+        m_texCoords[2 * index] = vertex.s;
+        m_texCoords[2 * index + 1] = vertex.t;
+    } else {
+        m_colors[index] = vertex.color;
+    }
+}
+
+/// The limits are rounded to floats as the sizes are, so that 3.1 is not the same as 3.
+inline bool isSamePointSize(float size, float other) {
+    return size < static_cast<float>(other + 0.1) && size > static_cast<float>(other - 0.1);
+}
+
+inline void CNglBatchPointRender::add(const BatchVertex& point, float size) {
+    if (!m_positions)
+        return;
+    if (m_count != 0 && (m_count == kCapacity || !isSamePointSize(size, m_pointSize)))
+        flush();
+    const std::uint32_t i = m_count;
+    write(i, point);
+    m_count = i + 1;
+    m_pointSize = size;
+}
+
+inline void CNglBatchLineRender::add(const BatchVertex& p, const BatchVertex& q, std::int32_t style,
+                                     std::int32_t width) {
+    if (!m_positions)
+        return;
+    if (m_count != 0 && (m_count == kCapacity || style != m_style || width != m_width))
+        flush();
+    const std::uint32_t i = m_count;
+    m_indices[i] = i;
+    m_indices[i + 1] = i + 1;
+    write(i, p);
+    write(i + 1, q);
+    m_count = i + 2;
+    m_style = style;
+    m_width = width;
+}
 
 /// The renderer of a mode while it is active, else null. They are made by the first NglBatchBegin.
 CNglBatchPointRender* nglActivePointBatch();

@@ -13,76 +13,85 @@ namespace {
 constexpr int kSelectionIndex = 33, kHighlightIndex = 32;
 constexpr int kSmearedContour = 1, kBandedContour = 0;
 
-ComposedProgram& program() {
-    static ComposedProgram program;
-    return program;
+struct Programs {
+    ComposedProgram contours; ///< does both
+    ComposedProgram colors;   ///< without the contour, which drivers in software compute for every fragment
+};
+
+Programs& programs() {
+    static Programs programs;
+    return programs;
 }
 
-void setColor(RenderingShaderUniform uniform, int index) {
+bool buildPrograms() {
+    return programs().contours.buildBatch() && programs().colors.buildBatch({{}, {{"g_bct", 0}}});
+}
+
+void setColor(NShaderProgram& program, RenderingShaderUniform uniform, int index) {
     float rgb[3];
     ngl_get_floats_from_color_long(NglGetColorGivenIndex(index), rgb[0], rgb[1], rgb[2]);
-    program().SetVec3UniformValue(uniform, rgb);
+    program.SetVec3UniformValue(uniform, rgb);
 }
 
-void setContour(const RenderTextureAttributes& attributes, bool colorScale) {
-    program().SetUniformValue("g_use_clr_scale", colorScale);
+void setContour(NShaderProgram& program, const RenderTextureAttributes& attributes, bool colorScale) {
+    const bool smeared = colorScale && isSmearedScale(attributes.colorScale);
+    program.SetUniformValue("g_use_clr_scale", colorScale);
+    program.SetUniformValue(RenderUniformContourType, smeared ? kSmearedContour : kBandedContour);
     if (colorScale) {
-        program().SetColorScaleUniforms(&attributes.colorScale);
-        program().SetUniformValue(RenderUniformContourType,
-                                  isSmearedScale(attributes.colorScale) ? kSmearedContour : kBandedContour);
-        setColor(RenderUniformSelectionColor, kSelectionIndex);
-        setColor(RenderUniformHighlightColor, kHighlightIndex);
+        program.SetColorScaleUniforms(&attributes.colorScale);
+        setColor(program, RenderUniformSelectionColor, kSelectionIndex);
+        setColor(program, RenderUniformHighlightColor, kHighlightIndex);
     } else {
-        program().SetUniform4x4Matrix(RenderUniformTextureMatrix, &NglGetNglInfo()->textureMatrix[0][0]);
-        program().SetUniformValue(RenderUniformTextureScaled, 0);
-        program().SetUniformValue(RenderUniformContourType, kBandedContour);
+        program.SetUniform4x4Matrix(RenderUniformTextureMatrix, &NglGetNglInfo()->textureMatrix[0][0]);
+        program.SetUniformValue(RenderUniformTextureScaled, 0);
     }
 }
 
-void setUniforms(const BatchVertices& vertices, bool colorScale) {
+void setUniforms(NShaderProgram& program, const BatchVertices& vertices, bool colorScale) {
     _NglInfoStr& info = *NglGetNglInfo();
-    program().SetMVPMatrices(&info.projectionF[0][0], &info.modelViewF[0][0], false);
-    program().SetUniformValue(RenderUniformClipped, nglClipPlanesLoaded());
-    if (const RenderTextureAttributes* attributes = NglGetActiveTextureInfo())
-        setContour(*attributes, colorScale);
-    program().SetUniformValue(RenderUniformContour, vertices.texCoords != nullptr);
-    program().SetUniformValue(RenderUniformPointSize, vertices.pointSize);
+    program.SetMVPMatrices(&info.projectionF[0][0], &info.modelViewF[0][0], false);
+    program.SetUniformValue(RenderUniformClipped, nglClipPlanesLoaded());
+    const RenderTextureAttributes* attributes = NglGetActiveTextureInfo();
+    if (attributes && vertices.texCoords)
+        setContour(program, *attributes, colorScale);
+    program.SetUniformValue(RenderUniformContour, vertices.texCoords != nullptr);
+    program.SetUniformValue(RenderUniformPointSize, vertices.pointSize);
 }
 
-/// Points the attributes at the vertices; the arrays in force are the caller's to restore.
-void setAttributes(const BatchVertices& vertices) {
-    program().SetVertexAttribute(program().GetVertexAttributeLocation(RenderAttribPosition), 3,
-                                 vertices.positions);
+/// Points the attributes at the vertices. What of the arrays is the host's, the caller restores.
+void setAttributes(NShaderProgram& program, const BatchVertices& vertices) {
+    program.SetVertexAttribute(program.GetVertexAttributeLocation(RenderAttribPosition), 3,
+                               vertices.positions);
     if (vertices.texCoords) {
-        program().SetVertexAttribute(program().GetVertexAttributeLocation(RenderAttribTexture), 2,
-                                     vertices.texCoords);
+        program.SetVertexAttribute(program.GetVertexAttributeLocation(RenderAttribTexture), 2,
+                                   vertices.texCoords);
         return;
     }
-    const int color = program().GetVertexAttributeLocation(RenderAttribColor);
-    program().EnableDisableVertexAttribute(color, true);
+    const int color = program.GetVertexAttributeLocation(RenderAttribColor);
+    program.EnableDisableVertexAttribute(color, true);
     glVertexAttribPointer(static_cast<GLuint>(color), 4, GL_UNSIGNED_BYTE, GL_TRUE, 0, vertices.colors);
 }
 
-void disableAttributes(const BatchVertices& vertices) {
+void disableAttributes(NShaderProgram& program, const BatchVertices& vertices) {
     for (const auto attribute :
          {RenderAttribPosition, vertices.texCoords ? RenderAttribTexture : RenderAttribColor})
-        program().EnableDisableVertexAttribute(program().GetVertexAttributeLocation(attribute), false);
+        program.EnableDisableVertexAttribute(program.GetVertexAttributeLocation(attribute), false);
 }
 
 void drawBatch(const BatchVertices& vertices, bool colorScale) {
+    NShaderProgram& program = batchProgram(vertices.texCoords != nullptr);
     const ProgramInUseGuard guard;
-    program().UseProgram(true);
-    setUniforms(vertices, colorScale);
-    setAttributes(vertices);
+    program.UseProgram(true);
+    setUniforms(program, vertices, colorScale);
+    setAttributes(program, vertices);
     vertices.draw();
-    disableAttributes(vertices);
+    disableAttributes(program, vertices);
 }
 
-[[maybe_unused]] const bool kProgramRegistered =
-    registerBatchProgram({[] { return program().buildBatch(); }, drawBatch});
+[[maybe_unused]] const bool kProgramRegistered = registerBatchProgram({buildPrograms, drawBatch});
 
 } // namespace
 
-NShaderProgram& batchProgram() {
-    return program();
+NShaderProgram& batchProgram(bool textured) {
+    return textured ? programs().contours : programs().colors;
 }

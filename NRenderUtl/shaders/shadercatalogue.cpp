@@ -185,9 +185,9 @@ bool ComposedProgram::build(_RenderingShaderType type, SourceChanges changes) {
     return compose(compositionOf(type), std::move(changes));
 }
 
-bool ComposedProgram::buildBatch() {
+bool ComposedProgram::buildBatch(SourceChanges changes) {
     return compose({"NRenderUtl batch", {kBatchVertexMain}, {}, {kBatchFragmentMain, kColorBandLibrary}, 0},
-                   {});
+                   std::move(changes));
 }
 
 bool ComposedProgram::compose(ProgramComposition composition, SourceChanges changes) {

@@ -22,7 +22,7 @@ public:
     /// From the sources of a catalogue type; whether it linked.
     bool build(_RenderingShaderType type, SourceChanges changes = {});
     /// From those of the batches.
-    bool buildBatch();
+    bool buildBatch(SourceChanges changes = {});
 
 private:
     bool compose(ProgramComposition composition, SourceChanges changes);

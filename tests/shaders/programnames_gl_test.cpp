@@ -42,6 +42,7 @@ const Names kElements =
 const Names kOutput = names("g_transparent g_alphavalue");
 const Names kSides = names("g_bw g_bsw g_bfbcol g_fcolor g_bcolor");
 const Names kElementNormals = names("g_useelemnormbuff g_elnormbuff g_fporgconnbuff");
+const Names kBatch = names("g_mvmat g_projmat g_clipped g_ptsize");
 const Names kPoints = names("g_ptsize_scale g_advdisp g_advparamset");
 /// Of the vocabulary, what no program reads; a driver may keep it with the rest of its structure.
 const Names kForHosts = names("g_transmat g_colorwithalpha g_frontmat.ambient g_frontmat.diffuse "
@@ -67,7 +68,7 @@ std::vector<ProgramRow> programRows() {
     const Names points = join({kTransform, kLighting, kContour, kVisibility, kOutput, kPoints});
     const Names attributes = {"g_pos_attrib", "g_tex_attrib", "g_vnorm_attrib", "g_norm_attrib"};
     const auto ofType = RenderingGetShaderProgram;
-    NglBatchBegin(1, 0); // builds the program
+    NglBatchBegin(1, 0); // builds the programs
     return {{"NRenderUtl mesh", ofType(RenderShaderMesh), fragment, attributes},
             {"NRenderUtl mesh triangles", ofType(RenderShaderMeshTriangles), mesh, attributes},
             {"NRenderUtl mesh quads", ofType(RenderShaderMeshQuads), mesh, attributes},
@@ -76,10 +77,10 @@ std::vector<ProgramRow> programRows() {
              points,
              {"g_pos_attrib", "g_tex_attrib", "g_param_size_attrib", "g_diameter_attrib"}},
             {"NRenderUtl batch",
-             &batchProgram(),
-             join({kContour,
-                   names("g_mvmat g_projmat g_texmat g_clipped g_use_clr_scale g_ptsize g_es_col g_eh_col")}),
+             &batchProgram(true),
+             join({kBatch, kContour, names("g_texmat g_use_clr_scale g_es_col g_eh_col")}),
              {"g_pos_attrib", "g_tex_attrib", "g_col_attrib"}},
+            {"NRenderUtl batch", &batchProgram(false), kBatch, {"g_pos_attrib", "g_col_attrib"}},
             {"NRenderUtl mesh", &elementMeshProgram(), fragment, join({attributes, {kElementAttribute}})}};
 }
 
