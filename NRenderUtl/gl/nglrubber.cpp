@@ -46,16 +46,23 @@ private:
 
 class XorGuard {
 public:
-    XorGuard() {
+    XorGuard() : m_encodes(epoxy_gl_version() >= 30 && glIsEnabled(GL_FRAMEBUFFER_SRGB)) {
+        if (m_encodes)
+            glDisable(GL_FRAMEBUFFER_SRGB); // GL has no logic operation on colours that it encodes
         glEnable(GL_COLOR_LOGIC_OP);
         glLogicOp(GL_XOR);
     }
     ~XorGuard() {
         glLogicOp(GL_COPY);
         glDisable(GL_COLOR_LOGIC_OP);
+        if (m_encodes)
+            glEnable(GL_FRAMEBUFFER_SRGB);
     }
     XorGuard(const XorGuard&) = delete;
     XorGuard& operator=(const XorGuard&) = delete;
+
+private:
+    const bool m_encodes;
 };
 
 /// Model point under a screen point, in the plane through the model's origin across the ray.

@@ -25,8 +25,12 @@ protected:
         else
             ASSERT_EQ(m_context.create(kSize, kSize), "");
         NglInitGLExtensions();
-        if (GetParam() == FramebufferObject)
+        if (GetParam() == FramebufferObject) {
             NglCreateFBO(kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, &m_framebuffer);
+            glBindTexture(GL_TEXTURE_2D, m_framebuffer.colorTexture);
+            glTexImage2D(GL_TEXTURE_2D, 0, GL_SRGB8_ALPHA8, kSize, kSize, 0, GL_RGBA, GL_UNSIGNED_BYTE,
+                         nullptr);
+        }
         m_palette[63] = kBand;
         NglSetWindowBackGroundColor(kBand);
         NglUpdateColor(64, m_palette.data());
@@ -84,6 +88,7 @@ TEST_P(Rubber, ComesAndGoes) {
     glDrawBuffer(seen);
     glWindowPos2i(0, 0);
     glDrawPixels(kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, &noise.at(0, 0));
+    (GetParam() == FramebufferObject ? glEnable : glDisable)(GL_FRAMEBUFFER_SRGB);
     static int flushes = 0;
     epoxy_glFlush = [] { ++flushes; };
     for (const int kind : {0, 1, 2}) {

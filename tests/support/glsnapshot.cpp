@@ -10,8 +10,8 @@ namespace {
 
 const std::pair<const char*, std::vector<GLenum>> kGroups[] = {
     {"fragment enable",
-     {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_DEPTH_TEST, GL_DITHER, GL_SCISSOR_TEST, GL_STENCIL_TEST,
-      GL_TEXTURE_1D, GL_TEXTURE_2D}},
+     {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_DEPTH_TEST, GL_DITHER, GL_FRAMEBUFFER_SRGB,
+      GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_TEXTURE_1D, GL_TEXTURE_2D}},
     {"shape enable",
      {GL_CULL_FACE, GL_LINE_SMOOTH, GL_LINE_STIPPLE, GL_POINT_SMOOTH, GL_POLYGON_OFFSET_FILL,
       GL_POLYGON_STIPPLE, GL_CLIP_PLANE0}},
@@ -41,7 +41,7 @@ const std::pair<const char*, std::vector<GLenum>> kGroups[] = {
 
 /// Queries that only a driver with the feature answers.
 bool isAvailable(GLenum query) {
-    if (query == GL_VERTEX_ARRAY_BINDING)
+    if (query == GL_VERTEX_ARRAY_BINDING || query == GL_FRAMEBUFFER_SRGB)
         return epoxy_gl_version() >= 30;
     if (query == GL_FRAMEBUFFER_BINDING)
         return epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object");
