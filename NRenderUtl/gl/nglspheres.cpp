@@ -28,6 +28,22 @@ float valueAt(Floats values, std::size_t i) {
     return i < values.size() ? values[i] : 0;
 }
 
+/// The polyhedron's triangles run the other way round than those of other shapes. Seen from outside they are
+/// fronts none the less, for hosts that cull or light both sides.
+class ReversedFrontsGuard {
+public:
+    ReversedFrontsGuard() {
+        glGetIntegerv(GL_FRONT_FACE, &m_was);
+        glFrontFace(m_was == GL_CW ? GL_CCW : GL_CW); // CW in a mirrored view
+    }
+    ~ReversedFrontsGuard() { glFrontFace(static_cast<GLenum>(m_was)); }
+    ReversedFrontsGuard(const ReversedFrontsGuard&) = delete;
+    ReversedFrontsGuard& operator=(const ReversedFrontsGuard&) = delete;
+
+private:
+    GLint m_was;
+};
+
 void drawSphere(const _NgFPoint3Str& center, float radius, const SpherePolyhedron& sphere) {
     glPushMatrix();
     glTranslatef(center.x, center.y, center.z);
@@ -45,6 +61,7 @@ void drawSpheres(std::span<const _NgFPoint3Str> centers, Floats radiiPx, Floats 
     const SpherePolyhedron& sphere = nglSpherePolyhedron();
     const ClientArraysGuard arrays;
     const PlainIndicesGuard indices;
+    const ReversedFrontsGuard fronts;
     GLfloat normal[3];
     glGetFloatv(GL_CURRENT_NORMAL, normal);
     glEnableClientState(GL_VERTEX_ARRAY);

@@ -74,6 +74,8 @@ TEST_F(Spheres, KeepTheirSizeAndLight) {
     glEnable(GL_LIGHT0); // white, from the eye
     glEnable(GL_LIGHTING);
     glEnable(GL_DEPTH_TEST);
+    glEnable(GL_CULL_FACE); // of shapes that run counterclockwise
+    glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_TRUE);
     glShadeModel(GL_FLAT);
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(1);
