@@ -85,7 +85,8 @@ private:
 /// Client memory as the only source of vertices: no vertex array object, no buffers, all arrays off, unit 0.
 class ClientArraysGuard {
 public:
-    ClientArraysGuard() : m_hasObjects(epoxy_gl_version() >= 30) {
+    ClientArraysGuard()
+        : m_hasObjects(epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_ARB_vertex_array_object")) {
         if (m_hasObjects) {
             glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &m_object);
             glBindVertexArray(0);
