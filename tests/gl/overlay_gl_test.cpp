@@ -46,13 +46,15 @@ TEST_F(Overlay, ShapesHaveTheirPixels) {
     expectChain([] { ngl_draw_poly_on_screen(4, kChain.data(), false, true, nullptr); },
                 {{10.5, 20.5, 0}, {30.5, 20.5, 0}, {30.5, 25.5, 0}, {10.5, 25.5, 0}});
     EXPECT_EQ(ngl_get_color_long(), kInk) << "lines are not translucent";
+    const _NgPoint3Str at{0.5, 2, 1}; // at depth 0.75
     expectChain([] { ngl_draw_line_on_screen(5, 7, 50, 23, nullptr); }, {{5, 7, 0}, {50, 23, 0}});
+    expectChain([&] { ngl_draw_line_on_screen(5, 7, 50, 23, &at); }, {{5, 7, 0.75}, {50, 23, 0.75}});
     const _NgPoint2Str center{30.3, 33.6};
     std::vector<_NgPoint3Str> circle;
     for (int deg = 0; deg <= 360; ++deg)
         circle.push_back(
-            {30.3 + 20.25 * std::cos(deg * M_PI / 180), 33.6 + 20.25 * std::sin(deg * M_PI / 180), 0});
-    expectChain([&] { ngl_draw_circle_on_screen(&center, -20.25f, false, false, nullptr); }, circle);
+            {30.3 + 20.25 * std::cos(deg * M_PI / 180), 33.6 + 20.25 * std::sin(deg * M_PI / 180), 0.75});
+    expectChain([&] { ngl_draw_circle_on_screen(&center, -20.25f, false, false, &at); }, circle);
 }
 
 TEST_F(Overlay, LieAtTheDepthOfTheReferenceOrOnTop) {
