@@ -160,19 +160,24 @@ void drawColored() {
     drawPoint(40.5, 30.5, 5);
 }
 
-void drawContour() {
+template <class Point, class Line, class List>
+void drawContourOf(Line line, List list) {
     glPointSize(3);
-    const _NgFPoint3Str p[] = {{4.5f, 4.5f, 0}, {60.5f, 9.5f, 0}, {4.5f, 20.5f, 0}, {60.5f, 30.5f, 0}};
-    RenderingDrawLineF(&p[0], &p[1], 10.25f, 13.75f, 0, 0);
-    RenderingDrawLineF(&p[2], &p[3], 11.25f, 12.75f, 1, 0);
-    RenderingDrawLineF(&p[1], &p[2], 11.25f, 12.75f, 1, 1);
+    const Point p[] = {{4.5, 4.5, 0}, {60.5, 9.5, 0}, {4.5, 20.5, 0}, {60.5, 30.5, 0}};
+    const Point dots[] = {{10.5, 50.5, 0}, {20.5, 50.5, 0}, {40.5, 50.5, 0}, {50.5, 50.5, 0}};
     const float values[] = {11.5f, 12.5f};
-    const _NgFPoint3Str dots[] = {{10.5f, 50.5f, 0}, {20.5f, 50.5f, 0}};
-    RenderingDrawPointListF(2, dots, values, 0, 0);
-    const _NgFPoint3Str more[] = {{30.5f, 50.5f, 0}, {40.5f, 50.5f, 0}, {50.5f, 50.5f, 0}};
-    RenderingDrawPointF(&more[0], 13.5f, 0, 0);
-    RenderingDrawPointF(&more[1], 13.5f, 1, 0);
-    RenderingDrawPointListF(1, &more[2], nullptr, 0, 1);
+    line(&p[0], &p[1], 10.25f, 13.75f, 0, 0);
+    line(&p[2], &p[3], 11.25f, 12.75f, 1, 0);
+    line(&p[1], &p[2], 11.25f, 12.75f, 1, 1);
+    list(2, dots, values, 0, 0);
+    list(1, dots + 2, values, 1, 0);
+    list(1, dots + 3, nullptr, 0, 1);
+    const _NgFPoint3Str single{30.5f, 50.5f, 0};
+    RenderingDrawPointF(&single, 13.5f, 0, 0);
+}
+
+void drawContour() {
+    drawContourOf<_NgFPoint3Str>(RenderingDrawLineF, RenderingDrawPointListF);
 }
 
 // Coordinates away from pixel limits: there the ways may round apart, as one multiplies the matrices first.
@@ -194,12 +199,18 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         ngl_set_color_long(0xFFFFFFFF);
         NglEnableTexture(-1);
         drawContour();
-        NglDisableTexture(-1);
         const Picture immediate = read();
+        clear();
+        drawContourOf<_NgPoint3Str>(RenderingDrawLine, RenderingDrawPointList);
+        EXPECT_TRUE(samePicture(read(), immediate));
+        NglDisableTexture(-1);
         const std::pair<int, NgColorLong> dots[] = {
             {10, kGreen}, {20, kBlue}, {30, kGrey}, {40, kTeal}, {50, kYellow}};
         for (const auto& [x, color] : dots)
             EXPECT_EQ(hex(immediate.at(x, 50)), hex(color)) << x;
+        GLuint sampler;
+        glGenSamplers(1, &sampler); // smooth, and so of no use
+        glBindSampler(0, sampler);
         glActiveTexture(GL_TEXTURE2);
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram), immediate));
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kFixed), immediate));
@@ -207,15 +218,22 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram),
                                 drawBatched(drawContour, kTextured, kFixed)));
         EXPECT_EQ(hex(drawBatched(drawContour, kTextured, kProgram).at(20, 50)), hex(0xFF600000));
-        NglRegisterGetActiveTextureAttribProc(
-            [](unsigned, float, float) { return static_cast<RenderTextureAttributes*>(nullptr); });
-        NglSetActiveTextureInfo(0, 0, 0); // no contour: the current colour
-        EXPECT_EQ(hex(drawBatched(drawContour, kTextured, kFixed).at(20, 50)), hex(kTeal));
+        ngl_set_color_long(0xFFFFFFFF);
+        contour.colorScale.SetSmearedMode(true);
+        const NgColorLong middle = drawBatched(drawContour, kTextured, kProgram).at(20, 50);
+        const bool byBands = *std::getenv("NU_CONTOUR_COLOR_SCALE_MODE") == '1';
+        EXPECT_EQ(hex(middle), hex(byBands ? 0xFFC04040 : kBlue)) << "half-way to grey";
+        NglRegisterGetActiveTextureAttribProc(nullptr);
+        NglSetActiveTextureInfo(0, 0, 0);
+        ngl_set_color_long(kTeal);
+        NglBatchBegin(kPoints, kTextured);
+        drawContour();
+        NglBatchEnd(kPoints);
+        EXPECT_EQ(hex(read().at(20, 50)), hex(kTeal)) << "without contour the current colour";
         return;
     }
 }
 
-/// Draws a batch: sizes of the flushes before its end, and at the end.
 void drawLines(int count) {
     for (int i = 0; i < count; ++i)
         drawLine(i % 60 + 0.5, 0.5, i % 60 + 3.5, 2.5);
@@ -242,7 +260,7 @@ TEST_F(Batch, FlushesWhenItIsFullAndWhenWidthStyleOrSizeChange) {
         const char* name;
         int mode;
         std::function<void()> scene;
-        std::vector<int> before, atEnd;
+        std::vector<int> before, atEnd; ///< vertices of the flushes before the batch's end, and at the end
     } rows[] = {
         {"nothing", kLines, [] {}, {}, {}},
         {"widths", kLines, widths, {2, 2}, {2}},
