@@ -168,10 +168,10 @@ void drawContourOf(Line line, List list) {
     const float values[] = {11.5f, 12.5f};
     line(&p[0], &p[1], 10.25f, 13.75f, 0, 0);
     line(&p[2], &p[3], 11.25f, 12.75f, 1, 0);
-    line(&p[1], &p[2], 11.25f, 12.75f, 1, 1);
+    line(&p[1], &p[2], 11.25f, 12.75f, 0, 1);
     list(2, dots, values, 0, 0);
     list(1, dots + 2, values, 1, 0);
-    list(1, dots + 3, nullptr, 0, 1);
+    list(1, dots + 3, nullptr, 1, 1);
     const _NgFPoint3Str single{30.5f, 50.5f, 0};
     RenderingDrawPointF(&single, 13.5f, 0, 0);
 }
@@ -356,7 +356,10 @@ TEST_F(Batch, AsksForTheTableOnceAndIgnoresAddsWithoutMemory) {
 }
 
 TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
-    const bool old = std::getenv("MESA_GLSL_VERSION_OVERRIDE") != nullptr;
+    const bool refused = std::getenv("REFUSE_PROGRAMS") != nullptr;
+    const bool old = refused || std::getenv("MESA_GLSL_VERSION_OVERRIDE") != nullptr;
+    if (refused)
+        epoxy_glLinkProgram = [](GLuint) {};
     const std::pair<std::function<void()>, std::function<void()>> changes[] = {
         {UtlPushViewPoint, UtlPopViewPoint},
         {ngl_push_3d_matrix, ngl_pop_3d_matrix},
@@ -376,8 +379,10 @@ TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
     for (std::size_t i = 0; i < 8; ++i)
         EXPECT_EQ(drawCalls[i].program, i >= 6 && !old) << i;
     EXPECT_EQ(host.settings, old ? "" : "NU_CONTOUR_COLOR_SCALE_MODE") << "read once, for the program";
-    if (!old)
-        ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}});
+    if (old)
+        return;
+    ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}});
+    ranInSubprocess({{"REFUSE_PROGRAMS", "1"}});
 }
 
 TEST_F(Batch, ScreenLinesAreInPixelsWhateverTheView) {
@@ -431,6 +436,9 @@ TEST_F(Batch, ClipsWhileTheHostsPlanesAreLoaded) {
         EXPECT_EQ(p.at(30, 20) == kClear && p.at(5, 5) == kClear, true);
         EXPECT_EQ(p.at(34, 20) != kClear && p.at(50, 5) != kClear, true);
     }
+    NglRegisterUnloadClipPlaneFunc([] { return 0; }); // leaves the plane in GL
+    ngl_unload_clip_planes();
+    EXPECT_NE(drawBatched(scene, kColors, kProgram).at(5, 5), kClear);
 }
 
 TEST_F(Batch, LeavesWhatTheHostHasBound) {
