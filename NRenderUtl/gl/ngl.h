@@ -473,7 +473,8 @@ NRENDERUTL_API void NglWrapSetTextureColor(float s, float t);
 // --- line attributes ---------------------------------------------------------------------------------------
 
 /// Line width in pixels; below 1 counts as 1. A width or style that is current already is not issued again.
-/// The width is 0 until one is set, and what others issue to GL is not noticed.
+/// The width is 0 until one is set. What others issue to GL is not noticed, nor the 1 that NglUpdateNglInfo
+/// and NglPopNglInfo issue: set another width before the same one again.
 NRENDERUTL_API void ngl_set_line_width(int width);
 NRENDERUTL_API int ngl_get_line_width();
 /// GL's stipple pattern: 1 dash-dot, 2 dashes, 4 sparse dots, 5 fine dashes, anything else solid. Stippling
@@ -482,16 +483,16 @@ NRENDERUTL_API void ngl_set_line_style(int style);
 NRENDERUTL_API int ngl_get_line_style();
 
 // --- primitives --------------------------------------------------------------------------------------------
-// Drawn at once, in the current GL colour and texture coordinate. Doubles are narrowed to float where nothing
-// else is said. _s takes arrays of points, _p arrays of pointers to points. Without points, or where an array
-// is null, nothing happens.
+// Drawn at once with all that is current in GL: colour, texture coordinate, matrices, lighting, textures,
+// stipple, program. Doubles are narrowed to float where nothing else is said. _s takes arrays of points, _p
+// arrays of pointers to points. Without points, or where an array is null, nothing happens.
 
 NRENDERUTL_API void ngl_point_2d(double x, double y);
 NRENDERUTL_API void ngl_point_2d_s(const _NgPoint2Str* point);
 NRENDERUTL_API void ngl_point_3d(double x, double y, double z);
 NRENDERUTL_API void ngl_point_3d_s(const _NgPoint3Str* point);
-/// These set GL's point size, in pixels, and leave it. The arrays are sent as they are, doubles as doubles;
-/// a count of 0 or less does nothing.
+/// These set GL's point size, in pixels above 0, and leave it. The arrays are sent as they are, doubles as
+/// doubles; a count of 0 or less does nothing.
 NRENDERUTL_API void ngl_point_3dGivenSize(double x, double y, double z, float size);
 NRENDERUTL_API void ngl_point_3d_given_size(int count, const _NgPoint3Str* points, float size);
 NRENDERUTL_API void ngl_point_3f_given_size(int count, const _NgFPoint3Str* points, float size);
@@ -521,8 +522,8 @@ NRENDERUTL_API void ngl_polygon_3d_p(const _NgPoint3Str* const* points, std::uin
 NRENDERUTL_API void ngl_polygon_3d_s_with_vertex_array(const _NgPoint3Str* points,
                                                        const _NgPoint3Str* normals, std::uint64_t count);
 /// Any plane polygon of at least 3 points, seen from either side, filled where its outline encloses a pixel
-/// an odd number of times. Needs a stencil buffer, which it clears. Afterwards the stencil test is off, and
-/// all else as before. The second sends doubles as doubles.
+/// an odd number of times. Needs a stencil buffer, which it clears; without one holes and notches are filled
+/// too. Afterwards the stencil test is off, and all else as before. The second sends doubles as doubles.
 NRENDERUTL_API void ngl_concave_polygon_3d(const double* x, const double* y, const double* z,
                                            std::uint64_t count);
 NRENDERUTL_API void ngl_concave_polygon_3d_s(const _NgPoint3Str* points, std::uint64_t count);
@@ -662,7 +663,8 @@ NRENDERUTL_API void MathTransformWorldToView(const _NgPoint3Str* in, _NgPoint3St
 // --- overlays ----------------------------------------------------------------------------------------------
 // Shapes in window pixels (y upward) on top of the scene, or at the depth of a model point where one is
 // given: its window depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
-// In the current GL colour; return 0.
+// In the current GL colour, as lighting, textures and clip planes leave it where the host has them on. Leave
+// the model-view mode selected; return 0.
 
 /// A convex polygon or an open chain of lines; nothing from fewer than 2 points. Translucent polygons have
 /// alpha 50, which the current packed colour keeps; blending is off, with factors one and zero, and depth
@@ -675,8 +677,8 @@ NRENDERUTL_API int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float r
 
 /// A line (kind 0) or a rectangle along the model's x and y axes (kind 1) between two screen points (y
 /// downward), by XOR into the front buffer, or into the framebuffer object that is bound: drawing it again
-/// erases it. Afterwards the back buffer is drawn to, if the window has one, the colour index is 63 and the
-/// line width 2.
+/// erases it (but not in floating-point colours, which GL has no XOR for). Afterwards the back buffer is
+/// drawn to, if the window has one, the logic operation is off, the colour index is 63 and the line width 2.
 NRENDERUTL_API void ngl_draw_rubber(int kind, int x0, int y0, int x1, int y1);
 
 /// Arc in model space about the line from center to center + axis, of sweep degrees in n steps (n above 0)
@@ -686,7 +688,7 @@ NRENDERUTL_API void NglDrawArc(const _NgPoint3Str* center, const _NgPoint3Str* a
 /// Spheres of radii in pixels around model points: centres as 3 floats each, or as points. textured: in the
 /// colours of NglEnableTexture, at the texture coordinate (value, 0), or at that of a flag: (0, 0.25) for the
 /// first, (0, 0.5) for the second, which counts when both are set. What an array lacks, or a null one, is 0.
-/// Leave smooth shading and the normalisation of normals on.
+/// Smooth shading, normalisation, the model-view mode and the last texture coordinate stay in force.
 NRENDERUTL_API void NglDrawSpheresWithRadius(int count, const float* centers, const float* radii,
                                              const float* values, int textured, int a, int b);
 NRENDERUTL_API void NglDrawSpheres(const std::vector<_NgFPoint3Str>& centers, const std::vector<float>& radii,
@@ -700,8 +702,8 @@ NRENDERUTL_API void NglDrawSpheres(int count, const _NgFPoint3Str* centers, floa
 // Without that library there is one console message, nothing is drawn and the join style is 0.
 
 extern "C" {
-/// A tube of a radius along a polyline: the first and the last of count points only give the directions of
-/// its ends. colors: red, green and blue of each point, or null for the current colour.
+/// A tube of a radius along a polyline, in model-view mode: the first and the last of count points only give
+/// the directions of its ends. colors: red, green and blue of each point, or null for the current colour.
 NRENDERUTL_API void glePolyCylinder(int count, double points[][3], float colors[][3], double radius);
 /// How segments join, the ends close and normals lie: the sum of one TUBE_JN_ and one TUBE_NORM_ value of
 /// GL/gle.h, and TUBE_JN_CAP.

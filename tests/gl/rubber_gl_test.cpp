@@ -89,6 +89,8 @@ TEST_P(Rubber, ComesAndGoes) {
     glWindowPos2i(0, 0);
     glDrawPixels(kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, &noise.at(0, 0));
     (GetParam() == FramebufferObject ? glEnable : glDisable)(GL_FRAMEBUFFER_SRGB);
+    ngl_set_line_width(2);
+    glLineWidth(1); // the band's width is issued all the same
     static int flushes = 0;
     epoxy_glFlush = [] { ++flushes; };
     for (const int kind : {0, 1, 2}) {
