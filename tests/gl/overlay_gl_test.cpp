@@ -78,12 +78,14 @@ TEST_F(Overlay, LieAtTheDepthOfTheReferenceOrOnTop) {
 
 TEST_F(Overlay, TranslucentPolygonsBlendAndLeaveTheirColor) {
     const _NgPoint3Str reference{0.5, 0, 0};
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_DST_COLOR, GL_ONE);
-    const NgColorLong drawn = draw(1, true, &reference);
-    for (int shift = 0; shift < 24; shift += 8) {
-        const double ink = (kInk >> shift) & 0xFF, under = (kClear >> shift) & 0xFF;
-        EXPECT_NEAR((drawn >> shift) & 0xFF, (ink * 50 + under * 205) / 255, 1.0); // rounding
+    for (const bool hostBlends : {false, true}) {
+        (hostBlends ? glEnable : glDisable)(GL_BLEND);
+        glBlendFunc(GL_DST_COLOR, GL_ONE);
+        const NgColorLong drawn = draw(1, true, &reference);
+        for (int shift = 0; shift < 24; shift += 8) {
+            const double ink = (kInk >> shift) & 0xFF, under = (kClear >> shift) & 0xFF;
+            EXPECT_NEAR((drawn >> shift) & 0xFF, (ink * 50 + under * 205) / 255, 1.0); // rounding
+        }
     }
     EXPECT_EQ(depth, 1);
     EXPECT_EQ(hex(ngl_get_color_long()), "0x3228B4C8");

@@ -164,13 +164,14 @@ TEST_F(Primitives, NothingWithoutPoints) {
 TEST_F(Primitives, NormalsColorsAndValuesOfTheVerticesAreMixed) {
     // Each row fades from this colour on the left to zero on the right: by normals that turn away from the
     // light, by colours, or by a texture, which light would tint.
-    const std::uint32_t left = 0xC08040FF, right = 0, texels[2] = {left, right};
+    const std::uint32_t left = 0xC08040FF, right = 0, texels[4] = {left, right, 1, 2};
     const float diffuse[4] = {1, 64 / 255.0f, 128 / 255.0f, 1}, black[4] = {0, 0, 0, 1};
     glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, diffuse);
     glEnable(GL_LIGHT0);
-    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 2, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
     ngl_set_color_long(0xFFFFFFFF);
     const Points square({{0, 0}, {64, 0}, {64, 64}, {0, 64}}), line({{0, 20.5}, {64, 20.5}});
     const _NgPoint3Str normals[4] = {{0, 0, 1}, {1, 0, 0}, {1, 0, 0}, {0, 0, 1}};
@@ -190,11 +191,14 @@ TEST_F(Primitives, NormalsColorsAndValuesOfTheVerticesAreMixed) {
         SCOPED_TRACE(name);
         clear();
         isLit ? glEnable(GL_LIGHTING) : glDisable(GL_LIGHTING);
-        isTextured ? glEnable(GL_TEXTURE_1D) : glDisable(GL_TEXTURE_1D);
+        isTextured ? glEnable(GL_TEXTURE_2D) : glDisable(GL_TEXTURE_2D);
         glShadeModel(isLit ? GL_SMOOTH : GL_FLAT);
         glNormal3f(0, 0, 0.5f);
+        glTexCoord2f(0.5f, 0.25f);
         const GlSnapshot before = GlSnapshot::take();
+        glActiveTexture(GL_TEXTURE1); // of the host, beside the unit that is drawn with
         draw();
+        glActiveTexture(GL_TEXTURE0);
         EXPECT_TRUE(before.equals(GlSnapshot::take()));
         const Picture picture = read();
         for (const int x : {0, 20, 47, 63})
