@@ -86,6 +86,7 @@ void drawWithProgram(const BatchVertices& vertices) {
 
 void drawFixed(const BatchVertices& vertices) {
     const AttributesGuard current(GL_CURRENT_BIT); // GL may leave the last vertex's colour as current
+    const NoProgramGuard program;
     const ClientArraysGuard arrays;
     glEnableClientState(GL_VERTEX_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, vertices.positions);

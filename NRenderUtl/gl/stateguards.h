@@ -100,11 +100,15 @@ public:
         // Generic attribute 0 would take the place of the vertex array.
         if (version >= 20)
             glDisableVertexAttribArray(0);
-        glClientActiveTexture(GL_TEXTURE0);
-        for (GLenum array :
-             {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_TEXTURE_COORD_ARRAY, GL_INDEX_ARRAY,
-              GL_EDGE_FLAG_ARRAY, GL_SECONDARY_COLOR_ARRAY, GL_FOG_COORD_ARRAY})
+        for (GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY, GL_INDEX_ARRAY,
+                             GL_EDGE_FLAG_ARRAY, GL_SECONDARY_COLOR_ARRAY, GL_FOG_COORD_ARRAY})
             glDisableClientState(array);
+        GLint units;
+        glGetIntegerv(GL_MAX_TEXTURE_UNITS, &units);
+        while (--units >= 0) {
+            glClientActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(units));
+            glDisableClientState(GL_TEXTURE_COORD_ARRAY);
+        }
     }
     ~ClientArraysGuard() {
         glPopClientAttrib();
@@ -117,6 +121,26 @@ public:
 private:
     const bool m_hasObjects;
     GLint m_object = 0;
+};
+
+/// Fixed function draws, whatever program the host has in use.
+class NoProgramGuard {
+public:
+    NoProgramGuard() {
+        if (epoxy_gl_version() >= 20)
+            glGetIntegerv(GL_CURRENT_PROGRAM, &m_program);
+        if (m_program != 0)
+            glUseProgram(0);
+    }
+    ~NoProgramGuard() {
+        if (m_program != 0)
+            glUseProgram(static_cast<GLuint>(m_program));
+    }
+    NoProgramGuard(const NoProgramGuard&) = delete;
+    NoProgramGuard& operator=(const NoProgramGuard&) = delete;
+
+private:
+    GLint m_program = 0;
 };
 
 /// Every index as it is, and the last vertex of a primitive as the one that provokes.

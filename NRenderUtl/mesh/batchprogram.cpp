@@ -1,5 +1,7 @@
 #include "NRenderUtl/mesh/batchprogram.h"
 
+#include <array>
+
 #include "NRenderUtl/gl/batchprogram.h"
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/gl/nglclip.h"
@@ -58,6 +60,18 @@ void setUniforms(NShaderProgram& program, const BatchVertices& vertices, bool co
     program.SetUniformValue(RenderUniformPointSize, vertices.pointSize);
 }
 
+std::array<RenderingShaderAttributes, 2> attributesOf(const BatchVertices& vertices) {
+    return {RenderAttribPosition, vertices.texCoords ? RenderAttribTexture : RenderAttribColor};
+}
+
+/// A host may have drawn instances from the same attributes.
+void clearDivisors(const NShaderProgram& program, const BatchVertices& vertices) {
+    if (epoxy_gl_version() < 33)
+        return;
+    for (const auto attribute : attributesOf(vertices))
+        glVertexAttribDivisor(static_cast<GLuint>(program.GetVertexAttributeLocation(attribute)), 0);
+}
+
 /// Points the attributes at the vertices. What of the arrays is the host's, the caller restores.
 void setAttributes(NShaderProgram& program, const BatchVertices& vertices) {
     program.SetVertexAttribute(program.GetVertexAttributeLocation(RenderAttribPosition), 3,
@@ -73,8 +87,7 @@ void setAttributes(NShaderProgram& program, const BatchVertices& vertices) {
 }
 
 void disableAttributes(NShaderProgram& program, const BatchVertices& vertices) {
-    for (const auto attribute :
-         {RenderAttribPosition, vertices.texCoords ? RenderAttribTexture : RenderAttribColor})
+    for (const auto attribute : attributesOf(vertices))
         program.EnableDisableVertexAttribute(program.GetVertexAttributeLocation(attribute), false);
 }
 
@@ -84,6 +97,7 @@ void drawBatch(const BatchVertices& vertices, bool colorScale) {
     program.UseProgram(true);
     setUniforms(program, vertices, colorScale);
     setAttributes(program, vertices);
+    clearDivisors(program, vertices);
     vertices.draw();
     disableAttributes(program, vertices);
 }

@@ -7,7 +7,6 @@
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/shaders/programinuse.h"
 
 namespace {
 
@@ -220,11 +219,7 @@ void ElementFixedRoute::draw(const ElementScene& scene, const double modelView[1
     const ClientArraysGuard arrays;
     const PlainIndicesGuard indices;
     usePlainFragments();
-    std::optional<ProgramInUseGuard> program;
-    if (epoxy_gl_version() >= 20) {
-        program.emplace();
-        glUseProgram(0);
-    }
+    const NoProgramGuard program;
     const NoSamplerGuard sampler;
     const MatrixGuard view(GL_MODELVIEW, modelView), texture(GL_TEXTURE, kIdentity);
     std::optional<BandTexture> bands;
