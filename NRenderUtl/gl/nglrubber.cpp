@@ -44,9 +44,15 @@ private:
     GLint m_was = GL_NONE;
 };
 
+bool encodesColors() {
+    const bool isKnown = epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_ARB_framebuffer_sRGB") ||
+                         epoxy_has_gl_extension("GL_EXT_framebuffer_sRGB");
+    return isKnown && glIsEnabled(GL_FRAMEBUFFER_SRGB);
+}
+
 class XorGuard {
 public:
-    XorGuard() : m_encodes(epoxy_gl_version() >= 30 && glIsEnabled(GL_FRAMEBUFFER_SRGB)) {
+    XorGuard() : m_encodes(encodesColors()) {
         if (m_encodes)
             glDisable(GL_FRAMEBUFFER_SRGB); // GL has no logic operation on colours that it encodes
         glEnable(GL_COLOR_LOGIC_OP);
