@@ -661,8 +661,9 @@ NRENDERUTL_API void NglGetLineFromScreenPt(int sx, int sy, _NgPoint3Str* p, _NgP
 NRENDERUTL_API void MathTransformWorldToView(const _NgPoint3Str* in, _NgPoint3Str* out);
 
 // --- overlays ----------------------------------------------------------------------------------------------
-// Shapes in window pixels (y upward) on top of the scene, or at the depth of a model point where one is
-// given: its window depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
+// Shapes in window pixels (y upward; where the viewport lies off the origin, in the units of
+// ngl_initialize_view) on top of the scene, or at the depth of a model point where one is given: its window
+// depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
 // In the current GL colour, as lighting, textures and clip planes leave it where the host has them on. Leave
 // the model-view mode selected; return 0.
 
