@@ -97,13 +97,13 @@ protected:
 
     /// The bands 10 to 14 and, for the rows beside them, selection and highlight; as texture and as scale.
     void makeContour() {
-        std::uint32_t rows[8][4] = {{kRed, kGreen, kBlue, kGrey}};
-        std::fill(rows[1], rows[3], kTeal); // about t = 0.25
-        std::fill(rows[3], rows[5], kYellow);
+        std::uint32_t rows[64][4] = {{kRed, kGreen, kBlue, kGrey}};
+        std::fill(rows[15], rows[17], kTeal); // about t = 0.25
+        std::fill(rows[31], rows[33], kYellow);
         const float limits[] = {10, 11, 12, 13, 14};
         glGenTextures(1, &contour.texture);
         glBindTexture(GL_TEXTURE_2D, contour.texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 4, 8, 0, GL_RGBA, GL_UNSIGNED_BYTE, rows);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 4, 64, 0, GL_RGBA, GL_UNSIGNED_BYTE, rows);
         for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
             glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
         glBindTexture(GL_TEXTURE_2D, 0);
@@ -146,7 +146,7 @@ void drawPoint(double x, double y, float size) {
 
 void drawColored() {
     ngl_set_line_width(2);
-    ngl_set_color_long(kRed);
+    ngl_set_color_long(0x40608020);
     drawLine(3.5, 4.5, 40.5, 11.25);
     ngl_set_color_long(kGreen);
     const _NgPoint3Str strip[] = {{5.5, 50.5, 1}, {30.5, 60.5, -1}, {55.5, 20.5, 0}, {60.5, 40.25, 0}};
@@ -182,6 +182,8 @@ void drawContour() {
 
 // Coordinates away from pixel limits: there the ways may round apart, as one multiplies the matrices first.
 TEST_F(Batch, BothWaysDrawTheImmediatePicture) {
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     drawColored();
     const Picture immediate = read();
     EXPECT_EQ(immediate.at(20, 35), kBlue);
@@ -223,6 +225,11 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         const NgColorLong middle = drawBatched(drawContour, kTextured, kProgram).at(20, 50);
         const bool byBands = *std::getenv("NU_CONTOUR_COLOR_SCALE_MODE") == '1';
         EXPECT_EQ(hex(middle), hex(byBands ? 0xFFC04040 : kBlue)) << "half-way to grey";
+        contour.texture = 0;
+        NglBatchBegin(kPoints, kTextured);
+        drawContour();
+        NglBatchEnd(kPoints);
+        EXPECT_EQ(hex(read().at(20, 50)), hex(byBands ? 0xFFC04040 : 0xFFFFFFFF)) << "without texture";
         NglRegisterGetActiveTextureAttribProc(nullptr);
         NglSetActiveTextureInfo(0, 0, 0);
         ngl_set_color_long(kTeal);
@@ -311,6 +318,8 @@ TEST_F(Batch, EachFlushHasTheWidthOrSizeOfItsOwn) {
         glGetFloatv(GL_POINT_SIZE, &size);
         EXPECT_EQ(size, way == kProgram ? 2.6f : 3.0f) << "deliberate: read as an integer";
     }
+    glPointSize(0.3f); // no size once it is rounded
+    drawBatched([] { drawLines(1), drawPoint(30, 30, 4); }, kColors, kFixed);
 }
 
 TEST_F(Batch, AsksForTheTableOnceAndIgnoresAddsWithoutMemory) {
@@ -383,6 +392,19 @@ TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
         return;
     ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}});
     ranInSubprocess({{"REFUSE_PROGRAMS", "1"}});
+}
+
+TEST(BatchWithoutContext, DropsWhatItCollects) {
+    for (const int mode : {kPoints, kLines, kScreenLines})
+        NglBatchBegin(mode, kColors);
+    drawLine(1, 1, 2, 2, 0), drawLine(1, 1, 2, 2, 1), drawPoint(5, 5, 1);
+    for (const int mode : {kPoints, kLines, kScreenLines})
+        NglBatchEnd(mode);
+    const float zero[3] = {};
+    NglBatchRenderBegin(GL_LINES, 1);
+    NglBatchRenderAddVertex(zero, zero, 0, 0);
+    EXPECT_EQ(NglBatchRenderFlush(), 0);
+    EXPECT_EQ(NglBatchRenderFlush(), -2);
 }
 
 TEST_F(Batch, ScreenLinesAreInPixelsWhateverTheView) {
@@ -506,6 +528,8 @@ TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
     makeContour();
     const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, normal[3] = {0, 0, 1};
     EXPECT_EQ(NglBatchRenderFlush(), -1);
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(1);
     for (const int option : {0, 1, 2}) {
         clear();
         ngl_set_color_long(0xFFFFFFFF);
@@ -515,6 +539,8 @@ TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
         const GlSnapshot before = GlSnapshot::take();
         EXPECT_EQ(NglBatchRenderBegin(GL_TRIANGLES, option), 0);
         EXPECT_EQ(NglBatchRenderFlush(), -2);
+        NglBatchRenderAddVertex(normal, normal, 0, 0);
+        NglBatchRenderBegin(GL_TRIANGLES, option); // from the start
         for (const auto& corner : corners)
             EXPECT_EQ(NglBatchRenderAddVertex(corner, normal, 12.5f, static_cast<int>(kGreen)), 0);
         EXPECT_EQ(NglBatchRenderAddVertex(nullptr, normal, 0, 0), 0);
@@ -525,6 +551,22 @@ TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
         EXPECT_EQ(NglBatchRenderFlush(), -2) << "drawn already";
     }
     EXPECT_EQ(takeCounts(), (std::vector<int>{3, 3, 3}));
+}
+
+TEST_F(Batch, OfVerticesIsLitByItsNormals) {
+    const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, toViewer[3] = {0, 0, 1},
+                away[3] = {0, 0, -1}, white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1};
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0); // from the viewer
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
+    glMaterialfv(GL_FRONT, GL_DIFFUSE, white);
+    for (const float* normal : {toViewer, away}) {
+        NglBatchRenderBegin(GL_TRIANGLES, 0);
+        for (const auto& corner : corners)
+            NglBatchRenderAddVertex(corner, normal, 0, 0);
+        NglBatchRenderFlush();
+        EXPECT_EQ(hex(read().at(10, 10)), hex(normal == toViewer ? 0xFFFFFFFF : 0xFF000000));
+    }
 }
 
 TEST_F(Batch, OfVerticesIsFlushedByItsLastVertex) {
