@@ -67,12 +67,19 @@ private:
 class ScreenViewGuard {
 public:
     ScreenViewGuard() {
+        glGetIntegerv(GL_MATRIX_MODE, &m_matrixMode);
         ngl_push_view_matrices(0);
         ngl_initialize_view(nullptr, nullptr);
     }
-    ~ScreenViewGuard() { ngl_pop_view_matrices(0); }
+    ~ScreenViewGuard() {
+        ngl_pop_view_matrices(0);
+        glMatrixMode(static_cast<GLenum>(m_matrixMode));
+    }
     ScreenViewGuard(const ScreenViewGuard&) = delete;
     ScreenViewGuard& operator=(const ScreenViewGuard&) = delete;
+
+private:
+    GLint m_matrixMode;
 };
 
 bool usesProgram(const std::optional<ContourTextureGuard>& texture) {

@@ -216,6 +216,9 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         glActiveTexture(GL_TEXTURE2);
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram), immediate));
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kFixed), immediate));
+        GLint unit;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+        EXPECT_EQ(unit, GL_TEXTURE2);
         ngl_set_color_long(kTeal); // modulates
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram),
                                 drawBatched(drawContour, kTextured, kFixed)));
@@ -413,6 +416,7 @@ TEST_F(Batch, ScreenLinesAreInPixelsWhateverTheView) {
     glMatrixMode(GL_MODELVIEW);
     glTranslated(7, 7, 7);
     NglUpdateNglInfo();
+    glMatrixMode(GL_TEXTURE);
     ngl_set_color_long(kRed);
     const GlSnapshot before = GlSnapshot::take();
     NglBatchBegin(kScreenLines, kColors);
