@@ -63,6 +63,7 @@ TEST_F(Overlay, LieAtTheDepthOfTheReferenceOrOnTop) {
         double minZ, maxZ; ///< of the record's box
         double depth;      ///< drawn: 1 - 2 (minZ - w) / (minZ - maxZ)
     } rows[] = {{-0.5, 1, -1, 0.25}, {0.5, 1, -1, 0.75}, {0.5, 2, -2, 0.375}, {0.5, 1.5, -0.5, 0.25}};
+    glBlendFunc(GL_DST_COLOR, GL_ONE); // the host's, which opaque shapes leave
     for (const auto& row : rows) {
         NglGetNglInfo()->orthoMin.z = row.minZ;
         NglGetNglInfo()->orthoMax.z = row.maxZ;

@@ -39,7 +39,7 @@ struct Points {
     std::vector<double> x, y, z;
 };
 
-const Points corners({{10.5, 8.5}, {40.5, 8.5}, {40.5, 23.5}, {55.5, 23.5}}); // right, up, right
+const Points corners({{10.5, 8.5}, {40.5, 8.5}, {55.5, 8.5}, {55.5, 23.5}}); // right, right, up
 const _NgPoint2Str* const f = corners.flat.data();
 const _NgPoint3Str* const s = corners.solid.data();
 const _NgFPoint3Str* const sF = corners.solidF.data();

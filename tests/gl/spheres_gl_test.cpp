@@ -115,7 +115,7 @@ TEST_F(Spheres, TakeTheirColorsFromTheTexture) {
     glGenVertexArrays(1, &object);
     glBindVertexArray(object);
     const std::vector<_NgFPoint3Str> centers{{-2, 0, 0}, {2, 0, 0}};
-    const std::vector<float> radii{6, 6}, values{0.25f, 0.75f};
+    const std::vector<float> radii{6, 3}, values{0.25f, 0.75f};
     const struct {
         int textured, a, b;
         std::array<float, 2> coordinate; ///< of the second sphere
@@ -139,6 +139,7 @@ TEST_F(Spheres, TakeTheirColorsFromTheTexture) {
             EXPECT_EQ((std::array{current[0], current[1]}), coordinate);
             EXPECT_EQ(hex(read().at(15, 31)), hex(texels[!textured]));
             EXPECT_EQ(hex(read().at(47, 31)), hex(texels[coordinate[0] > 0.5f]));
+            EXPECT_EQ(read().at(51, 31) != kClear, form == 1) << "the radius of the first for both";
         }
     if (epoxy_gl_version() >= 30) // and where vertex array objects are an extension
         ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}});
