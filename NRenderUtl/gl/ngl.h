@@ -523,7 +523,8 @@ NRENDERUTL_API void ngl_polygon_3d_s_with_vertex_array(const _NgPoint3Str* point
                                                        const _NgPoint3Str* normals, std::uint64_t count);
 /// Any plane polygon of at least 3 points, seen from either side, filled where its outline encloses a pixel
 /// an odd number of times. Needs a stencil buffer, which it clears; without one holes and notches are filled
-/// too. Afterwards the stencil test is off, and all else as before. The second sends doubles as doubles.
+/// too. It is drawn as a fan about the first point, so blending may mix a pixel more than once. Afterwards
+/// the stencil test is off, and all else as before. The second sends doubles as doubles.
 NRENDERUTL_API void ngl_concave_polygon_3d(const double* x, const double* y, const double* z,
                                            std::uint64_t count);
 NRENDERUTL_API void ngl_concave_polygon_3d_s(const _NgPoint3Str* points, std::uint64_t count);
