@@ -108,9 +108,11 @@ void drawFixed(const BatchVertices& vertices) {
 }
 
 void drawPointsWithProgram(const BatchVertices& points) {
+    const bool was = glIsEnabled(GL_PROGRAM_POINT_SIZE);
     glEnable(GL_PROGRAM_POINT_SIZE);
     drawWithProgram(points);
-    glDisable(GL_PROGRAM_POINT_SIZE);
+    if (!was)
+        glDisable(GL_PROGRAM_POINT_SIZE);
 }
 
 void drawPointsFixed(const BatchVertices& points) {

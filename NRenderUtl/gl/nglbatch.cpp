@@ -1,6 +1,7 @@
 // Batches of points and lines as hosts drive them: begin, add, end.
 #include "NRenderUtl/gl/NglBatchRender.h"
 
+#include "NRenderUtl/gl/nglline.h"
 #include "NRenderUtl/gl/nglrecord.h"
 
 namespace {
@@ -78,7 +79,8 @@ void addPoints(CNglBatchPointRender& batch, int count, const Point* points, floa
 template <class Point>
 void addLine(CNglBatchLineRender& batch, const Point& p, const Point& q) {
     const NgColorLong color = nglRecord().colorLong;
-    batch.add({narrowed(p), color}, {narrowed(q), color}, ngl_get_line_style(), ngl_get_line_width());
+    const NglLineState& line = nglLineState();
+    batch.add({narrowed(p), color}, {narrowed(q), color}, line.style, line.width);
 }
 
 } // namespace

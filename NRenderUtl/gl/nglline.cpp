@@ -8,13 +8,8 @@
 
 namespace {
 
-struct LineState {
-    std::int32_t width = 0; ///< so that the first setting is issued
-    std::int32_t style = 0;
-};
-
-LineState& lineState() {
-    static LineState state;
+NglLineState& lineState() {
+    static NglLineState state;
     return state;
 }
 
@@ -39,6 +34,10 @@ Stipple stippleOf(int style) {
 }
 
 } // namespace
+
+const NglLineState& nglLineState() {
+    return lineState();
+}
 
 void nglIssueLineWidth(int width) {
     lineState().width = width;

@@ -493,6 +493,7 @@ TEST_F(Batch, LeavesWhatTheHostHasBound) {
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, names[1]);
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(1);
+    glEnable(GL_PROGRAM_POINT_SIZE);
     glUseProgram(program);
     ngl_set_color_long(kYellow);
     const auto scene = [] { drawColored(), ngl_set_line_width(1); };
@@ -500,7 +501,7 @@ TEST_F(Batch, LeavesWhatTheHostHasBound) {
         const GlSnapshot before = GlSnapshot::take();
         EXPECT_TRUE(samePicture(drawBatched(scene, kColors, way), plain));
         EXPECT_TRUE(GlSnapshot::take().equals(before));
-        EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART));
+        EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART) && glIsEnabled(GL_PROGRAM_POINT_SIZE));
     }
     glBindVertexArray(0);
     GLint divisor;
