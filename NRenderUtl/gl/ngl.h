@@ -569,7 +569,7 @@ NRENDERUTL_API void RenderingDrawPointListF(int count, const _NgFPoint3Str* poin
 // contour texture, any other the current packed colour of each vertex. A batch that finds no memory ignores
 // what is added. Points and segments in model space are drawn by a program where the driver has GLSL 1.50 and
 // neither a view-point push nor a 3D matrix nor a transformation is in force: in the record's view, unlit,
-// without line style, clipped only while ngl_load_clip_planes counts. The rest is drawn by fixed function as
+// without fog or line style, clipped only while ngl_load_clip_planes counts. The rest is drawn by fixed function as
 // GL is set up. A textured batch leaves texture unit 0 as NglDisableTexture does, its matrix the contour's.
 
 NRENDERUTL_API void NglBatchBegin(int mode, int option);
