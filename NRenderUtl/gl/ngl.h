@@ -569,8 +569,9 @@ NRENDERUTL_API void RenderingDrawPointListF(int count, const _NgFPoint3Str* poin
 // contour texture, any other the current packed colour of each vertex. A batch that finds no memory ignores
 // what is added. Points and segments in model space are drawn by a program where the driver has GLSL 1.50 and
 // neither a view-point push nor a 3D matrix nor a transformation is in force: in the record's view, unlit,
-// without fog or line style, clipped only while ngl_load_clip_planes counts. The rest is drawn by fixed function as
-// GL is set up. A textured batch leaves texture unit 0 as NglDisableTexture does, its matrix the contour's.
+// without fog or line style, clipped only while ngl_load_clip_planes counts. The rest is drawn by fixed
+// function as GL is set up. A textured batch leaves texture unit 0 as NglDisableTexture does, its matrix the
+// contour's.
 
 NRENDERUTL_API void NglBatchBegin(int mode, int option);
 /// Draws what is left.
@@ -584,7 +585,7 @@ NRENDERUTL_API void ngl_batch_polyline_3d_s(const _NgPoint3Str* points, std::uin
 
 /// A batch of any GL primitive but points, of at most 120,000 vertices; a full one is flushed. Option: 1 a
 /// packed colour for each vertex, 2 one texture coordinate, 0 neither. All return 0; the flush -1 without a
-/// primitive and -2 without vertices.
+/// primitive and -2 without vertices. Drawn with all that is current in GL, a program of the host's too.
 NRENDERUTL_API int NglBatchRenderBegin(int primitive, int option);
 NRENDERUTL_API int NglBatchRenderAddVertex(const float position[3], const float normal[3], float texcoord,
                                            int color);
