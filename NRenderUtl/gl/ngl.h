@@ -669,8 +669,7 @@ NRENDERUTL_API void MathTransformWorldToView(const _NgPoint3Str* in, _NgPoint3St
 // Shapes in window pixels (y upward; where the viewport lies off the origin, in the units of
 // ngl_initialize_view) on top of the scene, or at the depth of a model point where one is given: its window
 // depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
-// In the current GL colour, as lighting, textures and clip planes leave it where the host has them on. Leave
-// the model-view mode selected; return 0.
+// In the current GL colour, as the host's lighting, textures and clip planes leave it; return 0.
 
 /// A convex polygon or an open chain of lines; nothing from fewer than 2 points. Translucent polygons have
 /// alpha 50, which the current packed colour keeps; blending is off, with factors one and zero, and depth
@@ -694,7 +693,7 @@ NRENDERUTL_API void NglDrawArc(const _NgPoint3Str* center, const _NgPoint3Str* a
 /// Spheres of radii in pixels around model points: centres as 3 floats each, or as points. textured: in the
 /// colours of NglEnableTexture, at the texture coordinate (value, 0), or at that of a flag: (0, 0.25) for the
 /// first, (0, 0.5) for the second, which counts when both are set. What an array lacks, or a null one, is 0.
-/// Smooth shading, normalisation, the model-view mode and the last texture coordinate stay in force.
+/// Smooth shading, normalisation and the last texture coordinate stay in force.
 NRENDERUTL_API void NglDrawSpheresWithRadius(int count, const float* centers, const float* radii,
                                              const float* values, int textured, int a, int b);
 NRENDERUTL_API void NglDrawSpheres(const std::vector<_NgFPoint3Str>& centers, const std::vector<float>& radii,

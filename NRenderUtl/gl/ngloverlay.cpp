@@ -23,6 +23,9 @@ public:
     ~PixelViewGuard() { ngl_pop_view_matrices(0); }
     PixelViewGuard(const PixelViewGuard&) = delete;
     PixelViewGuard& operator=(const PixelViewGuard&) = delete;
+
+private:
+    const MatrixModeGuard m_mode;
 };
 
 /// z in the pixel view, where it is the window depth. Deliberate: the point's own window depth is set against

@@ -62,6 +62,7 @@ void drawSpheres(std::span<const _NgFPoint3Str> centers, Floats radiiPx, Floats 
     const ClientArraysGuard arrays;
     const PlainIndicesGuard indices;
     const ReversedFrontsGuard fronts;
+    const MatrixModeGuard mode;
     GLfloat normal[3];
     glGetFloatv(GL_CURRENT_NORMAL, normal);
     glEnableClientState(GL_VERTEX_ARRAY);

@@ -177,6 +177,18 @@ public:
     AttributesGuard& operator=(const AttributesGuard&) = delete;
 };
 
+/// Keeps the matrix mode.
+class MatrixModeGuard {
+public:
+    MatrixModeGuard() { glGetIntegerv(GL_MATRIX_MODE, &m_mode); }
+    ~MatrixModeGuard() { glMatrixMode(static_cast<GLenum>(m_mode)); }
+    MatrixModeGuard(const MatrixModeGuard&) = delete;
+    MatrixModeGuard& operator=(const MatrixModeGuard&) = delete;
+
+private:
+    GLint m_mode;
+};
+
 /// Replaces the matrix of a mode, outside its stack, which may be full. The matrix mode is kept.
 class MatrixGuard {
 public:

@@ -29,6 +29,7 @@ protected:
     NgColorLong draw(double surface, bool translucent, const _NgPoint3Str* at) {
         glClearDepth(surface);
         clear();
+        glMatrixMode(GL_TEXTURE);
         const GlSnapshot before = GlSnapshot::take();
         ngl_draw_poly_on_screen(4, kChain.data(), true, translucent, at);
         EXPECT_TRUE(translucent || before.equals(GlSnapshot::take()));

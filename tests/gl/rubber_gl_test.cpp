@@ -90,6 +90,7 @@ TEST_P(Rubber, ComesAndGoes) {
     glWindowPos2i(0, 0);
     glDrawPixels(kSize, kSize, GL_RGBA, GL_UNSIGNED_BYTE, &noise.at(0, 0));
     (GetParam() == FramebufferObject ? glEnable : glDisable)(GL_FRAMEBUFFER_SRGB);
+    glMatrixMode(GL_TEXTURE);
     ngl_set_line_width(2);
     glLineWidth(1); // the band's width is issued all the same
     static int flushes = 0;

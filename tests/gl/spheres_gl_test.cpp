@@ -111,6 +111,7 @@ TEST_F(Spheres, TakeTheirColorsFromTheTexture) {
     glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA, 2, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
     glEnable(GL_TEXTURE_1D);
+    glMatrixMode(GL_TEXTURE);
     GLuint object;
     glGenVertexArrays(1, &object);
     glBindVertexArray(object);
