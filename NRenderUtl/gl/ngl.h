@@ -669,7 +669,8 @@ NRENDERUTL_API void MathTransformWorldToView(const _NgPoint3Str* in, _NgPoint3St
 // Shapes in window pixels (y upward; where the viewport lies off the origin, in the units of
 // ngl_initialize_view) on top of the scene, or at the depth of a model point where one is given: its window
 // depth w when the record's box goes from z = 1 to -1, else 1 - 2 (min - w) / (min - max).
-// In the current GL colour, as the host's lighting, textures and clip planes leave it; return 0.
+// In the current GL colour, as the host's lighting, textures and clip planes leave it, but through no program
+// of the host's; return 0.
 
 /// A convex polygon or an open chain of lines; nothing from fewer than 2 points. Translucent polygons have
 /// alpha 50, which the current packed colour keeps; blending is off, with factors one and zero, and depth

@@ -73,6 +73,7 @@ int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled, 
         onTop.emplace();
     const double z = depthAt ? depthOf(*depthAt) : 0;
     const PixelViewGuard pixels;
+    const NoProgramGuard fixed;
     if (filled && translucent)
         beginTranslucency();
     emitPairs(filled ? GL_POLYGON : GL_LINES, count, points, z);

@@ -107,6 +107,7 @@ void ngl_draw_rubber(int kind, int x0, int y0, int x1, int y1) {
     const VisibleBufferGuard visible;
     const XorGuard byXor;
     const MatrixModeGuard mode;
+    const NoProgramGuard fixed;
     ngl_push_3d_matrix();
     ngl_init_3d_matrix();
     // Deliberate: colour and width stay, as a band is drawn over and over.

@@ -24,6 +24,8 @@ protected:
         glTranslated(1, 2, 3);
         ngl_set_color_long(kInk);
         glEnable(GL_DEPTH_TEST);
+        const char* source = "void main() { discard; }"; // in use by the host
+        glUseProgram(glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source));
     }
     /// Draws the chain filled over a surface; returns the pixel. Only translucency may change the state.
     NgColorLong draw(double surface, bool translucent, const _NgPoint3Str* at) {
