@@ -1,9 +1,10 @@
 // Batches off-screen: 1024 x 768 pixels, a million segments of about 6 pixels, or points of size 3, each with
 // a colour of its own, supplied again in every frame.
 //
-//   batch_bench         frames through the batch functions and by client arrays written by hand, which draw
-//                       with the same program: milliseconds of wall clock and of CPU, from clearing to
-//                       glFinish, the best of five medians of 10, both ways taking turns
+//   batch_bench         frames through the batch functions, by program and by fixed function, and by client
+//                       arrays written by hand, with the same program and by fixed function: milliseconds of
+//                       wall clock and of CPU, from clearing to glFinish, the best of five medians of 10, the
+//                       ways taking turns
 //   batch_bench --add   adding alone: nanoseconds a segment or point, without the flush
 //
 // "filled" are arrays that the host narrows and copies in each frame as a batch does, "at hand" those that it
@@ -107,6 +108,12 @@ void drawBatch(const Model& model, bool lines) {
     NglBatchEnd(mode);
 }
 
+void drawFixedBatch(const Model& model, bool lines) {
+    NglSetTransformedState(); // views that are modified are drawn through fixed function
+    drawBatch(model, lines);
+    NglClearTransformedState();
+}
+
 // --- by hand -----------------------------------------------------------------------------------------------
 
 /// The library's own program for colours, found by its names.
@@ -160,6 +167,21 @@ public:
         glUseProgram(0);
     }
 
+    void drawFixed() const {
+        glEnableClientState(GL_VERTEX_ARRAY);
+        glEnableClientState(GL_COLOR_ARRAY);
+        glVertexPointer(3, GL_FLOAT, 0, m_positions.data());
+        glColorPointer(4, GL_UNSIGNED_BYTE, 0, m_colors.data());
+        glPointSize(kPointSize);
+        const auto count = static_cast<GLsizei>(m_indices.size());
+        if (m_lines)
+            glDrawElements(GL_LINES, count, GL_UNSIGNED_INT, m_indices.data());
+        else
+            glDrawArrays(GL_POINTS, 0, count);
+        glDisableClientState(GL_VERTEX_ARRAY);
+        glDisableClientState(GL_COLOR_ARRAY);
+    }
+
 private:
     const Model& m_model;
     const bool m_lines;
@@ -204,16 +226,19 @@ void timeModel(const char* title, bool lines) {
         std::function<void()> draw;
     } ways[] = {{"batch", [&] { drawBatch(model, lines); }},
                 {"client arrays, filled", [&] { byHand.fill(), byHand.draw(); }},
-                {"client arrays, at hand", [&] { byHand.draw(); }}};
-    Times best[3] = {{1e9, 1e9}, {1e9, 1e9}, {1e9, 1e9}};
+                {"client arrays, at hand", [&] { byHand.draw(); }},
+                {"fixed arrays, filled", [&] { byHand.fill(), byHand.drawFixed(); }},
+                {"batch, fixed function", [&] { drawFixedBatch(model, lines); }}};
+    constexpr int kWays = std::size(ways);
+    std::vector<Times> best(kWays, {1e9, 1e9});
     for (int round = 0; round < kRounds; ++round)
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < kWays; ++i) {
             const Times times = timeFrames(ways[i].draw);
             check(readPixels() == expected, "another picture");
             best[i] = {std::min(best[i].wall, times.wall), std::min(best[i].cpu, times.cpu)};
         }
     std::printf("%s\n", title);
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < kWays; ++i)
         std::printf("  %-24s %7.1f ms wall %7.1f ms CPU   batch is %.3f x wall %.3f x CPU\n", ways[i].name,
                     best[i].wall, best[i].cpu, best[0].wall / best[i].wall, best[0].cpu / best[i].cpu);
     std::fflush(stdout);
