@@ -63,25 +63,6 @@ private:
     bool m_enabled;
 };
 
-/// Pixels as units, for the length of a block.
-class ScreenViewGuard {
-public:
-    ScreenViewGuard() {
-        glGetIntegerv(GL_MATRIX_MODE, &m_matrixMode);
-        ngl_push_view_matrices(0);
-        ngl_initialize_view(nullptr, nullptr);
-    }
-    ~ScreenViewGuard() {
-        ngl_pop_view_matrices(0);
-        glMatrixMode(static_cast<GLenum>(m_matrixMode));
-    }
-    ScreenViewGuard(const ScreenViewGuard&) = delete;
-    ScreenViewGuard& operator=(const ScreenViewGuard&) = delete;
-
-private:
-    GLint m_matrixMode;
-};
-
 bool usesProgram(const std::optional<ContourTextureGuard>& texture) {
     return programState().built && !viewIsModified() && (!texture || texture->hasContour());
 }
@@ -125,7 +106,7 @@ void drawPointsFixed(const BatchVertices& points) {
 }
 
 void drawLinesFixed(const BatchVertices& lines, bool screen, int style) {
-    std::optional<ScreenViewGuard> view;
+    std::optional<PixelViewGuard> view;
     if (screen)
         view.emplace();
     const int before = ngl_get_line_style();

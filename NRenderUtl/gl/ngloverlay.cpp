@@ -13,21 +13,6 @@ constexpr NgColorLong kTranslucentAlpha = 0x32000000;
 constexpr int kCircleSteps = 360;
 constexpr double kRadPerDeg = 0.017453293005625408; // pi / 180 rounded to single precision
 
-/// One unit a pixel, y upward.
-class PixelViewGuard {
-public:
-    PixelViewGuard() {
-        ngl_push_view_matrices(0);
-        ngl_initialize_view(nullptr, nullptr);
-    }
-    ~PixelViewGuard() { ngl_pop_view_matrices(0); }
-    PixelViewGuard(const PixelViewGuard&) = delete;
-    PixelViewGuard& operator=(const PixelViewGuard&) = delete;
-
-private:
-    const MatrixModeGuard m_mode;
-};
-
 /// z in the pixel view, where it is the window depth. Deliberate: the point's own window depth is set against
 /// the box as if it were a z of the box, which gives it back where the box goes from 1 to -1, as hosts' do.
 double depthOf(const _NgPoint3Str& reference) {

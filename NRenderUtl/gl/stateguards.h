@@ -189,6 +189,21 @@ private:
     GLint m_mode;
 };
 
+/// A view of one unit a pixel, y upward.
+class PixelViewGuard {
+public:
+    PixelViewGuard() {
+        ngl_push_view_matrices(0);
+        ngl_initialize_view(nullptr, nullptr);
+    }
+    ~PixelViewGuard() { ngl_pop_view_matrices(0); }
+    PixelViewGuard(const PixelViewGuard&) = delete;
+    PixelViewGuard& operator=(const PixelViewGuard&) = delete;
+
+private:
+    const MatrixModeGuard m_mode;
+};
+
 /// Replaces the matrix of a mode, outside its stack, which may be full. The matrix mode is kept.
 class MatrixGuard {
 public:
