@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <random>
 #include <stdexcept>
@@ -25,6 +24,7 @@
 #include <vector>
 
 #include "NRenderUtl/NRenderUtl.h"
+#include "bench/timing.h"
 #include "viewer/offscreen.h"
 
 namespace {
@@ -33,35 +33,6 @@ constexpr int kWidth = 1024, kHeight = 768;
 constexpr int kRounds = 5, kFrames = 10, kCount = 1000000;
 constexpr int kPoints = 1, kLines = 2, kColors = 1;
 constexpr float kPointSize = 3.0f;
-
-struct Times {
-    double wall = 0, cpu = 0; ///< milliseconds
-};
-
-double milliseconds(clockid_t clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
-}
-
-Times now() {
-    return {milliseconds(CLOCK_MONOTONIC), milliseconds(CLOCK_PROCESS_CPUTIME_ID)};
-}
-
-Times since(const Times& start) {
-    const Times end = now();
-    return {end.wall - start.wall, end.cpu - start.cpu};
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-    return values[values.size() / 2];
-}
-
-void check(bool ok, const char* text) {
-    if (!ok)
-        throw std::runtime_error(text);
-}
 
 // --- what the host has -------------------------------------------------------------------------------------
 

@@ -18,7 +18,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -28,6 +27,7 @@
 
 #include "NRenderUtl/NRenderUtl.h"
 #include "bench/glcalls.h"
+#include "bench/timing.h"
 #include "viewer/offscreen.h"
 
 namespace {
@@ -39,30 +39,6 @@ using ngl::NglElements;
 constexpr int kWidth = 1024, kHeight = 768;
 constexpr int kRounds = 3, kFrames = 20, kProcesses = 7;
 constexpr unsigned kBands = 12;
-
-struct Times {
-    double wall = 0, cpu = 0; ///< milliseconds
-};
-
-double milliseconds(clockid_t clock) {
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
-}
-
-Times now() {
-    return {milliseconds(CLOCK_MONOTONIC), milliseconds(CLOCK_PROCESS_CPUTIME_ID)};
-}
-
-Times since(const Times& start) {
-    const Times end = now();
-    return {end.wall - start.wall, end.cpu - start.cpu};
-}
-
-double median(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + values.size() / 2, values.end());
-    return values[values.size() / 2];
-}
 
 // --- model and view ----------------------------------------------------------------------------------------
 
@@ -152,11 +128,6 @@ void drawFrame(NglElementMesh& mesh) {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     mesh.Draw();
     glFinish();
-}
-
-void check(bool right, const char* what) {
-    if (!right)
-        throw std::runtime_error(what);
 }
 
 /// That most of the window is drawn, so that no figure is that of an empty picture.
