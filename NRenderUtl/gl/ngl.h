@@ -473,8 +473,8 @@ NRENDERUTL_API void NglWrapSetTextureColor(float s, float t);
 // --- line attributes ---------------------------------------------------------------------------------------
 
 /// Line width in pixels; below 1 counts as 1. A width or style that is current already is not issued again.
-/// The width is 0 until one is set. What others issue to GL is not noticed, nor a change of the context, nor
-/// the 1 that NglUpdateNglInfo and NglPopNglInfo issue: set another value before the same one again.
+/// The width is 0 until one is set, here or by NglUpdateNglInfo and NglPopNglInfo. What others issue to GL is
+/// not noticed, nor a change of the context: set another value before the same one again.
 NRENDERUTL_API void ngl_set_line_width(int width);
 NRENDERUTL_API int ngl_get_line_width();
 /// GL's stipple pattern: 1 dash-dot, 2 dashes, 4 sparse dots, 5 fine dashes, anything else solid. Stippling

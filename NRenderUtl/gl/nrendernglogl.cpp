@@ -3,6 +3,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "NRenderUtl/gl/nglline.h"
 #include "NRenderUtl/gl/nglproject.h"
 #include "NRenderUtl/gl/nglrecord.h"
 #include "NRenderUtl/gl/refreshhooks.h"
@@ -27,7 +28,7 @@ constexpr int kPixelSizeSpan = 10;            // window pixels over which the pi
 
 void refreshAfterRecordChange() {
     const _NglInfoStr& info = nglRecord().live;
-    glLineWidth(1.0f);
+    nglIssueLineWidth(1);
     refreshMarkersAndText(&info.modelViewF[0][0], &info.projectionF[0][0], info.pixelSize);
 }
 

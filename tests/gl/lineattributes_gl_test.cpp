@@ -22,10 +22,14 @@ protected:
 TEST_F(LineAttributes, WidthIsIssuedWhenItChanges) {
     EXPECT_EQ(ngl_get_line_width(), 0);
     epoxy_glLineWidth = [](GLfloat width) { calls() += std::to_string(width) + ";"; };
-    for (const int width : {0, 1, -7, 3, 3, 0})
+    for (const int width : {0, 1, -7, 3, 3, 0, 3})
         ngl_set_line_width(width);
-    EXPECT_EQ(calls(), "1.000000;3.000000;1.000000;");
+    EXPECT_EQ(calls(), "1.000000;3.000000;1.000000;3.000000;");
+    NglUpdateNglInfo();
     EXPECT_EQ(ngl_get_line_width(), 1);
+    calls().clear();
+    ngl_set_line_width(3); // in the next frame
+    EXPECT_EQ(calls(), "3.000000;");
 }
 
 TEST_F(LineAttributes, StylesDrawTheirPatterns) {
