@@ -14,11 +14,16 @@ namespace nruview {
 namespace {
 
 constexpr double kWidestLabel = 0.6; ///< of the model's part of the picture
+constexpr double kRoundOff = 1e-10;  ///< what is smaller beside the other extreme is 0
 
 /// A value by itself, or with the digits that tell it from the other one.
 std::string numberText(const std::array<Extreme, 2>& extremes, int i) {
-    const NumberLabels alone = labelNumbers({&extremes[i].value, 1});
-    const NumberLabels both = labelNumbers(std::array{extremes[0].value, extremes[1].value});
+    std::array values = {extremes[0].value, extremes[1].value};
+    for (std::size_t k = 0; k < 2; ++k)
+        if (std::abs(values[k]) < kRoundOff * std::abs(values[1 - k]))
+            values[k] = 0.0;
+    const NumberLabels alone = labelNumbers({&values[i], 1});
+    const NumberLabels both = labelNumbers(values);
     std::string digits = both.texts[i];
     if (digits.find('.') != std::string::npos) {
         digits.erase(digits.find_last_not_of('0') + 1);

@@ -119,7 +119,7 @@ Model closeExtremes() {
     model.nodes = {{-3, -2, 0}, {3, -2, 0}, {0, 2, 0}, {0, 0, 0}, {0.15, 0, 0}, {0, 0.15, 0}};
     model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{0, 1, 2});
     model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{3, 4, 5});
-    model.fields = {{"T", FieldLocation::Node, 1, {0.5, 0.5, 0.5, 0, 1, 0.5}}};
+    model.fields = {{"T", FieldLocation::Node, 1, {0.5, 0.5, 0.5, 4e-17, 1, 0.5}}}; // round-off for 0
     return model;
 }
 
