@@ -3,11 +3,9 @@
 #include <cmath>
 #include <set>
 
-#include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostmath.h"
-#include "NRenderUtl/shaders/nshaders.h"
 #include "tests/mesh/testfaces.h"
-#include "tests/support/gltest.h"
+#include "tests/support/librarytest.h"
 
 using namespace nrutest;
 using namespace ngl;
@@ -55,15 +53,8 @@ void createSheets(const Case& c, NglElementMesh& mesh) {
     mesh.SetFailureLevel(NglElements::Range(440, 30), 2, 4);
 }
 
-class ElementPickPixel : public GlTest {
+class ElementPickPixel : public LibraryTest {
 protected:
-    void SetUp() override {
-        GlTest::SetUp();
-        SetRenderingContextActive(true);
-        NglInitGLExtensions();
-        RenderingInitShaders();
-        glEnable(GL_DEPTH_TEST);
-    }
     static void setView(const Case& c) {
         glMatrixMode(GL_PROJECTION);
         glLoadIdentity();
