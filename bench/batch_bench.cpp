@@ -8,11 +8,8 @@
 //   batch_bench --add   adding alone: nanoseconds a segment or point, without the flush
 //
 // "filled" are arrays that the host narrows and copies in each frame as a batch does, "at hand" those that it
-// has anyway. The process keeps the memory that it has once had (mallopt), as GL drivers in software free and
-// take tens of megabytes in each frame.
+// has anyway.
 #include <epoxy/gl.h>
-
-#include <malloc.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -274,13 +271,5 @@ void run(const std::string& mode) {
 } // namespace
 
 int main(int count, char** arguments) {
-    mallopt(M_TRIM_THRESHOLD, 1 << 30);
-    mallopt(M_MMAP_THRESHOLD, 1 << 30);
-    try {
-        run(count > 1 ? arguments[1] : "");
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "batch_bench: %s\n", error.what());
-        return 1;
-    }
-    return 0;
+    return runBenchmark(count, arguments, run);
 }

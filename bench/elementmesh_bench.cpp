@@ -6,12 +6,7 @@
 //                                library's start-up, Create with values and scale, first frame, and resident
 //                                memory
 //   elementmesh_bench --calls    the OpenGL calls of one steady frame
-//
-// The process keeps the memory that it has once had (mallopt), as gl drivers in software free and take tens
-// of megabytes in each frame.
 #include <epoxy/gl.h>
-
-#include <malloc.h>
 
 #include <algorithm>
 #include <array>
@@ -21,7 +16,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -373,13 +367,5 @@ void run(const std::string& mode) {
 } // namespace
 
 int main(int count, char** arguments) {
-    mallopt(M_TRIM_THRESHOLD, 1 << 30);
-    mallopt(M_MMAP_THRESHOLD, 1 << 30);
-    try {
-        run(count > 1 ? arguments[1] : "");
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "elementmesh_bench: %s\n", error.what());
-        return 1;
-    }
-    return 0;
+    return runBenchmark(count, arguments, run);
 }
