@@ -38,8 +38,8 @@ inline double median(std::vector<double> values) {
 }
 
 /// Runs a benchmark's cases, named by the program's argument; what goes wrong is told and ends it with 1. The
-/// process keeps the memory that it has once had, as GL drivers in software free and take tens of megabytes in
-/// each frame.
+/// process keeps the memory that it has once had, as GL drivers in software free and take tens of megabytes
+/// in each frame.
 template <class Run>
 int runBenchmark(int count, char** arguments, const Run& run) {
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
