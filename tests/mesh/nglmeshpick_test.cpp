@@ -140,23 +140,17 @@ TEST(NglPickMesh, ReportsWhatTheRayMeets) {
     const Case nearing{{-0.2887, -0.3, 0, 0.4041, -0.3, 1, 0.0577, 0.3, 5}, {{3, {0, 1, 2}}}};
     // where a ray along -z meets the plane, the tolerance, and what is picked
     const std::tuple<const char*, Case, double, double, double, PickResult> rows[] = {
-        {"exactly through a vertex", quads, 4, 2, 0, {NgPickVertex, {5}}},
         {"past the end of an edge", quads, 4.1, 2.1, 0.2, {NgPickVertex, {5}}},
         {"nearer the start: the entry behind it", quads, 0.5, 0.0625, 0.1, {NgPickEdge, {0, 1}}},
         {"nearer the end: the entry before the start", quads, 2.0625, 1.5, 0.1, {NgPickEdge, {2, 0}}},
         {"end of the first edge: no entry before it", quads, 1.5, 0.0625, 0.1, {NgPickEdge, {1, 0}}},
-        {"start of the last edge: the next element", quads, 0.0625, 1.5, 0.1, {NgPickEdge, {3, 1}}},
         {"halfway counts as the end", quads, 3, 0.0625, 0.1, {NgPickEdge, {4, 3}}},
-        {"equal distances: the first edge", quads, 1.75, 0.25, 0.3, {NgPickEdge, {1, 0}}},
         {"a distance equal to the tolerance", quads, 0.5, 0.0625, 0.0625, {NgPickEdge, {0, 1}}},
-        {"beyond the tolerance", quads, 0.5, 0.0625, 0.0624, {NgPickNothing, {}}},
-        {"a negative tolerance", quads, 0.5, 0, -1, {NgPickNothing, {}}},
         {"a tolerance that is not a number", quads, 0.5, 0, kNaN, {NgPickNothing, {}}},
         {"elements with foreign indices are skipped", foreign, 0.5, 0.1, 0.2, {NgPickEdge, {0, 1}}},
         {"a foreign entry before the edge", foreign, 1.6, 0.1, 0.2, {NgPickEdge, {1, 0}}},
         {"nothing behind the last entry", foreign, 1.4, 1.5, 0.2, {NgPickEdge, {2, 0}}},
         {"every edge nearer than the last", nearing, 0, 0, 0.3001, {NgPickElement, {2, 0, 1}}},
-        {"the first edge out of reach", nearing, 0, 0, 0.2999, {NgPickEdge, {2, 0}}},
     };
     for (auto [name, c, x, y, tolerance, expected] : rows) {
         c.start = {x, y, 5};
