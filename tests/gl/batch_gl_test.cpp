@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <functional>
 #include <iterator>
-#include <new>
+#include <tuple>
 
 #include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/mesh/nmesh.h"
@@ -20,23 +20,19 @@ constexpr int kPoints = 1, kLines = 2, kScreenLines = 3, kColors = 1, kTextured 
 constexpr bool kProgram = true, kFixed = false;
 
 struct DrawCall {
-    GLenum mode;
     int count;
     bool program; ///< or fixed function
-    float width, size;
-    bool operator==(const DrawCall&) const = default;
+    float width;
 };
 std::vector<DrawCall> drawCalls;
 
-void note(GLenum mode, GLsizei count) {
-    DrawCall call{mode, count, false, 0, 0};
+void note(GLsizei count) {
     GLint program = 0;
+    GLfloat width;
     if (epoxy_gl_version() >= 20)
         glGetIntegerv(GL_CURRENT_PROGRAM, &program);
-    call.program = program != 0;
-    glGetFloatv(GL_LINE_WIDTH, &call.width);
-    glGetFloatv(GL_POINT_SIZE, &call.size);
-    drawCalls.push_back(call);
+    glGetFloatv(GL_LINE_WIDTH, &width);
+    drawCalls.push_back({count, program != 0, width});
 }
 
 std::vector<int> takeCounts() {
@@ -44,6 +40,16 @@ std::vector<int> takeCounts() {
     for (const DrawCall& call : std::exchange(drawCalls, {}))
         counts.push_back(call.count);
     return counts;
+}
+
+void begin(std::initializer_list<int> modes, int option = kColors) {
+    for (const int mode : modes)
+        NglBatchBegin(mode, option);
+}
+
+void end(std::initializer_list<int> modes) {
+    for (const int mode : modes)
+        NglBatchEnd(mode);
 }
 
 /// Sizes that the library asked memory of, and the settings that it read. The n-th request from now on fails.
@@ -85,11 +91,11 @@ protected:
         static const auto drawElements = epoxy_glDrawElements;
         static const auto drawArrays = epoxy_glDrawArrays;
         epoxy_glDrawElements = [](GLenum mode, GLsizei count, GLenum type, const void* indices) {
-            note(mode, count);
+            note(count);
             drawElements(mode, count, type, indices);
         };
         epoxy_glDrawArrays = [](GLenum mode, GLint first, GLsizei count) {
-            note(mode, count);
+            note(count);
             drawArrays(mode, first, count);
         };
         install();
@@ -121,11 +127,9 @@ protected:
         clear();
         drawCalls.clear();
         way == kFixed ? NglSetTransformedState() : NglClearTransformedState();
-        for (const int mode : {kPoints, kLines})
-            NglBatchBegin(mode, option);
+        begin({kPoints, kLines}, option);
         scene();
-        for (const int mode : {kPoints, kLines})
-            NglBatchEnd(mode);
+        end({kPoints, kLines});
         NglClearTransformedState();
         EXPECT_EQ(drawCalls.size(), 2u);
         for (const DrawCall& call : drawCalls)
@@ -144,6 +148,7 @@ void drawPoint(double x, double y, float size) {
     ngl_batch_point_3d_given_size(1, &p, size);
 }
 
+// Coordinates away from pixel limits: there the ways may round apart, as one multiplies the matrices first.
 void drawColored() {
     ngl_set_line_width(2);
     ngl_set_color_long(0x40608020);
@@ -180,19 +185,6 @@ void drawContour() {
     drawContourOf<_NgFPoint3Str>(RenderingDrawLineF, RenderingDrawPointListF);
 }
 
-// Coordinates away from pixel limits: there the ways may round apart, as one multiplies the matrices first.
-TEST_F(Batch, BothWaysDrawTheImmediatePicture) {
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    drawColored();
-    const Picture immediate = read();
-    EXPECT_EQ(immediate.at(20, 35), kBlue);
-    EXPECT_EQ(immediate.at(40, 30), kYellow);
-    EXPECT_TRUE(drawCalls.empty());
-    EXPECT_TRUE(samePicture(drawBatched(drawColored, kColors, kProgram), immediate));
-    EXPECT_TRUE(samePicture(drawBatched(drawColored, kColors, kFixed), immediate));
-}
-
 TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
     for (const char* mode : {"0", "1"}) {
         if (ranInSubprocess({{"NU_CONTOUR_COLOR_SCALE_MODE", mode}}))
@@ -200,10 +192,10 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         makeContour();
         ngl_set_color_long(0xFFFFFFFF);
         NglEnableTexture(-1);
-        drawContour();
+        drawContourOf<_NgPoint3Str>(RenderingDrawLine, RenderingDrawPointList);
         const Picture immediate = read();
         clear();
-        drawContourOf<_NgPoint3Str>(RenderingDrawLine, RenderingDrawPointList);
+        drawContour();
         EXPECT_TRUE(samePicture(read(), immediate));
         NglDisableTexture(-1);
         const std::pair<int, NgColorLong> dots[] = {
@@ -219,27 +211,26 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         GLint unit;
         glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
         EXPECT_EQ(unit, GL_TEXTURE2);
-        ngl_set_color_long(kTeal); // modulates
+        const auto dot = [&] {
+            begin({kPoints}, kTextured);
+            drawContour();
+            end({kPoints});
+            return hex(read().at(20, 50));
+        };
+        const bool byBands = *std::getenv("NU_CONTOUR_COLOR_SCALE_MODE") == '1';
+        ngl_set_color_long(kTeal);
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram),
                                 drawBatched(drawContour, kTextured, kFixed)));
-        EXPECT_EQ(hex(drawBatched(drawContour, kTextured, kProgram).at(20, 50)), hex(0xFF600000));
+        EXPECT_EQ(dot(), hex(0xFF600000)) << "modulates";
         ngl_set_color_long(0xFFFFFFFF);
         contour.colorScale.SetSmearedMode(true);
-        const NgColorLong middle = drawBatched(drawContour, kTextured, kProgram).at(20, 50);
-        const bool byBands = *std::getenv("NU_CONTOUR_COLOR_SCALE_MODE") == '1';
-        EXPECT_EQ(hex(middle), hex(byBands ? 0xFFC04040 : kBlue)) << "half-way to grey";
+        EXPECT_EQ(dot(), hex(byBands ? 0xFFC04040 : kBlue)) << "half-way to grey";
         contour.texture = 0;
-        NglBatchBegin(kPoints, kTextured);
-        drawContour();
-        NglBatchEnd(kPoints);
-        EXPECT_EQ(hex(read().at(20, 50)), hex(byBands ? 0xFFC04040 : 0xFFFFFFFF)) << "without texture";
+        EXPECT_EQ(dot(), hex(byBands ? 0xFFC04040 : 0xFFFFFFFF)) << "without texture";
         NglRegisterGetActiveTextureAttribProc(nullptr);
         NglSetActiveTextureInfo(0, 0, 0);
         ngl_set_color_long(kTeal);
-        NglBatchBegin(kPoints, kTextured);
-        drawContour();
-        NglBatchEnd(kPoints);
-        EXPECT_EQ(hex(read().at(20, 50)), hex(kTeal)) << "without contour the current colour";
+        EXPECT_EQ(dot(), hex(kTeal)) << "without contour the current colour";
         return;
     }
 }
@@ -250,14 +241,13 @@ void drawLines(int count) {
 }
 
 TEST_F(Batch, FlushesWhenItIsFullAndWhenWidthStyleOrSizeChange) {
-    const auto widths = [] {
-        for (const int width : {1, 3, 1})
-            ngl_set_line_width(width), drawLines(1);
+    const auto lines = [](void (*set)(int), std::array<int, 3> values) {
+        return [=] {
+            for (const int value : values)
+                set(value), drawLines(1);
+        };
     };
-    const auto styles = [] {
-        for (const int style : {0, 2, 2})
-            ngl_set_line_style(style), drawLines(1);
-    };
+    const auto screenLines = [] { drawLine(1, 1, 2, 2, 1), drawLine(2, 2, 3, 3, 1); };
     const auto options = [] {
         drawLines(3), NglBatchBegin(kLines, kTextured), NglBatchBegin(kLines, kColors);
     };
@@ -272,14 +262,9 @@ TEST_F(Batch, FlushesWhenItIsFullAndWhenWidthStyleOrSizeChange) {
         std::function<void()> scene;
         std::vector<int> before, atEnd; ///< vertices of the flushes before the batch's end, and at the end
     } rows[] = {
-        {"nothing", kLines, [] {}, {}, {}},
-        {"widths", kLines, widths, {2, 2}, {2}},
-        {"styles", kLines, styles, {2}, {4}},
-        {"same style and width",
-         kScreenLines,
-         [] { drawLine(1, 1, 2, 2, 1), drawLine(2, 2, 3, 3, 1); },
-         {},
-         {4}},
+        {"widths", kLines, lines(ngl_set_line_width, {1, 3, 1}), {2, 2}, {2}},
+        {"styles", kLines, lines(ngl_set_line_style, {0, 2, 2}), {2}, {4}},
+        {"same style and width", kScreenLines, screenLines, {}, {4}},
         {"full lines", kLines, [] { drawLines(150000); }, {}, {300000}},
         {"more lines", kLines, [] { drawLines(150001); }, {300000}, {2}},
         {"full points", kPoints, [&] { points(400000); }, {}, {400000}},
@@ -292,78 +277,70 @@ TEST_F(Batch, FlushesWhenItIsFullAndWhenWidthStyleOrSizeChange) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        NglBatchBegin(row.mode, kColors);
+        begin({row.mode});
         row.scene();
         EXPECT_EQ(takeCounts(), row.before);
-        NglBatchEnd(row.mode);
+        end({row.mode});
         EXPECT_EQ(takeCounts(), row.atEnd);
     }
 }
 
-TEST_F(Batch, EachFlushHasTheWidthOrSizeOfItsOwn) {
+TEST_F(Batch, EachFlushHasTheWidthStyleOrSizeOfItsOwn) {
+    glEnable(GL_LINE_STIPPLE);
     glPointSize(2.6f);
-    ngl_set_line_width(7);
+    const auto scene = [] {
+        ngl_set_line_width(3);
+        ngl_set_line_style(2); // on the fixed way only
+        drawLine(0.5, 20.5, 60.5, 20.5);
+        ngl_set_line_width(5);
+        ngl_set_line_style(0);
+        drawPoint(30, 40, 4);
+    };
     for (const bool way : {kProgram, kFixed}) {
-        drawBatched(
-            [] {
-                ngl_set_line_width(3);
-                drawLines(1);
-                ngl_set_line_width(5);
-                drawPoint(30, 30, 4);
-            },
-            kColors, way);
+        EXPECT_EQ(drawBatched(scene, kColors, way).countOtherThan(kClear),
+                  16 + 3 * (way == kFixed ? 28 : 60));
         EXPECT_EQ(drawCalls[1].width, 3) << "not the width at the end";
-        EXPECT_EQ(ngl_get_line_width(), 5);
-        EXPECT_EQ(read().at(28, 28) != kClear && read().at(31, 31) != kClear, true);
-        EXPECT_EQ(read().at(27, 30), kClear);
+        EXPECT_TRUE(ngl_get_line_width() == 5 && ngl_get_line_style() == 0);
         EXPECT_EQ(glIsEnabled(GL_PROGRAM_POINT_SIZE), GL_FALSE);
         GLfloat size;
         glGetFloatv(GL_POINT_SIZE, &size);
         EXPECT_EQ(size, way == kProgram ? 2.6f : 3.0f) << "deliberate: read as an integer";
     }
     glPointSize(0.3f); // no size once it is rounded
-    drawBatched([] { drawLines(1), drawPoint(30, 30, 4); }, kColors, kFixed);
+    drawBatched(scene, kColors, kFixed);
 }
 
 TEST_F(Batch, AsksForTheTableOnceAndIgnoresAddsWithoutMemory) {
-    const float zero[3] = {};
-    const struct {
-        std::function<void()> begin, add, end;
-        std::vector<std::size_t> sizes;
-    } rows[] = {{[] { NglBatchBegin(kPoints, kColors); },
-                 [] { drawPoint(1, 1, 1); },
-                 [] { NglBatchEnd(kPoints); },
-                 {4800000, 3200000, 1600000}},
-                {[] { NglBatchBegin(kLines, kColors); },
-                 [] { drawLine(1, 1, 9, 9); },
-                 [] { NglBatchEnd(kLines); },
-                 {3600000, 4800000, 2400000, 2400000}},
-                {[] { NglBatchBegin(kScreenLines, kColors); },
-                 [] { drawLine(1, 1, 9, 9, 1); },
-                 [] { NglBatchEnd(kScreenLines); },
-                 {3600000, 4800000, 2400000, 2400000}},
-                {[] { NglBatchRenderBegin(GL_LINES, 1); },
-                 [&] { NglBatchRenderAddVertex(zero, zero, 0, 0); },
-                 [] { NglBatchRenderFlush(); },
-                 {1440000, 1440000, 480000, 480000, 480000}}};
-    for (const auto& row : rows) {
+    constexpr int kVertices = 0;
+    const std::vector<std::size_t> lineSizes{3600000, 4800000, 2400000, 2400000};
+    const std::pair<int, std::vector<std::size_t>> rows[] = {
+        {kPoints, {4800000, 3200000, 1600000}},
+        {kLines, lineSizes},
+        {kScreenLines, lineSizes},
+        {kVertices, {1440000, 1440000, 480000, 480000, 480000}}};
+    const auto draw = [](int mode) {
+        const float zero[3] = {};
+        if (mode == kVertices)
+            NglBatchRenderBegin(GL_LINES, 1);
+        begin({mode}); // what is added to other batches is drawn at once
+        drawPoint(1, 1, 1), drawLine(1, 1, 9, 9), drawLine(1, 1, 9, 9, 1);
+        NglBatchRenderAddVertex(zero, zero, 0, 0);
+        end({mode});
+        NglBatchRenderFlush();
+    };
+    for (const auto& [mode, sizes] : rows) {
         const std::size_t live = NHostLiveBlocks();
-        for (std::size_t failing = 1; failing <= row.sizes.size(); ++failing) {
+        for (std::size_t failing = 1; failing <= sizes.size(); ++failing) {
             host.failing = static_cast<int>(failing);
-            row.begin();
-            row.add();
-            row.end();
+            draw(mode);
             EXPECT_EQ(NHostLiveBlocks(), live) << failing;
         }
         EXPECT_EQ(takeCounts(), std::vector<int>());
         host.asked.clear();
-        for (int i = 0; i < 2; ++i) {
-            row.begin();
-            row.add();
-            row.end();
-        }
+        draw(mode);
+        draw(mode);
         EXPECT_EQ(takeCounts().size(), 2u);
-        EXPECT_EQ(host.asked, row.sizes);
+        EXPECT_EQ(host.asked, sizes);
     }
 }
 
@@ -378,13 +355,11 @@ TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
         {NglSetTransformedState, NglClearTransformedState},
         {[] { ngl_set_line_style(1); }, [] { ngl_set_line_style(0); }}}; // not a change of the view
     for (const auto& [change, undo] : changes) {
-        for (const int mode : {kPoints, kLines})
-            NglBatchBegin(mode, kColors);
+        begin({kPoints, kLines});
         drawLines(1);
         drawPoint(5, 5, 1);
         change();
-        for (const int mode : {kPoints, kLines})
-            NglBatchEnd(mode);
+        end({kPoints, kLines});
         undo();
     }
     ASSERT_EQ(drawCalls.size(), 8u);
@@ -398,11 +373,9 @@ TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
 }
 
 TEST(BatchWithoutContext, DropsWhatItCollects) {
-    for (const int mode : {kPoints, kLines, kScreenLines})
-        NglBatchBegin(mode, kColors);
+    begin({kPoints, kLines, kScreenLines});
     drawLine(1, 1, 2, 2, 0), drawLine(1, 1, 2, 2, 1), drawPoint(5, 5, 1);
-    for (const int mode : {kPoints, kLines, kScreenLines})
-        NglBatchEnd(mode);
+    end({kPoints, kLines, kScreenLines});
     const float zero[3] = {};
     NglBatchRenderBegin(GL_LINES, 1);
     NglBatchRenderAddVertex(zero, zero, 0, 0);
@@ -419,33 +392,15 @@ TEST_F(Batch, ScreenLinesAreInPixelsWhateverTheView) {
     glMatrixMode(GL_TEXTURE);
     ngl_set_color_long(kRed);
     const GlSnapshot before = GlSnapshot::take();
-    NglBatchBegin(kScreenLines, kColors);
+    begin({kScreenLines});
     drawLine(10.5, 5.5, 20.5, 5.5, 1);
     drawLine(10.5, 5.5, 20.5, 5.5, 0); // at once, as the model's batch is not active
     NglBatchEnd(kScreenLines);
     EXPECT_TRUE(GlSnapshot::take().equals(before));
-    for (int x = 10; x < 20; ++x)
-        EXPECT_EQ(hex(read().at(x, 5)), hex(kRed)) << x;
-    EXPECT_EQ(hex(read().at(20, 12)), hex(kRed));
+    for (const auto& [x, y] : {std::pair{10, 5}, {19, 5}, {20, 12}})
+        EXPECT_EQ(hex(read().at(x, y)), hex(kRed)) << x;
     EXPECT_EQ(read().countOtherThan(kClear), 20);
-    EXPECT_EQ(drawCalls, (std::vector<DrawCall>{{GL_LINES, 2, kFixed, 1, 1}}));
-}
-
-TEST_F(Batch, LinesAreStippledOnTheFixedWayOnly) {
-    glEnable(GL_LINE_STIPPLE);
-    ngl_set_color_long(kRed);
-    for (const bool way : {kProgram, kFixed}) {
-        const Picture p = drawBatched(
-            [] {
-                ngl_set_line_style(2);
-                drawLine(0.5, 20.5, 60.5, 20.5);
-                ngl_set_line_style(0);
-                drawPoint(5, 5, 1);
-            },
-            kColors, way);
-        EXPECT_EQ(p.countOtherThan(kClear), 1 + (way == kFixed ? 28 : 60));
-        EXPECT_EQ(ngl_get_line_style(), 0);
-    }
+    EXPECT_FALSE(drawCalls.at(0).program);
 }
 
 TEST_F(Batch, ClipsWhileTheHostsPlanesAreLoaded) {
@@ -459,15 +414,15 @@ TEST_F(Batch, ClipsWhileTheHostsPlanesAreLoaded) {
     for (const bool way : {kProgram, kFixed}) {
         ngl_load_clip_planes();
         const Picture p = drawBatched(scene, kColors, way);
-        EXPECT_EQ(p.at(30, 20) == kClear && p.at(5, 5) == kClear, true);
-        EXPECT_EQ(p.at(34, 20) != kClear && p.at(50, 5) != kClear, true);
+        EXPECT_TRUE(p.at(30, 20) == kClear && p.at(5, 5) == kClear);
+        EXPECT_TRUE(p.at(34, 20) != kClear && p.at(50, 5) != kClear);
     }
     NglRegisterUnloadClipPlaneFunc([] { return 0; }); // leaves the plane in GL
     ngl_unload_clip_planes();
     EXPECT_NE(drawBatched(scene, kColors, kProgram).at(5, 5), kClear);
 }
 
-TEST_F(Batch, LeavesWhatTheHostHasBound) {
+TEST_F(Batch, BothWaysDrawTheImmediatePictureAndLeaveWhatTheHostHasBound) {
     const char* source = "void main() { discard; }";
     const GLuint program = glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source);
     const std::uint32_t white = ~0u;
@@ -475,7 +430,10 @@ TEST_F(Batch, LeavesWhatTheHostHasBound) {
     glGenVertexArrays(1, &object);
     glGenBuffers(2, names);
     glGenTextures(1, &texture);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     const Picture plain = (drawColored(), read());
+    EXPECT_TRUE(plain.at(20, 35) == kBlue && plain.at(40, 30) == kYellow && drawCalls.empty());
     ngl_set_line_width(1);
     for (const GLuint attribute : {0, 1, 2, 3})
         glVertexAttribDivisor(attribute, 1);
@@ -511,8 +469,7 @@ TEST_F(Batch, LeavesWhatTheHostHasBound) {
 }
 
 TEST_F(Batch, ScopeEndsLinesThenPointsThenScreenLines) {
-    for (const int mode : {kPoints, kLines, kScreenLines, 0, 4, -1})
-        NglBatchBegin(mode, kColors);
+    begin({kPoints, kLines, kScreenLines, 0, 4, -1});
     {
         const NglBeginEndBatchDraw none(false, false, false), all(true, true, true);
         drawLine(1, 1, 2, 2, 1);
@@ -529,18 +486,25 @@ TEST_F(Batch, ScopeEndsLinesThenPointsThenScreenLines) {
 
 // --- vertices ----------------------------------------------------------------------------------------------
 
-TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
+TEST_F(Batch, OfVerticesDrawsItsPrimitiveLitInColoursOrTexture) {
     makeContour();
-    const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, normal[3] = {0, 0, 1};
+    const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, black[4] = {0, 0, 0, 1};
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
+    glEnable(GL_LIGHT0); // from the viewer
+    glEnable(GL_COLOR_MATERIAL);
     EXPECT_EQ(NglBatchRenderFlush(), -1);
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(1);
-    for (const int option : {0, 1, 2}) {
+    const std::tuple<int, float, NgColorLong> rows[] = {
+        {0, 1, 0xFFFFFFFF}, {0, -1, 0xFF000000}, {1, 1, kGreen}, {2, 1, kBlue}};
+    for (const auto& [option, towardsViewer, expected] : rows) {
+        const float normal[3] = {0, 0, towardsViewer};
         clear();
         ngl_set_color_long(0xFFFFFFFF);
         NglEnableTexture(-1);
         if (option != 2)
             NglDisableTexture(-1);
+        option == 0 ? glEnable(GL_LIGHTING) : glDisable(GL_LIGHTING);
         const GlSnapshot before = GlSnapshot::take();
         EXPECT_EQ(NglBatchRenderBegin(GL_TRIANGLES, option), 0);
         EXPECT_EQ(NglBatchRenderFlush(), -2);
@@ -551,41 +515,22 @@ TEST_F(Batch, OfVerticesDrawsItsPrimitiveInColoursOrTexture) {
         EXPECT_EQ(NglBatchRenderAddVertex(nullptr, normal, 0, 0), 0);
         EXPECT_EQ(NglBatchRenderFlush(), 0);
         EXPECT_TRUE(GlSnapshot::take().equals(before));
-        const NgColorLong expected[] = {0xFFFFFFFF, kGreen, kBlue};
-        EXPECT_EQ(hex(read().at(10, 10)), hex(expected[option])) << option;
+        EXPECT_EQ(hex(read().at(10, 10)), hex(expected)) << option;
+        EXPECT_EQ(takeCounts(), std::vector<int>{3});
         EXPECT_EQ(NglBatchRenderFlush(), -2) << "drawn already";
-    }
-    EXPECT_EQ(takeCounts(), (std::vector<int>{3, 3, 3}));
-}
-
-TEST_F(Batch, OfVerticesIsLitByItsNormals) {
-    const float corners[3][3] = {{4, 4, 0}, {60, 4, 0}, {4, 60, 0}}, toViewer[3] = {0, 0, 1},
-                away[3] = {0, 0, -1}, white[4] = {1, 1, 1, 1}, black[4] = {0, 0, 0, 1};
-    glEnable(GL_LIGHTING);
-    glEnable(GL_LIGHT0); // from the viewer
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black);
-    glMaterialfv(GL_FRONT, GL_DIFFUSE, white);
-    for (const float* normal : {toViewer, away}) {
-        NglBatchRenderBegin(GL_TRIANGLES, 0);
-        for (const auto& corner : corners)
-            NglBatchRenderAddVertex(corner, normal, 0, 0);
-        NglBatchRenderFlush();
-        EXPECT_EQ(hex(read().at(10, 10)), hex(normal == toViewer ? 0xFFFFFFFF : 0xFF000000));
     }
 }
 
 TEST_F(Batch, OfVerticesIsFlushedByItsLastVertex) {
     const float position[3] = {5, 5, 0};
-    for (const int primitive : {GL_LINES, 0}) {
+    for (const int primitive : {GL_LINES, 0}) { // without primitive never drawn, and no more than full
         NglBatchRenderBegin(primitive, 0);
-        for (int i = 0; i < 119999; ++i)
+        for (int i = 0; i < 120002; ++i) {
+            EXPECT_EQ(drawCalls.size(), primitive && i >= 120000) << i;
             NglBatchRenderAddVertex(position, position, 0, 0);
-        EXPECT_EQ(takeCounts(), std::vector<int>());
-        for (int i = 0; i < 3; ++i) // without primitive never drawn, and no more than full
-            NglBatchRenderAddVertex(position, position, 0, 0);
-        EXPECT_EQ(takeCounts(), primitive ? std::vector<int>{120000} : std::vector<int>());
+        }
         EXPECT_EQ(NglBatchRenderFlush(), primitive ? 0 : -1);
-        EXPECT_EQ(takeCounts(), primitive ? std::vector<int>{2} : std::vector<int>());
+        EXPECT_EQ(takeCounts(), primitive ? (std::vector<int>{120000, 2}) : std::vector<int>());
     }
 }
 
