@@ -1,9 +1,9 @@
-// Which elements the facts leave to see, and in which colour of their own.
+// Which elements clip codes and failure levels leave to see.
 #include <tuple>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/mesh/elementfacts.h"
 
 TEST(ElementFacts, ClipCodes) {
@@ -48,30 +48,6 @@ TEST(ElementFacts, FailureLevels) {
                 EXPECT_FALSE(isElementShown(facts, 0, how));
             }
         EXPECT_EQ(found, failing) << "mode " << mode << ", levels " << lower << " and " << upper;
-    }
-}
-
-TEST(ElementFacts, SelectionOverColorOverVisibility) {
-    NglSetHighlightColor(0xFF0000AA);
-    NglSetSelectionColor(0xFF00BB00);
-    const std::tuple<int, int, std::uint32_t, bool, std::optional<NgColorLong>> rows[] = {
-        // visible, selection, colour; shown, colour of its own
-        {1, 0, 0, true, {}},
-        {1, 0, 0x01112233, true, 0x112233},
-        {0, 0, 0x01112233, false, 0x112233},
-        {0, 1, 0, true, 0xFF00BB00},
-        {0, 2, 0x01112233, true, 0xFF0000AA},
-        {1, 3, 0x00112233, true, {}},
-        {0, 3, 0, false, {}}};
-    for (const auto& [visible, selection, color, shown, expected] : rows) {
-        ElementFacts facts;
-        facts.visible.writable(1)[0] = static_cast<std::uint8_t>(visible);
-        facts.selection.writable(1)[0] = static_cast<std::uint8_t>(selection);
-        facts.color.writable(1)[0] = color;
-        EXPECT_EQ(isElementShown(facts, 0, {}), shown) << visible << " " << selection;
-        const auto own = elementColor(facts, 0);
-        EXPECT_EQ(own.has_value(), expected.has_value());
-        EXPECT_EQ(own.value_or(0) & 0xFFFFFF, expected.value_or(0) & 0xFFFFFF) << visible << " " << selection;
     }
 }
 
