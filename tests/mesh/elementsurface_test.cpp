@@ -39,18 +39,6 @@ double degBetween(const ElementSurface::Vector& a, const ElementSurface::Vector&
 
 } // namespace
 
-TEST(ElementSurface, KeepsPositionsAboutTheMiddle) {
-    Pair pair;
-    for (double& x : pair.nodes)
-        x += 1e7;
-    const auto surface = makeElementSurface(pair.input());
-    ASSERT_TRUE(surface);
-    EXPECT_EQ(surface->origin, (std::array{1e7 + 2, 1e7 + 1, 1e7}));
-    EXPECT_EQ(surface->positions[4], (ElementSurface::Vector{2, 1, 0}));
-    EXPECT_EQ(surface->normals[2], (ElementSurface::Vector{0, 0, 1}));
-    EXPECT_EQ(surface->face(1)[2], 4u);
-}
-
 TEST(ElementSurface, NumbersElements) {
     const std::tuple<std::vector<std::uint32_t>, std::vector<std::uint32_t>, std::uint32_t, std::uint32_t,
                      std::uint32_t>

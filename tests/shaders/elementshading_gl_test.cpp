@@ -137,29 +137,21 @@ protected:
         EXPECT_GT(drawn, 100000);
         EXPECT_GT(lit.compared + unlit.compared - drawn, 100000) << "left out";
         // Slopes are differences of positions interpolated in float over a target of 64 pixels.
-        EXPECT_LE(lit.largest, 1e-4) << lit.worst;
-        EXPECT_LE(unlit.largest, 1e-6) << unlit.worst; // 8-bit colours divided by 255, and mixes of two
+        EXPECT_LE(lit.largest, 1e-4) << name << ": " << lit.worst;
+        EXPECT_LE(unlit.largest, 1e-6)
+            << name << ": " << unlit.worst; // 8-bit colours divided by 255, and mixes of two
     }
 };
 
 } // namespace
 
-TEST_F(ElementShading, MeshProgram) {
-    useCatalogue(RenderShaderMesh);
-    audit("mesh program", GL_TRIANGLES, 3, meshFragment);
-}
-
-TEST_F(ElementShading, MeshProgramWithElementsByAttribute) {
+TEST_F(ElementShading, ProgramsFollowTheRules) {
     use(elementMeshProgram());
     audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
-}
-
-TEST_F(ElementShading, TriangleProgram) {
+    useCatalogue(RenderShaderMesh);
+    audit("mesh program", GL_TRIANGLES, 3, meshFragment);
     useCatalogue(RenderShaderMeshTriangles);
     audit("triangle program", GL_TRIANGLES, 3, geometryFragment);
-}
-
-TEST_F(ElementShading, QuadProgram) {
     useCatalogue(RenderShaderMeshQuads);
     audit("quad program", GL_LINES_ADJACENCY, 4, geometryFragment);
 }
