@@ -38,24 +38,22 @@ TEST(Fields, SelectorsGiveComponentsAndInvariants) {
     });
     // By the deviator, sqrt(3/2 s:s), with the mean stress 3; the symmetric part of the skew one is the same.
     const double mises = std::sqrt(1.5 * (8 * 8 + 2 * 2 + 10 * 10 + 2 * (2 * 2 + 3 * 3 + 1 * 1)));
-    const std::tuple<const char*, double, const char*> rows[] = {
-        {"T", -2, "T"},
-        {"T@cell", 77, "T"},
-        {"T@node:mag", 2, "T:mag"},
-        {"U", 7, "U:mag"},
-        {"U:2", 6, "U:2"},
-        {"U:Y", -3, "U:y"},
-        {"flat:y", 4, "flat:y"},
-        {"S", mises, "S:mises"},
-        {"S:yz", -3, "S:yz"},
-        {"S:xz", 1, "S:xz"},
-        {"skew", mises, "skew:mises"},
-        {"skew:zz", -7, "skew:zz"},
-        {"skew:yz", -6, "skew:yz"},
-        {"skew:xz", 2, "skew:xz"},
-        {"odd:name:mag", 8, "odd:name:mag"},
-        {"odd@cell", 9, "odd@cell"},
-    };
+    const std::tuple<const char*, double, const char*> rows[] = {{"T", -2, "T"},
+                                                                 {"T@cell", 77, "T"},
+                                                                 {"T@node:mag", 2, "T:mag"},
+                                                                 {"U", 7, "U:mag"},
+                                                                 {"U:2", 6, "U:2"},
+                                                                 {"U:Y", -3, "U:y"},
+                                                                 {"flat:y", 4, "flat:y"},
+                                                                 {"S", mises, "S:mises"},
+                                                                 {"S:yz", -3, "S:yz"},
+                                                                 {"S:xz", 1, "S:xz"},
+                                                                 {"skew", mises, "skew:mises"},
+                                                                 {"skew:zz", -7, "skew:zz"},
+                                                                 {"skew:yz", -6, "skew:yz"},
+                                                                 {"skew:xz", 2, "skew:xz"},
+                                                                 {"odd:name:mag", 8, "odd:name:mag"},
+                                                                 {"odd@cell", 9, "odd@cell"}};
     for (const auto& [selector, value, label] : rows) {
         const Scalars scalars = selectScalars(model, selector, {});
         ASSERT_EQ(scalars.values.size(), 1u) << selector;
