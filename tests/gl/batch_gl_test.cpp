@@ -52,28 +52,10 @@ void end(std::initializer_list<int> modes) {
         NglBatchEnd(mode);
 }
 
-/// Sizes that the library asked memory of, and the settings that it read. The n-th request from now on fails.
-struct Host {
-    std::vector<std::size_t> asked;
-    int failing = 0;
-    std::string settings;
-} host;
-
+std::vector<std::size_t> asked; ///< sizes that the library asked memory of
+int failing = 0;                ///< the request, counted from now on, that gets none
+std::string settings;           ///< that the library read
 RenderTextureAttributes contour;
-
-void install() {
-    NHostServices services{};
-    services.allocate = [](void*, std::size_t bytes, const char*, int) {
-        host.asked.push_back(bytes);
-        return --host.failing == 0 ? nullptr : std::malloc(bytes);
-    };
-    services.release = [](void*, void* block) { std::free(block); };
-    services.setting = [](void*, const char* name) -> const char* {
-        host.settings += name;
-        return nullptr;
-    };
-    ASSERT_EQ(NHostSetServices(&services), 0);
-}
 
 /// One unit is a pixel, in GL and in the record.
 class Batch : public GlTest {
@@ -98,7 +80,17 @@ protected:
             note(count);
             drawArrays(mode, first, count);
         };
-        install();
+        NHostServices services{};
+        services.allocate = [](void*, std::size_t bytes, const char*, int) {
+            asked.push_back(bytes);
+            return --failing == 0 ? nullptr : std::malloc(bytes);
+        };
+        services.release = [](void*, void* block) { std::free(block); };
+        services.setting = [](void*, const char* name) -> const char* {
+            settings += name;
+            return nullptr;
+        };
+        ASSERT_EQ(NHostSetServices(&services), 0);
     }
 
     /// The bands 10 to 14 and, for the rows beside them, selection and highlight; as texture and as scale.
@@ -330,17 +322,17 @@ TEST_F(Batch, AsksForTheTableOnceAndIgnoresAddsWithoutMemory) {
     };
     for (const auto& [mode, sizes] : rows) {
         const std::size_t live = NHostLiveBlocks();
-        for (std::size_t failing = 1; failing <= sizes.size(); ++failing) {
-            host.failing = static_cast<int>(failing);
+        for (std::size_t n = 1; n <= sizes.size(); ++n) {
+            failing = static_cast<int>(n);
             draw(mode);
-            EXPECT_EQ(NHostLiveBlocks(), live) << failing;
+            EXPECT_EQ(NHostLiveBlocks(), live) << n;
         }
         EXPECT_EQ(takeCounts(), std::vector<int>());
-        host.asked.clear();
+        asked.clear();
         draw(mode);
         draw(mode);
         EXPECT_EQ(takeCounts().size(), 2u);
-        EXPECT_EQ(host.asked, sizes);
+        EXPECT_EQ(asked, sizes);
     }
 }
 
@@ -365,7 +357,7 @@ TEST_F(Batch, TakesTheFixedWayWhereTheViewIsModifiedOrTheDriverIsOld) {
     ASSERT_EQ(drawCalls.size(), 8u);
     for (std::size_t i = 0; i < 8; ++i)
         EXPECT_EQ(drawCalls[i].program, i >= 6 && !old) << i;
-    EXPECT_EQ(host.settings, old ? "" : "NU_CONTOUR_COLOR_SCALE_MODE") << "read once, for the program";
+    EXPECT_EQ(settings, old ? "" : "NU_CONTOUR_COLOR_SCALE_MODE") << "read once, for the program";
     if (old)
         return;
     ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}});

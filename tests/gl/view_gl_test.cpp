@@ -105,30 +105,21 @@ TEST_F(View, ShadowStackRestoresTheRecordLevelByLevel) {
     EXPECT_EQ(recordMatrix(), flat(kStart));
 }
 
-/// A push, a product and a pop that move GL and the count while the record keeps its matrix.
-void expectRecordStays() {
+TEST_F(View, RecordStaysWhileBeingDrawnAndWithUpdateOnPickOff) {
+    const bool isUpdated = ranInSubprocess({{"NU_UPDATE_NGLMAT_ON_PICK", "0"}});
+    ngl_push_3d_matrix(); // its shadow, if any, must survive what follows
+    NglSetBeingDrawnState(isUpdated);
     ngl_push_3d_matrix();
     ngl_mult_3d_matrix(kTurn);
     EXPECT_NE(liveMatrix(), flat(kStart));
     EXPECT_EQ(recordMatrix(), flat(kStart));
-    NglGetNglInfo()->modelView[3][0] = 77; // a pop that took from a shadow stack would undo this
+    info.modelView[3][0] = 77; // a pop that took from a shadow stack would undo this
     ngl_pop_3d_matrix();
     EXPECT_EQ(liveMatrix(), flat(kStart));
-    EXPECT_EQ(NglGetNglInfo()->modelView[3][0], 77);
-}
-
-TEST_F(View, RecordStaysWhileBeingDrawn) {
-    ngl_push_3d_matrix(); // its shadow must survive what happens while being drawn
-    NglSetBeingDrawnState(true);
-    expectRecordStays();
+    EXPECT_EQ(info.modelView[3][0], 77);
     NglSetBeingDrawnState(false);
     ngl_pop_3d_matrix();
-    EXPECT_EQ(recordMatrix(), flat(kStart));
-}
-
-TEST_F(View, RecordStaysWithUpdateOnPickOff) {
-    if (!ranInSubprocess({{"NU_UPDATE_NGLMAT_ON_PICK", "0"}}))
-        expectRecordStays();
+    EXPECT_EQ(info.modelView[3][0], isUpdated ? kStart[3][0] : 77);
 }
 
 TEST_F(View, ViewPointPushesAreCountedAndReset) {
