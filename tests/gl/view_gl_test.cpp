@@ -109,11 +109,13 @@ TEST_F(View, RecordStaysWhileBeingDrawnAndWithUpdateOnPickOff) {
     const bool isUpdated = ranInSubprocess({{"NU_UPDATE_NGLMAT_ON_PICK", "0"}});
     ngl_push_3d_matrix(); // its shadow, if any, must survive what follows
     NglSetBeingDrawnState(isUpdated);
+    info.modelView[3][0] = 76; // a push that kept this, or a pop that took from a shadow stack, would show
+    const Matrix record = recordMatrix();
     ngl_push_3d_matrix();
     ngl_mult_3d_matrix(kTurn);
     EXPECT_NE(liveMatrix(), flat(kStart));
-    EXPECT_EQ(recordMatrix(), flat(kStart));
-    info.modelView[3][0] = 77; // a pop that took from a shadow stack would undo this
+    EXPECT_EQ(recordMatrix(), record);
+    info.modelView[3][0] = 77;
     ngl_pop_3d_matrix();
     EXPECT_EQ(liveMatrix(), flat(kStart));
     EXPECT_EQ(info.modelView[3][0], 77);
