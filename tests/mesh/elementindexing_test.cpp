@@ -71,23 +71,3 @@ TEST(ElementIndexing, LastVerticesCarryTheNumbers) {
         }
     }
 }
-
-TEST(ElementIndexing, PrimitivesKnowTheirElements) {
-    ElementSurface surface = sheet(1, false, true);
-    surface.quadCount = 2;
-    surface.corners.insert(surface.corners.end(), {0, 1, 3, 2, 1, 3, 2, 0});
-    surface.elements.insert(surface.elements.end(), {8, 9});
-    using Numbers = std::vector<std::uint32_t>;
-    EXPECT_EQ(elementsOf(surface, ElementNumbering::Faces), (Numbers{3, 3, 8, 9}));
-    EXPECT_EQ(elementsOf(surface, ElementNumbering::Triangles), (Numbers{3, 3, 8, 8, 9, 9}));
-    EXPECT_EQ(elementsOf(surface, ElementNumbering::Quads), (Numbers{8, 9}));
-    const std::pair<ElementNumbering, bool> rows[] = {{ElementNumbering::Elements, true},
-                                                      {ElementNumbering::Faces, true},
-                                                      {ElementNumbering::Triangles, false},
-                                                      {ElementNumbering::Quads, false}};
-    for (const auto& [numbering, same] : rows)
-        EXPECT_EQ(countsElements(surface, numbering), numbering == ElementNumbering::Elements);
-    surface.elements.clear();
-    for (const auto& [numbering, same] : rows)
-        EXPECT_EQ(countsElements(surface, numbering), same) << static_cast<int>(numbering);
-}

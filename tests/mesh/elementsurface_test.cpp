@@ -1,4 +1,5 @@
 // The surface of an element mesh: what is refused, and which corners share a normal.
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -53,6 +54,7 @@ TEST(ElementSurface, NumbersElements) {
         EXPECT_EQ(surface->elementOf(0), triangle.empty() ? 0 : triangle[0]);
         EXPECT_EQ(surface->elementOf(1), ofQuad);
         EXPECT_EQ(surface->elementCount, count);
+        EXPECT_EQ(surface->origin, (std::array{2.0, 1.0, 0.0})) << "the middle";
     }
 }
 

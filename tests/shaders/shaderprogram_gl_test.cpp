@@ -25,25 +25,24 @@ constexpr const char* kGeometry =
 constexpr const char* kAllUniforms = R"(#version 150 compatibility
 in vec2 g_pos_attrib; in vec4 g_tex_attrib;
 struct Light { int status; vec4 position, ambient, diffuse, specular; float constattn, linattn, quadattn; };
-struct PbrLight { int status; vec4 position; }; struct Band { float min_val, max_val; vec3 color; };
+struct PbrLight { int status; vec4 position; };
 struct Material { vec4 emission, ambient, diffuse, specular; float shininess; };
 uniform Light g_lights[8]; uniform PbrLight g_pbrlights[8]; uniform Material g_frontmat, g_backmat;
-uniform Band g_clr_bands[64]; uniform vec3 g_oor_min_clr, g_oor_max_clr, g_color, g_cameraposition;
+uniform vec3 g_color, g_cameraposition;
 uniform int g_num_clr_bands, g_ct, g_nvlf, g_mcbuff[3], g_osbuff[3];
-uniform float g_band_min_val, g_band_max_val, g_alphavalue, g_tsf, g_vlbuff[3];
+uniform float g_band_min_val, g_alphavalue, g_tsf, g_vlbuff[3];
 uniform vec4 g_fcolor, g_bcolor; uniform mat4 g_mvmat, g_projmat, g_normalmat, g_texmat, g_transmat;
 vec4 of(Light l) {
     return l.position + l.ambient + l.diffuse + l.specular + l.constattn + l.linattn + l.quadattn + l.status;
 }
 vec4 of(PbrLight l) { return l.position + l.status; }
 vec4 of(Material m) { return m.emission + m.ambient + m.diffuse + m.specular + m.shininess; }
-vec4 of(Band b) { return vec4(b.color, b.min_val + b.max_val); }
 void main() {
     vec4 sum = g_tex_attrib + of(g_frontmat) + of(g_backmat) + g_fcolor + g_bcolor;
     for (int i = 0; i < g_num_clr_bands; ++i)
-        sum += of(g_lights[i]) + of(g_pbrlights[i]) + of(g_clr_bands[i]) + g_mcbuff[i] + g_osbuff[i] + g_vlbuff[i];
-    sum.xyz += g_oor_min_clr + g_oor_max_clr + g_color + g_cameraposition;
-    sum += g_ct + g_nvlf + g_band_min_val + g_band_max_val + g_alphavalue + g_tsf;
+        sum += of(g_lights[i]) + of(g_pbrlights[i]) + g_mcbuff[i] + g_osbuff[i] + g_vlbuff[i];
+    sum.xyz += g_color + g_cameraposition;
+    sum += g_ct + g_nvlf + g_band_min_val + g_alphavalue + g_tsf;
     gl_Position = (g_mvmat + g_projmat + g_normalmat + g_texmat + g_transmat) * sum;
     gl_Position += vec4(g_pos_attrib, 0.0, 1.0);
 }
@@ -160,7 +159,7 @@ TEST_F(ShaderProgram, EightLightsAreSetAndOfThoseOffOnlyTheStatus) {
     EXPECT_EQ(uniforms("status position", "g_pbrlights[7]."), "1|4 5 6 7.5|");
 }
 
-TEST_F(ShaderProgram, MaterialsAndColorScalesAreUploaded) {
+TEST_F(ShaderProgram, MaterialsAndEmptyColorScalesAreUploaded) {
     useAllUniforms();
     NglMatParams front{{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}, {13, 14, 15, 16}, 17};
     NglMatParams back{{21, 22, 23, 24}, {25, 26, 27, 28}, {29, 30, 31, 32}, {33, 34, 35, 36}, 37};
@@ -174,15 +173,6 @@ TEST_F(ShaderProgram, MaterialsAndColorScalesAreUploaded) {
     EXPECT_EQ(uniforms("g_num_clr_bands"), "9|");
     program.SetColorScaleUniforms(&scale);
     EXPECT_EQ(uniforms("g_num_clr_bands g_band_min_val"), "0|0|");
-    scale.SetColorBands({{-1, 2, 0xAA00FF33}, {2, 6, 0xFF3300FF}});
-    program.SetColorScaleUniforms(&scale);
-    EXPECT_EQ(uniforms("g_num_clr_bands g_band_min_val g_band_max_val"), "2|-1|6|");
-    EXPECT_EQ(uniforms("min_val max_val color", "g_clr_bands[1]."), "2|6|1 0 0.2|");
-    EXPECT_EQ(uniforms("g_oor_min_clr g_oor_max_clr"), "0.2 1 0|1 0 0.2|");
-    scale.SetOutOfRangeMinColor(0xFF0000);
-    scale.SetOutOfRangeMaxColor(0x00FF00);
-    program.SetColorScaleUniforms(&scale);
-    EXPECT_EQ(uniforms("g_oor_min_clr g_oor_max_clr"), "0 0 1|0 1 0|");
 }
 
 TEST_F(ShaderProgram, AttributesDraw) {
