@@ -157,6 +157,8 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
             }
             EXPECT_FALSE(isShown(drawn, {2, 1.5, 0})) << row.name;
         }
+    const RenderColorScale scale = ColorBands(4, {0, 1}, true).attributes().colorScale;
+    EXPECT_NE(scale.GetColor(0.3f), scale.GetColor(0.26f)) << "two colours of one band";
 }
 
 TEST_F(ViewerScene, ElementsStandOutOrAreLeftOut) {
@@ -310,11 +312,13 @@ TEST_F(ViewerScene, BeamsAndPointsShowTheirColorsAndArePicked) {
     EXPECT_TRUE(shows(drawn, {1, 0, 0}, bands.color(0)));
     EXPECT_TRUE(shows(drawn, {2, 2, 0}, bands.color(1)));
     const ShownModel some =
-        showModel(model, {.field = "c", .elements = {.hidden = {{0, 0}}, .selected = {{1, 1}}}});
+        showModel(model, {.field = "c",
+                          .elements = {.hidden = {{0, 0}}, .selected = {{1, 1}}, .highlighted = {{2, 2}}}});
     const Picture less = picture(some, inBands(2));
     EXPECT_FALSE(isShown(less, {1, 0, 0}));
     EXPECT_EQ(pickAt(some, {1, 0, 0}).kind, Kind::Nothing);
     EXPECT_TRUE(shows(less, {2, 2, 0}, NglGetColorGivenIndex(33)));
+    EXPECT_TRUE(shows(less, {1, 1, 0}, NglGetColorGivenIndex(32)));
     const Picked beam = pickAt(shown, {3, 1, 0}); // past the middle of the second beam
     EXPECT_EQ(describe(shown, beam).substr(0, 20), "element 2 (line) at ");
     EXPECT_NEAR(beam.position[0], 3.0, 0.1);
