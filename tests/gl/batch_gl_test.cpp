@@ -2,7 +2,6 @@
 // they leave behind; and the batch of vertices.
 #include <cstdlib>
 #include <functional>
-#include <iterator>
 #include <tuple>
 
 #include "NRenderUtl/host/nhost.h"
@@ -22,17 +21,12 @@ constexpr bool kProgram = true, kFixed = false;
 struct DrawCall {
     int count;
     bool program; ///< or fixed function
-    float width;
+    double width;
 };
 std::vector<DrawCall> drawCalls;
 
 void note(GLsizei count) {
-    GLint program = 0;
-    GLfloat width;
-    if (epoxy_gl_version() >= 20)
-        glGetIntegerv(GL_CURRENT_PROGRAM, &program);
-    glGetFloatv(GL_LINE_WIDTH, &width);
-    drawCalls.push_back({count, program != 0, width});
+    drawCalls.push_back({count, stateOf(GL_CURRENT_PROGRAM) != 0, stateOf(GL_LINE_WIDTH)});
 }
 
 std::vector<int> takeCounts() {
@@ -63,9 +57,7 @@ protected:
     void SetUp() override {
         GlTest::SetUp();
         NglInitGLExtensions();
-        glMatrixMode(GL_PROJECTION);
-        glOrtho(0, kSize, 0, kSize, -10, 10);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(0, kSize, 0, kSize, -10, 10);
         NglUpdateNglInfo();
         const unsigned none = 0;
         glDrawElements(GL_POINTS, 0, GL_UNSIGNED_INT, &none); // finds the entry points
@@ -200,9 +192,7 @@ TEST_F(Batch, ContoursAreTheImmediateOnesByTextureAndByBands) {
         glActiveTexture(GL_TEXTURE2);
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kProgram), immediate));
         EXPECT_TRUE(samePicture(drawBatched(drawContour, kTextured, kFixed), immediate));
-        GLint unit;
-        glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
-        EXPECT_EQ(unit, GL_TEXTURE2);
+        EXPECT_EQ(stateOf(GL_ACTIVE_TEXTURE), GL_TEXTURE2);
         const auto dot = [&] {
             begin({kPoints}, kTextured);
             drawContour();
@@ -294,9 +284,7 @@ TEST_F(Batch, EachFlushHasTheWidthStyleOrSizeOfItsOwn) {
         EXPECT_EQ(drawCalls[1].width, 3) << "not the width at the end";
         EXPECT_TRUE(ngl_get_line_width() == 5 && ngl_get_line_style() == 0);
         EXPECT_EQ(glIsEnabled(GL_PROGRAM_POINT_SIZE), GL_FALSE);
-        GLfloat size;
-        glGetFloatv(GL_POINT_SIZE, &size);
-        EXPECT_EQ(size, way == kProgram ? 2.6f : 3.0f) << "deliberate: read as an integer";
+        EXPECT_EQ(stateOf(GL_POINT_SIZE), way == kProgram ? 2.6f : 3.0f) << "deliberate: read as an integer";
     }
     glPointSize(0.3f); // no size once it is rounded
     drawBatched(scene, kColors, kFixed);

@@ -159,8 +159,7 @@ TEST_F(Convert, PixelSizeAtAPoint) {
 }
 
 TEST_F(Convert, LengthsOfPixels) {
-    glMatrixMode(GL_PROJECTION);
-    glOrtho(-40, 40, -40, 40, -1, 1); // 1.25 a pixel
+    loadOrtho(-40, 40, -40, 40, -1, 1); // 1.25 a pixel
     double scale = 0;
     UtlRecomputeOrthoScale(&scale);
     EXPECT_NEAR(scale, 0.9 * 1.25, 1e-6);

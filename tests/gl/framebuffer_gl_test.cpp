@@ -46,9 +46,7 @@ TEST_F(NglFramebufferGl, EitherFormIsEnough) {
     glEnable(GL_DEPTH_TEST);
     fill(-0.5, 0xFF0000FF, 0); // near, over the left half
     fill(0.5, 0xFF00FF00, 1);  // hidden there
-    GLint stencilBits = 0;
-    glGetIntegerv(GL_STENCIL_BITS, &stencilBits);
-    EXPECT_EQ(stencilBits, 8);
+    EXPECT_EQ(nrutest::stateOf(GL_STENCIL_BITS), 8);
     ASSERT_EQ(NglReadPixelsFromFBO(0, 0, 8, 4, GL_RGBA, GL_UNSIGNED_BYTE, info.pixels), 0);
     for (unsigned i = 0; i < info.pixelCount; ++i)
         EXPECT_EQ(nrutest::hex(info.pixels[i]), i % 8 < 4 ? "0xFF0000FF" : "0xFF00FF00") << i;

@@ -16,9 +16,7 @@ protected:
     /// A view along model x in the record, with another one in GL.
     void SetUp() override {
         GlTest::SetUp();
-        glMatrixMode(GL_PROJECTION);
-        glOrtho(-4, 4, -4, 4, -1, 1);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(-4, 4, -4, 4, -1, 1);
         glRotated(90, 0, 1, 0);
         NglUpdateNglInfo();
         glTranslated(1, 2, 3);

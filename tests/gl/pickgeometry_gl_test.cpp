@@ -32,7 +32,7 @@ protected:
         for (const bool perspective : {false, true}) {
             SCOPED_TRACE(perspective ? "perspective" : "orthographic");
             setView(perspective);
-            check(perspective);
+            check();
         }
     }
     /// Picks a plane with everything in the box.
@@ -56,9 +56,7 @@ TEST_F(PickGeometry, PlanesAreMetUnderTheCursor) {
         [&] { return pickWithin(kNormal, -12); },
         [&] { return __MathGetPlanePoint(kSx, kSy, 2, -1, 3, -12, &low, &high, &out); },
     };
-    inBothViews([&](bool perspective) {
-        expectNear(view.screenOf(p), {kSx, kSy, 0}, 1e-6);
-        expectNear(view.screenOf(q), {kSx, kSy, perspective ? 1 : 1 / 50.0}, 1e-6); // one of 50 units
+    inBothViews([&] {
         for (std::size_t i = 0; i < std::size(picks); ++i) {
             out = kUntouched;
             EXPECT_EQ(picks[i](), 0) << i;
@@ -77,7 +75,7 @@ TEST_F(PickGeometry, PlanesAreMetUnderTheCursor) {
 }
 
 TEST_F(PickGeometry, RaysWithinTwoDegreesOfThePlaneAreRefused) {
-    inBothViews([&](bool) {
+    inBothViews([&] {
         const _NgPoint3Str ray = MathDifference(q, p);
         _NgPoint3Str side = MathCross(ray, {1, 0, 0});
         MathNormalise(side);
@@ -94,7 +92,7 @@ TEST_F(PickGeometry, RaysWithinTwoDegreesOfThePlaneAreRefused) {
 }
 
 TEST_F(PickGeometry, BoxesHoldOnlyTheirInside) {
-    inBothViews([&](bool) {
+    inBothViews([&] {
         ASSERT_EQ(pickWithin(kNormal, -12), 0);
         const _NgPoint3Str found = out, low = MathAdd(found, {-1, -1, -1}), high = MathAdd(found, {1, 1, 1});
         for (double _NgPoint3Str::*axis : {&_NgPoint3Str::x, &_NgPoint3Str::y, &_NgPoint3Str::z})
@@ -122,7 +120,7 @@ TEST_F(PickGeometry, LinesAreFollowedBeyondTheirEndsByTheFractionOnTheScreen) {
         {10, 5, 10, 30, 60, 35, 1.2},         {10, 5, 10, 30, 9, 0, -0.2},      {0, 0, 30, 40, 50, 0, 0.6},
         {10, 20, 11.01, 20, 12, 0, 2 / 1.01}, {10, 20, 10.9, 21.01, 10, 20, 0},
     };
-    inBothViews([&](bool) {
+    inBothViews([&] {
         for (const auto& row : rows) {
             SCOPED_TRACE(row.fraction);
             const _NgPoint3Str a = view.modelAt(row.ax, row.ay, 0.1), b = view.modelAt(row.bx, row.by, 0.7);
@@ -140,7 +138,7 @@ TEST_F(PickGeometry, LinesAreFollowedBeyondTheirEndsByTheFractionOnTheScreen) {
 }
 
 TEST_F(PickGeometry, ViewSpaceKeepsTheRotationAlone) {
-    inBothViews([&](bool) {
+    inBothViews([&] {
         _NgPoint3Str at{3, -4, 12}, inView;
         ngl_convert_model_to_ortho(&at, &inView);
         out = at;

@@ -67,9 +67,7 @@ class Primitives : public GlTest {
 protected:
     void SetUp() override {
         GlTest::SetUp();
-        glMatrixMode(GL_PROJECTION);
-        glOrtho(0, kSize, 0, kSize, -8, 8);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(0, kSize, 0, kSize, -8, 8);
         const double shear[16] = {1, 0, 0, 0, 0, 1, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1};
         glMultMatrixd(shear);
         ngl_set_color_long(kInk);
@@ -132,9 +130,7 @@ TEST_F(Primitives, EveryFormDrawsItsPixels) {
         const GlSnapshot before = GlSnapshot::take();
         draw();
         EXPECT_TRUE(samePicture(read(), expected));
-        GLfloat size;
-        glGetFloatv(GL_POINT_SIZE, &size);
-        EXPECT_EQ(size, &expected == &squares ? 3.0f : 1.0f);
+        EXPECT_EQ(stateOf(GL_POINT_SIZE), &expected == &squares ? 3 : 1);
         glPointSize(1);
         EXPECT_TRUE(before.equals(GlSnapshot::take()));
     }

@@ -119,9 +119,7 @@ TEST_F(NglRecordGl, CustomMatricesLastForTheirBlock) {
 
 TEST_F(NglRecordGl, InitializeViewTakesTheViewportsSizeAsItsEdges) {
     glViewport(10, 20, 50, 44);
-    glMatrixMode(GL_PROJECTION);
-    glOrtho(10, 50, 20, 44, -2, 6);
-    glMatrixMode(GL_MODELVIEW);
+    loadOrtho(10, 50, 20, 44, -2, 6);
     const GlSnapshot expected = GlSnapshot::take();
     glTranslatef(1, 2, 3);
     double nearPlane = -2, farPlane = 6;

@@ -35,9 +35,7 @@ protected:
         m_palette[63] = kBand;
         NglSetWindowBackGroundColor(kBand);
         NglUpdateColor(64, m_palette.data());
-        glMatrixMode(GL_PROJECTION);
-        glOrtho(-4, 4, -4, 4, -1, 3);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(-4, 4, -4, 4, -1, 3);
         glRotated(-10, 0, 0, 1);
         NglUpdateNglInfo();
         glScaled(2, 2, 2);
@@ -119,11 +117,8 @@ TEST_P(Rubber, ComesAndGoes) {
     EXPECT_EQ(flushes, 6) << "no swap shows the front buffer";
     EXPECT_EQ(ngl_get_color(), 63);
     EXPECT_EQ(ngl_get_line_width(), 2);
-    GLint width = 0, drawBuffer = 0;
-    glGetIntegerv(GL_LINE_WIDTH, &width);
-    EXPECT_EQ(width, 2);
-    glGetIntegerv(GL_DRAW_BUFFER, &drawBuffer);
-    EXPECT_EQ(drawBuffer, static_cast<GLint>(GetParam() == DoubleBuffered ? GL_BACK : seen));
+    EXPECT_EQ(stateOf(GL_LINE_WIDTH), 2);
+    EXPECT_EQ(stateOf(GL_DRAW_BUFFER), GetParam() == DoubleBuffered ? GL_BACK : seen);
     EXPECT_TRUE(GetParam() != DoubleBuffered || read(GL_BACK).countOtherThan(0) == 0);
     if (GetParam() == FramebufferObject && epoxy_gl_version() >= 30) // and where all of it is extensions
         ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}});

@@ -22,10 +22,7 @@ protected:
         zoom(4);
     }
     void zoom(double halfHeight) {
-        glMatrixMode(GL_PROJECTION);
-        glLoadIdentity();
-        glOrtho(-halfHeight, halfHeight, -halfHeight, halfHeight, -9, 9);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(-halfHeight, halfHeight, -halfHeight, halfHeight, -9, 9);
         NglUpdateNglInfo();
     }
 };

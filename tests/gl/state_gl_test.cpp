@@ -80,9 +80,7 @@ TEST_F(ContourTextureGl, TextureMatrixMapsTheRangeToOne) {
         attributes.minValue = row.minValue;
         attributes.maxValue = row.maxValue;
         ASSERT_EQ(NglEnableTexture(-1), 1);
-        GLint bound = 0;
-        glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
-        EXPECT_EQ(bound, static_cast<GLint>(attributes.texture));
+        EXPECT_EQ(stateOf(GL_TEXTURE_BINDING_2D), attributes.texture);
         EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
         const Matrix live = liveMatrix(GL_TEXTURE_MATRIX);
         EXPECT_EQ(live, (Matrix{row.scale, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, row.shift, 0, 0, 1}));

@@ -34,6 +34,21 @@ inline Matrix liveMatrix(GLenum which = GL_MODELVIEW_MATRIX) {
     return m;
 }
 
+/// A number of GL's state.
+inline double stateOf(GLenum name) {
+    double value = 0;
+    glGetDoublev(name, &value);
+    return value;
+}
+
+/// Leaves the matrix mode at the model-view.
+inline void loadOrtho(double left, double right, double bottom, double top, double nearZ, double farZ) {
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(left, right, bottom, top, nearZ, farZ);
+    glMatrixMode(GL_MODELVIEW);
+}
+
 inline std::array<int, 4> liveViewport() {
     std::array<int, 4> viewport;
     glGetIntegerv(GL_VIEWPORT, viewport.data());

@@ -77,9 +77,7 @@ TEST_F(View, OperationsChangeGlAndTheRecordAsTheyShould) {
         const Matrix expected = liveMatrix();
         startOver();
         operation.apply();
-        GLint mode = 0;
-        glGetIntegerv(GL_MATRIX_MODE, &mode);
-        EXPECT_EQ(mode, GL_MODELVIEW);
+        EXPECT_EQ(stateOf(GL_MATRIX_MODE), GL_MODELVIEW);
         EXPECT_EQ(liveMatrix(), expected);
         EXPECT_EQ(liveMatrix(GL_PROJECTION_MATRIX), kIdentity);
         EXPECT_EQ(recordMatrix(), operation.recordFollows ? expected : flat(kStart));
@@ -147,10 +145,7 @@ TEST_F(View, PushDeltaIsAHundredAndFiftyDepthStepsTowardsTheViewer) {
                 {"largest step", 2e7, 2, 300 * 0.2}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        glMatrixMode(GL_PROJECTION);
-        glLoadIdentity();
-        glOrtho(-4, 4, -4, 4, 0, row.range);
-        glMatrixMode(GL_MODELVIEW);
+        loadOrtho(-4, 4, -4, 4, 0, row.range);
         glLoadIdentity();
         glRotated(90, 0, 1, 0); // the viewer looks along model +x
         NglUpdateNglInfo();
