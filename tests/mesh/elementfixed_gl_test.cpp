@@ -322,6 +322,7 @@ TEST_F(ElementFixed, ColorsByFacingAndBlendsBackFacesFirst) {
         std::uint32_t upper, lower;
     } rows[] = {{"one colour", false, 1, 0, kGray, kGray},
                 {"two colours", true, 1, 0, kBlue, kRed},
+                {"back faces culled", true, 1, GL_BACK, kBlue, kBlue},
                 {"front faces culled", true, 1, GL_FRONT, kClear, kRed},
                 {"all culled", true, 1, GL_FRONT_AND_BACK, kClear, kClear},
                 {"transparent", true, 0.4f, 0, blueOver, bothOver},

@@ -100,6 +100,7 @@ const StartUp kRows[] = {
     {"NoGeometryStages", std::string(kNoSmooth) + kOn, "101 14", nullptr, {kNoGeometry}},
     {"TextureBuffersClaimed", kOldDriver, "001 ", nullptr, {kBuffersClaimed, kNoBuffers}},
     {"ModeOff", kOn, "001 14", nullptr, {kModeOff}},
+    {"ModeOffWithoutGeometryStages", kOn, "001 14", nullptr, {kModeOff, kNoGeometry}},
     {"ModeOn", kOn, "110 1234", nullptr, {kModeOn, kNoSph}},
     {"ProbeDoesNotLink", kOldDriver, "001 ", failLink<0>},
     {"MeshProgramFails", kOff, "001 ", failLink<1>},
