@@ -136,6 +136,7 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
         bool smeared = false;
     } rows[] = {
         {"from behind", "c", "0,0,-1", {10, 20, 30, 40}, 4, all},
+        {"tiny", "c", "xy", {1e-30, 2e-30, 3e-30, 4e-30}, 4, all},
         {"offset", "c", "xy", {1e9 + 1, 1e9 + 2, 1e9 + 3, 1e9 + 4}, 4, all},
         {"huge", "c", "xy", {-4e300, -3e300, -2e300, -1e300}, 4, all},
         {"not finite", "c", "xy", {-INFINITY, 8, NAN, 10}, 2, {{0.5, 0}, {1.5, 0}, {2.5, -1}, {3.5, 1}}},
@@ -230,6 +231,7 @@ TEST_F(ViewerScene, ProgramsAndFixedFunctionGiveOnePicture) {
         {"cantilever:10", "S_cell", "-1,-2,-3", {}, some},
         {"cantilever:10", "S_cell", "iso", {.shading = Shading::Flat, .opacity = 0.5}, some},
         {"hole:6", "S:mises", "1,2,3", {.range = {{50, 200}}, .shading = Shading::Element}},
+        {"hole:6", "", "xy", {}, some},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.field);
