@@ -57,6 +57,7 @@ TEST_F(PickGeometry, PlanesAreMetUnderTheCursor) {
         [&] { return __MathGetPlanePoint(kSx, kSy, 2, -1, 3, -12, &low, &high, &out); },
     };
     inBothViews([&] {
+        expectNear(view.screenOf(p), {kSx, kSy, 0}, 1e-6);
         for (std::size_t i = 0; i < std::size(picks); ++i) {
             out = kUntouched;
             EXPECT_EQ(picks[i](), 0) << i;
