@@ -89,6 +89,7 @@ void PrintTo(const StartUp& row, std::ostream* out) {
 const std::pair<std::string, std::string>
     kNoShaders = {"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_shader -GL_ARB_fragment_shader"},
     kNoGeometry = {"MESA_GL_VERSION_OVERRIDE", "3.1COMPAT"},
+    kGeometryClaimed = {"MESA_EXTENSION_OVERRIDE", "+GL_EXT_geometry_shader4"},
     kBuffersClaimed = {"MESA_GL_VERSION_OVERRIDE", "4.5COMPAT"},
     kNoBuffers = {"MESA_EXTENSION_OVERRIDE", "-GL_ARB_texture_buffer_object -GL_EXT_texture_buffer_object"},
     kModeOff = {"NU_RENDERING_MODE", "1"}, kModeOn = {"NU_RENDERING_MODE", "2"},
@@ -98,6 +99,7 @@ const StartUp kRows[] = {
     {"EverythingWorks", kOn, "111 1234"},
     {"NoShaders", kOldCard, "001 ", nullptr, {kNoShaders}},
     {"NoGeometryStages", std::string(kNoSmooth) + kOn, "101 14", nullptr, {kNoGeometry}},
+    {"GeometryExtensionClaimed", kOn, "111 1234", nullptr, {kGeometryClaimed}},
     {"TextureBuffersClaimed", kOldDriver, "001 ", nullptr, {kBuffersClaimed, kNoBuffers}},
     {"ModeOff", kOn, "001 14", nullptr, {kModeOff}},
     {"ModeOffWithoutGeometryStages", kOn, "001 14", nullptr, {kModeOff, kNoGeometry}},
