@@ -58,6 +58,20 @@ void checkField(const Model& model, const Field& field, const std::string& subje
                                        std::to_string(tuples) + (atNodes ? " nodes" : " cells"));
 }
 
+void checkParts(const Model& model, const std::string& subject) {
+    std::uint64_t next = 0;
+    for (const ModelPart& part : model.parts) {
+        if (part.firstCell != next)
+            throw ViewerError(subject, "part " + part.name + " does not begin where the one before it ends");
+        next += part.cellCount;
+    }
+    if (!model.parts.empty() && next != model.cellCount())
+        throw ViewerError(subject, "the parts have " + std::to_string(next) + " cells of " +
+                                       std::to_string(model.cellCount()));
+    if (!model.cornerNormals.empty() && model.cornerNormals.size() != model.connectivity.size())
+        throw ViewerError(subject, "the normals do not fit the cells");
+}
+
 } // namespace
 
 void Model::addCell(CellType type, std::span<const std::uint32_t> cellNodes) {
@@ -75,6 +89,7 @@ void checkModel(const Model& model, const std::string& subject) {
     checkCells(model, subject);
     for (const Field& field : model.fields)
         checkField(model, field, subject);
+    checkParts(model, subject);
 }
 
 } // namespace nruview

@@ -1,8 +1,10 @@
-// A finite-element model as read from a file: nodes, elements and result fields. Checked when it is made.
+// A finite-element model or a surface as read from a file: nodes, elements, result fields, and the parts of a
+// surface. Checked when it is made.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -51,6 +53,14 @@ struct Field {
     std::vector<double> values;
 };
 
+/// Cells that a file keeps together and gives one look, as a rule a body.
+struct ModelPart {
+    std::string name;
+    std::uint32_t firstCell = 0, cellCount = 0;
+    std::optional<std::uint32_t> color; ///< packed 0xAABBGGRR, opaque; nothing: the file tells none
+    double opacity = 1.0;
+};
+
 /// Nodes, cells and fields. Cell i has nodes connectivity[offsets[i]] to connectivity[offsets[i + 1] - 1].
 struct Model {
     std::vector<Point> nodes;
@@ -58,6 +68,10 @@ struct Model {
     std::vector<std::uint32_t> offsets{0};
     std::vector<std::uint32_t> connectivity;
     std::vector<Field> fields;
+    /// Cover all cells, one behind the other; none: the model is one part.
+    std::vector<ModelPart> parts;
+    /// A unit normal for each entry of connectivity, zero where the file has none; empty: it has none at all.
+    std::vector<std::array<float, 3>> cornerNormals;
     std::vector<std::string> notes; ///< what was skipped on reading, a line each
 
     std::size_t cellCount() const { return types.size(); }
@@ -70,7 +84,8 @@ struct Model {
 std::string_view cellTypeName(CellType type);
 
 /// Throws ViewerError(subject, ...) when indices, counts or coordinates are out of order: a node index out of
-/// range, a wrong number of nodes, a field of wrong length, NaN or infinite coordinates, no nodes at all.
+/// range, a wrong number of nodes, a field of wrong length, parts with gaps, NaN or infinite coordinates, no
+/// nodes at all.
 void checkModel(const Model& model, const std::string& subject);
 
 /// Reads a .vtu or .vtk file; throws ViewerError naming the file and the reason.
