@@ -3,6 +3,7 @@
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/nhost.h"
+#include "NRenderUtl/lighting/nlighting.h"
 #include "NRenderUtl/markers/nmarkers.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/ntypes.h"

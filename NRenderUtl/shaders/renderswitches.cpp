@@ -3,6 +3,7 @@
 
 #include "NRenderUtl/host/hostutl.h"
 #include "NRenderUtl/shaders/nshaders.h"
+#include "NRenderUtl/shaders/startuphook.h"
 
 RenderSwitches& renderSwitches() {
     static RenderSwitches switches;
@@ -13,6 +14,7 @@ void InitRenderDefaults() {
     RenderSwitches& s = renderSwitches();
     if (s.defaultsRead)
         return;
+    runStartUpHook();
     s.defaultsRead = true;
     s.optimizedSph = hostBoolSetting("DISPLAY_OPTIMIZED_SPH", true);
     const int mode = hostEnvironmentInt("NU_RENDERING_MODE").value_or(0);

@@ -15,6 +15,7 @@
 #include "NRenderUtl/shaders/renderswitches.h"
 #include "NRenderUtl/shaders/samplerunits.h"
 #include "NRenderUtl/shaders/shadersources.h"
+#include "NRenderUtl/shaders/startuphook.h"
 #include "NRenderUtl/shaders/texturebufferprobe.h"
 
 using Sources = std::vector<const char*>; ///< main source first
@@ -208,6 +209,7 @@ bool ComposedProgram::compose(ProgramComposition composition, SourceChanges chan
 }
 
 int RenderingInitShaders() {
+    runStartUpHook();
     if (!catalogue().initialised) {
         catalogue().initialised = true;
         startUp();
