@@ -7,8 +7,6 @@ namespace nruview {
 
 namespace {
 
-constexpr double kCreaseDeg = 30.0;
-
 /// Faces of one size as the library takes them.
 struct FaceArrays {
     std::vector<std::uint32_t> corners, elements;
@@ -40,7 +38,7 @@ ngl::NglElementMesh makeFaceMesh(const ShownModel& shown, const TakeFace& take) 
     input.quads = quads.corners.data();
     input.quadElements = quads.elements.data();
     input.elementCount = static_cast<std::uint32_t>(shown.model.cellCount());
-    input.creaseDeg = kCreaseDeg;
+    input.creaseDeg = shown.creaseDeg;
     if (mesh.Create(input) != 0)
         throw std::bad_alloc();
     applyFacts(shown.elements, mesh);

@@ -126,6 +126,8 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
               "element edges (default: all)");
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
               "smooth (default) with sharp edges kept, by triangle, or by element face");
+    addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
+              "largest angle between faces that are shaded as one (default 30)");
     addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
               "of the faces: 0 invisible to 1 opaque (default)");
     addParsed(

@@ -137,6 +137,13 @@ Shading parseShading(const char* option, const std::string& text) {
     refuse(option, text, "smooth, flat or element");
 }
 
+double parseCrease(const char* option, const std::string& text) {
+    const auto angle = parseNumber<double>(text);
+    if (!angle || *angle < 0.0 || *angle > 180.0)
+        refuse(option, text, "an angle from 0 to 180 degrees");
+    return *angle;
+}
+
 double parseOpacity(const char* option, const std::string& text) {
     const auto opacity = parseNumber<double>(text);
     if (!opacity || *opacity < 0.0 || *opacity > 1.0)

@@ -16,6 +16,8 @@ std::uint32_t parseColor(const char* option, const std::string& text);
 std::optional<double> parseDeform(const char* option, const std::string& text);
 EdgeMode parseEdges(const char* option, const std::string& text);
 Shading parseShading(const char* option, const std::string& text);
+/// An angle in degrees, 0 to 180.
+double parseCrease(const char* option, const std::string& text);
 double parseOpacity(const char* option, const std::string& text);
 /// "0-99,120,200-300"
 ElementList parseElements(const char* option, const std::string& text);

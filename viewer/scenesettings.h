@@ -46,6 +46,7 @@ struct ShownSettings {
     std::optional<double> deformFactor = {}; ///< nothing: automatic
     std::string deformBy = {};               ///< the displacement field; empty: found by its name
     ElementSettings elements = {};
+    double creaseDeg = 30.0; ///< faces that meet at a larger angle are not shaded as one
 };
 
 enum class EdgeMode { All, Feature, None };

@@ -117,6 +117,7 @@ Point ShownModel::drawn(const Point& position) const {
 ShownModel showModel(Model model, const ShownSettings& settings) {
     ShownModel shown;
     shown.model = std::move(model);
+    shown.creaseDeg = settings.creaseDeg;
     if (settings.step)
         checkStep(shown.model, *settings.step);
     shown.elements = elementFacts(shown.model, settings.elements, settings.step);
