@@ -1,11 +1,15 @@
 // Mesh and field rendering: the colour scale with its texture attributes, the library's mesh record with
-// picking, mesh drawing, and the element mesh.
+// picking, mesh drawing, the mesh renderer, and the element mesh.
 #pragma once
 
 #include <memory>
 #include <vector>
 
+#include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/ntypes.h"
+
+class NShaderProgram;
 
 // --- colour scale ------------------------------------------------------------------------------------------
 
@@ -174,6 +178,77 @@ NRENDERUTL_API void ngl_mesh(_NgMeshStr* mesh, unsigned int flags);
 /// The same with one value per vertex as coordinate of the texture that the caller has bound to unit 0 and
 /// enabled. Null values draw nothing; while a mesh scale factor is set, faces are drawn without the values.
 NRENDERUTL_API void ngl_mesh_contour_draw(_NgMeshStr* mesh, unsigned int flags, float* values);
+
+// --- mesh renderer -----------------------------------------------------------------------------------------
+
+namespace ngl {
+
+/// How one mesh is drawn.
+struct _RenderAttributes {
+    std::int32_t color = 0;          ///< palette index
+    bool frontAndBackRender = false; ///< the renderer's front and back colours by facing, in place of color
+    GuString materialName;           ///< row of the material table; empty or unknown: that of the draw before
+    bool transparency = false;       ///< back faces first, with alpha in the transparent pass
+    float alpha = 1.0f;              ///< opacity, 0 to 1
+};
+
+/// Draws meshes from client memory with one program that all renderers share: lit by the record's lights and
+/// materials, or physically based where that is enabled (EnablePhysicallyBasedRendering) by a rig of five
+/// lights about the viewer, or by the environment. Blending is the host's.
+class NRENDERUTL_API NglMeshRenderer {
+public:
+    enum RenderPass { RenderPassOpaque = 0, RenderPassTransparent = 1 };
+
+    NglMeshRenderer();
+    NglMeshRenderer(const NglMeshRenderer&);
+    NglMeshRenderer& operator=(const NglMeshRenderer&);
+    ~NglMeshRenderer();
+
+    void SetRenderAttributes(const _RenderAttributes& attributes);
+    void SetRenderMaterial(const wchar_t* name);
+    void SetColor(int index);
+    /// Transparency, 0 opaque to 255.
+    void SetAlpha(int transparency);
+    void EnableTransparency(bool enable);
+    void EnableFrontAndBackRender(bool enable);
+
+    /// Takes the program into use, with the view of GL and the record's lights, materials and camera. False,
+    /// with a diagnostic, when there is none; the next call tries again. User clip planes do not cut. With an
+    /// environment, units 1 to 3 keep its maps and unit 0 is active.
+    bool RenderBegin(RenderPass pass);
+    /// Draws under GL's model-view matrix, which may differ from call to call, triangles before quads:
+    /// tightly packed positions and unit normals, indices of 3 and 4 vertices an element. A null array is not
+    /// drawn. Outside RenderBegin and RenderEnd it posts a diagnostic, unless both counts are 0.
+    void Render(const float* positions, const float* normals, unsigned int triCount,
+                const unsigned int* triIndices, unsigned int quadCount, const unsigned int* quadIndices);
+    void Render(const float* positions, const float* normals, unsigned int triCount,
+                const unsigned int* triIndices, unsigned int quadCount, const unsigned int* quadIndices,
+                const _RenderAttributes& attributes);
+    /// Leaves no program in use.
+    void RenderEnd();
+
+private:
+    void SetShaderUniforms(RenderPass pass);
+    void SetPBRAndHDRUniforms();
+    void SetDrawUniforms(const _RenderAttributes& attributes);
+
+    float m_modelView[16]; ///< column-major
+    float m_projection[16];
+    NglLightParams m_lights[8];
+    NglMatParams m_frontMaterial;
+    NglMatParams m_backMaterial;
+    float m_cameraPosition[3];
+    NglLightParams m_pbrLights[8]; ///< status and position count
+    float m_frontColor[4];
+    float m_backColor[4];
+    _RenderAttributes m_attributes;
+    std::uint32_t m_normalLocation; ///< 0xFFFFFFFF = unknown, as of the position
+    std::uint32_t m_positionLocation;
+
+    static NShaderProgram* m_pShaderProg;
+};
+
+} // namespace ngl
 
 // --- element mesh ------------------------------------------------------------------------------------------
 

@@ -191,6 +191,15 @@ bool ComposedProgram::buildBatch(SourceChanges changes) {
                    std::move(changes));
 }
 
+bool ComposedProgram::buildMeshRenderer(SourceChanges changes) {
+    return compose({"NRenderUtl mesh renderer",
+                    {kMeshRendererVertexMain},
+                    {},
+                    {kMeshRendererFragmentMain, kLightingLibrary},
+                    0},
+                   std::move(changes));
+}
+
 bool ComposedProgram::compose(ProgramComposition composition, SourceChanges changes) {
     if (changes.block) {
         composition.fragment = withBlock(composition.fragment);

@@ -23,6 +23,8 @@ public:
     bool build(_RenderingShaderType type, SourceChanges changes = {});
     /// From those of the batches.
     bool buildBatch(SourceChanges changes = {});
+    /// From those of the mesh renderer.
+    bool buildMeshRenderer(SourceChanges changes = {});
 
 private:
     bool compose(ProgramComposition composition, SourceChanges changes);

@@ -10,6 +10,8 @@ extern const char* const kPointVertexMain;          // point.vert.glsl
 extern const char* const kPointFragmentMain;        // point.frag.glsl
 extern const char* const kBatchVertexMain;          // batch.vert.glsl
 extern const char* const kBatchFragmentMain;        // batch.frag.glsl
+extern const char* const kMeshRendererVertexMain;   // meshrenderer.vert.glsl
+extern const char* const kMeshRendererFragmentMain; // meshrenderer.frag.glsl
 extern const char* const kProbeVertexMain;          // probe.vert.glsl
 extern const char* const kProbeFragmentMain;        // probe.frag.glsl
 extern const char* const kLightingLibrary;          // lighting.glsl

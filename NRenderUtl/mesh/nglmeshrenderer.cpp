@@ -1,0 +1,236 @@
+// The mesh renderer: client arrays drawn with one shared program, lit in the classic way or physically based.
+#include <algorithm>
+#include <cstddef>
+#include <new>
+
+#include "NRenderUtl/gl/stateguards.h"
+#include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/mesh/pbrlightrig.h"
+#include "NRenderUtl/shaders/shadercatalogue.h"
+
+namespace ngl {
+
+NShaderProgram* NglMeshRenderer::m_pShaderProg = nullptr;
+
+namespace {
+
+constexpr std::uint32_t kNoLocation = 0xFFFFFFFF;
+constexpr int kFrontColorIndex = 8, kBackColorIndex = 61;
+constexpr unsigned int kElementsPerDraw = 1u << 28; // keeps index counts within GLsizei
+
+/// Null only without memory; not valid where the driver lacks shaders or refuses these.
+ComposedProgram* createProgram() {
+    auto* program = new (std::nothrow) ComposedProgram;
+    if (program && GLeeEnabled(GLeeVertexShader) && GLeeEnabled(GLeeFragmentShader))
+        program->buildMeshRenderer();
+    return program;
+}
+
+void readColor(int index, float* rgb) {
+    ngl_get_rgb_floats(index, rgb[0], rgb[1], rgb[2]);
+}
+
+void readOpaqueColor(int index, float (&rgba)[4]) {
+    readColor(index, rgba);
+    rgba[3] = 1.0f;
+}
+
+// --- drawing -----------------------------------------------------------------------------------------------
+
+/// The elements of one draw, without what has no indices.
+struct Elements {
+    unsigned int triCount, quadCount;
+    const unsigned int *triIndices, *quadIndices;
+
+    void draw() const {
+        drawList(GL_TRIANGLES, 3, triCount, triIndices);
+        drawList(GL_QUADS, 4, quadCount, quadIndices);
+    }
+
+private:
+    static void drawList(GLenum mode, unsigned int corners, unsigned int count, const unsigned int* indices) {
+        while (count > 0 && indices) {
+            const unsigned int run = std::min(count, kElementsPerDraw);
+            glDrawElements(mode, static_cast<GLsizei>(run * corners), GL_UNSIGNED_INT, indices);
+            indices += std::size_t{run} * corners;
+            count -= run;
+        }
+    }
+};
+
+void drawBackFacesFirst(const Elements& elements) {
+    const AttributesGuard attributes(GL_ENABLE_BIT | GL_POLYGON_BIT);
+    glEnable(GL_CULL_FACE);
+    for (const GLenum culled : {GL_FRONT, GL_BACK}) {
+        glCullFace(culled);
+        elements.draw();
+    }
+}
+
+/// Generic attributes read from client memory for the length of a block. What of the arrays is the host's,
+/// ClientArraysGuard keeps.
+class AttributeArray {
+public:
+    AttributeArray(NShaderProgram& program, std::uint32_t location, const float* data)
+        : m_program(program), m_location(static_cast<int>(location)) {
+        program.SetVertexAttribute(m_location, 3, data);
+        if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
+            glVertexAttribDivisor(location, 0);
+    }
+    ~AttributeArray() { m_program.EnableDisableVertexAttribute(m_location, false); }
+    AttributeArray(const AttributeArray&) = delete;
+    AttributeArray& operator=(const AttributeArray&) = delete;
+
+private:
+    NShaderProgram& m_program;
+    const int m_location;
+};
+
+} // namespace
+
+// --- life and attributes -----------------------------------------------------------------------------------
+
+NglMeshRenderer::NglMeshRenderer()
+    : m_modelView{}, m_projection{}, m_lights{}, m_frontMaterial{}, m_backMaterial{}, m_cameraPosition{},
+      m_pbrLights{}, m_frontColor{}, m_backColor{}, m_normalLocation(kNoLocation),
+      m_positionLocation(kNoLocation) {}
+
+NglMeshRenderer::NglMeshRenderer(const NglMeshRenderer&) = default;
+NglMeshRenderer& NglMeshRenderer::operator=(const NglMeshRenderer&) = default;
+NglMeshRenderer::~NglMeshRenderer() = default;
+
+void NglMeshRenderer::SetRenderAttributes(const _RenderAttributes& attributes) {
+    m_attributes = attributes;
+}
+void NglMeshRenderer::SetRenderMaterial(const wchar_t* name) {
+    m_attributes.materialName = GuString(name);
+}
+void NglMeshRenderer::SetColor(int index) {
+    m_attributes.color = index;
+}
+void NglMeshRenderer::SetAlpha(int transparency) {
+    m_attributes.alpha = static_cast<float>(255 - transparency) / 255.0f;
+}
+void NglMeshRenderer::EnableTransparency(bool enable) {
+    m_attributes.transparency = enable;
+}
+void NglMeshRenderer::EnableFrontAndBackRender(bool enable) {
+    m_attributes.frontAndBackRender = enable;
+}
+
+// --- passes ------------------------------------------------------------------------------------------------
+
+bool NglMeshRenderer::RenderBegin(RenderPass pass) {
+    if (!m_pShaderProg)
+        m_pShaderProg = createProgram();
+    if (!m_pShaderProg)
+        return false;
+    if (!m_pShaderProg->IsProgramValid() || !glContextIsCurrent()) {
+        delete m_pShaderProg;
+        m_pShaderProg = nullptr;
+        hostDiagnostic(NHostDiagnosticMisuse, "NglMeshRenderer::RenderBegin - Failed to create shader");
+        return false;
+    }
+    m_pShaderProg->UseProgram(true);
+    m_positionLocation =
+        static_cast<std::uint32_t>(m_pShaderProg->GetVertexAttributeLocation("g_pos_attrib"));
+    m_normalLocation =
+        static_cast<std::uint32_t>(m_pShaderProg->GetVertexAttributeLocation("g_vnorm_attrib"));
+    SetShaderUniforms(pass);
+    SetPBRAndHDRUniforms();
+    readOpaqueColor(kFrontColorIndex, m_frontColor);
+    readOpaqueColor(kBackColorIndex, m_backColor);
+    return true;
+}
+
+void NglMeshRenderer::RenderEnd() {
+    if (m_pShaderProg && glContextIsCurrent())
+        m_pShaderProg->UseProgram(false);
+    m_positionLocation = m_normalLocation = kNoLocation;
+}
+
+void NglMeshRenderer::SetShaderUniforms(RenderPass pass) {
+    const _NglInfoStr& info = *NglGetNglInfo();
+    glGetFloatv(GL_MODELVIEW_MATRIX, m_modelView);
+    glGetFloatv(GL_PROJECTION_MATRIX, m_projection);
+    for (std::size_t i = 0; i < std::size(m_lights); ++i) {
+        if (info.lights[i].enabled == 1)
+            m_lights[i] = info.lights[i];
+        m_lights[i].enabled = info.lights[i].enabled;
+    }
+    m_frontMaterial = info.frontMaterial;
+    m_backMaterial = info.backMaterial;
+    m_cameraPosition[0] = static_cast<float>(info.cameraPosition.x);
+    m_cameraPosition[1] = static_cast<float>(info.cameraPosition.y);
+    m_cameraPosition[2] = static_cast<float>(info.cameraPosition.z);
+
+    m_pShaderProg->SetMVPMatrices(m_projection, m_modelView, true);
+    m_pShaderProg->SetMateiralUniforms(&m_frontMaterial, &m_backMaterial);
+    m_pShaderProg->SetLightUniforms(static_cast<int>(std::size(m_lights)), m_lights);
+    m_pShaderProg->SetUniformValue(RenderUniformLightsOff, 0);
+    m_pShaderProg->SetVec3UniformValue(RenderUniformCameraPosition, m_cameraPosition);
+    m_pShaderProg->SetUniformValue(RenderUniformTransparent, pass == RenderPassTransparent);
+    m_pShaderProg->SetUniformValue(RenderUniformClipped, 0);
+}
+
+void NglMeshRenderer::SetPBRAndHDRUniforms() {
+    if (!IsPhysicallyBasedRenderingEnabled()) {
+        m_pShaderProg->SetUniformValue(RenderUniformPhysicallyBased, 0);
+        return;
+    }
+    makePbrLights(*NglGetNglInfo(), m_pbrLights);
+    m_pShaderProg->SetPBRLightUniforms(static_cast<int>(std::size(m_pbrLights)), m_pbrLights);
+    m_pShaderProg->SetUniformValue(RenderUniformEnvironmentReflection, 0);
+    m_pShaderProg->SetUniformValue(RenderUniformPhysicallyBased, 1);
+}
+
+// --- drawing -----------------------------------------------------------------------------------------------
+
+void NglMeshRenderer::Render(const float* positions, const float* normals, unsigned int triCount,
+                             const unsigned int* triIndices, unsigned int quadCount,
+                             const unsigned int* quadIndices) {
+    Render(positions, normals, triCount, triIndices, quadCount, quadIndices, m_attributes);
+}
+
+void NglMeshRenderer::Render(const float* positions, const float* normals, unsigned int triCount,
+                             const unsigned int* triIndices, unsigned int quadCount,
+                             const unsigned int* quadIndices, const _RenderAttributes& attributes) {
+    if (triCount == 0 && quadCount == 0)
+        return;
+    if (!m_pShaderProg || m_positionLocation == kNoLocation || m_normalLocation == kNoLocation ||
+        !glContextIsCurrent()) {
+        hostDiagnostic(
+            NHostDiagnosticMisuse,
+            "Invalid call to NglMeshRenderer::Render, please check if NglMeshRenderer::RenderBegin "
+            "is called upfront and is successful!");
+        return;
+    }
+    if (!positions || !normals)
+        return;
+    SetDrawUniforms(attributes);
+    const ClientArraysGuard hostArrays;
+    const PlainIndicesGuard indices;
+    const AttributeArray positionArray(*m_pShaderProg, m_positionLocation, positions);
+    const AttributeArray normalArray(*m_pShaderProg, m_normalLocation, normals);
+    const Elements elements{triCount, quadCount, triIndices, quadIndices};
+    attributes.transparency ? drawBackFacesFirst(elements) : elements.draw();
+}
+
+void NglMeshRenderer::SetDrawUniforms(const _RenderAttributes& attributes) {
+    glGetFloatv(GL_MODELVIEW_MATRIX, m_modelView);
+    m_pShaderProg->SetMVPMatrices(nullptr, m_modelView, true);
+    float color[3];
+    readColor(attributes.color, color);
+    m_pShaderProg->SetVec3UniformValue(RenderUniformColor, color);
+    m_pShaderProg->SetUniformValue(RenderUniformFrontBackColors, attributes.frontAndBackRender);
+    if (attributes.frontAndBackRender) {
+        m_pShaderProg->SetVec4UniformValue(RenderUniformBackColor, m_backColor);
+        m_pShaderProg->SetVec4UniformValue(RenderUniformFrontColor, m_frontColor);
+    }
+    if (attributes.transparency)
+        m_pShaderProg->SetUniformValue(RenderUniformAlpha, attributes.alpha);
+}
+
+} // namespace ngl
