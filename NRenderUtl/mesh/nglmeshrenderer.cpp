@@ -6,8 +6,10 @@
 #include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/lighting/nlighting.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/mesh/pbrlightrig.h"
+#include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
 namespace ngl {
@@ -20,11 +22,25 @@ constexpr std::uint32_t kNoLocation = 0xFFFFFFFF;
 constexpr int kFrontColorIndex = 8, kBackColorIndex = 61;
 constexpr unsigned int kElementsPerDraw = 1u << 28; // keeps index counts within GLsizei
 
+constexpr _RenderMaterialApperance kDefaultAppearance = {
+    .metalness = 0.3f, .roughness = 0.2f, .ambientOcclusion = 1.0f, .reflectivity = 0.92f};
+
+void setAppearance(NShaderProgram& program, const _RenderMaterialApperance& appearance) {
+    program.SetUniformValue(RenderUniformMetalness, appearance.metalness);
+    program.SetUniformValue(RenderUniformRoughness, appearance.roughness);
+    program.SetUniformValue(RenderUniformReflectivity, appearance.reflectivity);
+    program.SetUniformValue(RenderUniformAmbientOcclusion, appearance.ambientOcclusion);
+}
+
 /// Null only without memory; not valid where the driver lacks shaders or refuses these.
 ComposedProgram* createProgram() {
     auto* program = new (std::nothrow) ComposedProgram;
-    if (program && GLeeEnabled(GLeeVertexShader) && GLeeEnabled(GLeeFragmentShader))
-        program->buildMeshRenderer();
+    if (!program || !GLeeEnabled(GLeeVertexShader) || !GLeeEnabled(GLeeFragmentShader) ||
+        !program->buildMeshRenderer())
+        return program;
+    const ProgramInUseGuard guard;
+    program->UseProgram(true);
+    setAppearance(*program, kDefaultAppearance); // for names that the table does not hold
     return program;
 }
 
@@ -127,9 +143,11 @@ bool NglMeshRenderer::RenderBegin(RenderPass pass) {
         m_pShaderProg = createProgram();
     if (!m_pShaderProg)
         return false;
-    if (!m_pShaderProg->IsProgramValid() || !glContextIsCurrent()) {
+    if (!m_pShaderProg->IsProgramValid()) {
         delete m_pShaderProg;
         m_pShaderProg = nullptr;
+    }
+    if (!m_pShaderProg || !glContextIsCurrent()) {
         hostDiagnostic(NHostDiagnosticMisuse, "NglMeshRenderer::RenderBegin - Failed to create shader");
         return false;
     }
@@ -219,6 +237,12 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
 }
 
 void NglMeshRenderer::SetDrawUniforms(const _RenderAttributes& attributes) {
+    // Deliberate: a name that the table does not hold leaves the program with the appearance of the draw
+    // before.
+    _RenderMaterialApperance appearance = kDefaultAppearance;
+    if (IsPhysicallyBasedRenderingEnabled() &&
+        NRenderMaterialApperanceHandler::Get(attributes.materialName, appearance))
+        setAppearance(*m_pShaderProg, appearance);
     glGetFloatv(GL_MODELVIEW_MATRIX, m_modelView);
     m_pShaderProg->SetMVPMatrices(nullptr, m_modelView, true);
     float color[3];
