@@ -143,20 +143,34 @@ private:
     GLint m_program = 0;
 };
 
+/// Every index as it is: none restarts a primitive.
+class NoRestartGuard {
+public:
+    NoRestartGuard() : m_restarts(epoxy_gl_version() >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
+        if (m_restarts)
+            glDisable(GL_PRIMITIVE_RESTART);
+    }
+    ~NoRestartGuard() {
+        if (m_restarts)
+            glEnable(GL_PRIMITIVE_RESTART);
+    }
+    NoRestartGuard(const NoRestartGuard&) = delete;
+    NoRestartGuard& operator=(const NoRestartGuard&) = delete;
+
+private:
+    const bool m_restarts;
+};
+
 /// Every index as it is, and the last vertex of a primitive as the one that provokes.
 class PlainIndicesGuard {
 public:
-    PlainIndicesGuard() : m_restarts(epoxy_gl_version() >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
-        if (m_restarts)
-            glDisable(GL_PRIMITIVE_RESTART);
+    PlainIndicesGuard() {
         if (epoxy_gl_version() >= 32)
             glGetIntegerv(GL_PROVOKING_VERTEX, &m_provoking);
         if (m_provoking != GL_LAST_VERTEX_CONVENTION)
             glProvokingVertex(GL_LAST_VERTEX_CONVENTION);
     }
     ~PlainIndicesGuard() {
-        if (m_restarts)
-            glEnable(GL_PRIMITIVE_RESTART);
         if (m_provoking != GL_LAST_VERTEX_CONVENTION)
             glProvokingVertex(static_cast<GLenum>(m_provoking));
     }
@@ -164,7 +178,7 @@ public:
     PlainIndicesGuard& operator=(const PlainIndicesGuard&) = delete;
 
 private:
-    const bool m_restarts;
+    const NoRestartGuard m_indices;
     GLint m_provoking = GL_LAST_VERTEX_CONVENTION;
 };
 

@@ -17,10 +17,12 @@ inline const std::uint32_t* elementIndices(const _NgConnectStr& block, std::uint
            static_cast<std::size_t>(element) * static_cast<std::size_t>(block.verticesPerElement);
 }
 
-/// Whether all of count indices name a vertex of the mesh.
+/// Whether all of count indices name one of so many vertices.
+inline bool areVertices(std::uint32_t vertexCount, const std::uint32_t* indices, int count) {
+    return std::all_of(indices, indices + count, [=](std::uint32_t index) { return index < vertexCount; });
+}
 inline bool areVertices(const _NgMeshStr& mesh, const std::uint32_t* indices, int count) {
-    const auto limit = static_cast<std::uint32_t>(mesh.vertexCount);
-    return std::all_of(indices, indices + count, [limit](std::uint32_t index) { return index < limit; });
+    return areVertices(static_cast<std::uint32_t>(mesh.vertexCount), indices, count);
 }
 
 inline const double* vertexCoords(const _NgMeshStr& mesh, std::uint32_t index) {

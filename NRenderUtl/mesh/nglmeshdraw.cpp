@@ -1,17 +1,15 @@
 // Mesh drawing with the fixed-function pipeline: faces, all edges, silhouette and feature edges.
 #include "NRenderUtl/mesh/nmesh.h"
 
-#include <limits>
-
 #include "NRenderUtl/gl/stateguards.h"
+#include "NRenderUtl/mesh/clientelements.h"
 #include "NRenderUtl/mesh/meshaccess.h"
 
 namespace {
 
 constexpr unsigned int kFlagByte = 0xFF;
 constexpr unsigned int kAnySilhouette = 4 | 8 | 16;
-constexpr double kEdgeOn = 1e-6;                     // a face seen more nearly edge-on than this has no side
-constexpr std::uint32_t kElementsPerDraw = 1u << 28; // keeps index counts within GLsizei
+constexpr double kEdgeOn = 1e-6; // a face seen more nearly edge-on than this has no side
 
 /// One call: the mesh, the low byte of the flags, and one texture coordinate per vertex or null.
 struct MeshDraw {
@@ -23,36 +21,17 @@ struct MeshDraw {
 
 // --- faces -------------------------------------------------------------------------------------------------
 
-/// Draws a block, of which elements with an index that names no vertex are left out. The range of the indices
-/// is handed on to the driver, which would otherwise look for it itself.
-void drawElements(const _NgMeshStr& mesh, const std::uint32_t* indices, std::uint32_t count, int corners) {
-    const GLenum mode = corners == 3 ? GL_TRIANGLES : GL_QUADS;
-    for (std::uint32_t first = 0; first < count;) {
-        std::uint32_t lowest = std::numeric_limits<std::uint32_t>::max(), highest = 0, run = 0;
-        const std::uint32_t* start = indices + static_cast<std::size_t>(first) * corners;
-        const std::uint32_t most = std::min(count - first, kElementsPerDraw);
-        for (const std::uint32_t* e = start; run < most && areVertices(mesh, e, corners); e += corners, ++run)
-            for (int i = 0; i < corners; ++i) {
-                lowest = std::min(lowest, e[i]);
-                highest = std::max(highest, e[i]);
-            }
-        if (run > 0)
-            glDrawRangeElements(mode, lowest, highest, static_cast<GLsizei>(run) * corners, GL_UNSIGNED_INT,
-                                start);
-        first += run > 0 ? run : 1;
-    }
-}
-
 /// Blocks of three vertices are triangles and all others quads, of four indices each, as far as the block has
 /// them.
 void drawBlock(const _NgMeshStr& mesh, const _NgConnectStr& block) {
     const std::uint32_t count = usableElements(block);
+    const auto vertexCount = static_cast<std::uint32_t>(mesh.vertexCount);
     const int size = block.verticesPerElement;
     if (size == 3)
-        drawElements(mesh, block.indices, count, 3);
+        drawClientElements(vertexCount, block.indices, count, 3);
     else
-        drawElements(mesh, block.indices,
-                     size < 4 ? static_cast<std::uint32_t>(std::uint64_t{count} * size / 4) : count, 4);
+        drawClientElements(vertexCount, block.indices,
+                           size < 4 ? static_cast<std::uint32_t>(std::uint64_t{count} * size / 4) : count, 4);
 }
 
 void drawFaces(const MeshDraw& draw) {
