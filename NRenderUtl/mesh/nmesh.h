@@ -1,5 +1,5 @@
 // Mesh and field rendering: the colour scale with its texture attributes, the library's mesh record with
-// picking, mesh drawing, the mesh renderer, and the element mesh.
+// picking, mesh drawing, the mesh renderer, boundary meshes, and the element mesh.
 #pragma once
 
 #include <memory>
@@ -10,6 +10,7 @@
 #include "NRenderUtl/ntypes.h"
 
 class NShaderProgram;
+class RenderGLBuffer;
 
 // --- colour scale ------------------------------------------------------------------------------------------
 
@@ -249,6 +250,80 @@ private:
 };
 
 } // namespace ngl
+
+// --- boundary meshes ---------------------------------------------------------------------------------------
+
+/// Elements of one kind of a boundary mesh.
+struct _NskBdryElemStr {
+    std::int16_t kind; ///< 3 triangles, 4 quads
+    std::uint32_t elementCount;
+    std::uint32_t* indices; ///< elementCount x kind vertex indices
+    _NskBdryElemStr* next;
+};
+
+/// The host's boundary mesh, in single precision; everything in it stays the host's.
+struct _NskBdryMeshStr {
+    std::int32_t vertexCount;
+    float* vertices;           ///< vertexCount x 3
+    float* normals;            ///< vertexCount x 3, or 3 for the whole mesh
+    _NskBdryElemStr* elements; ///< first block
+};
+
+/// GPU buffers of a boundary mesh, owned and made with new; null = missing.
+struct _RenderFMeshVboStr {
+    RenderGLBuffer* vertices;
+    RenderGLBuffer* normals;
+    RenderGLBuffer* indices;
+};
+
+/// Draws boundary meshes with fixed function under the matrices, lights and materials in force. Colours are
+/// palette indices. Drawing needs a context; it leaves the vertex and normal arrays disabled, and elements
+/// with an index out of range out. Null pointers and meshes without vertices do nothing.
+class NRENDERUTL_API NRenderNgMeshRenderer {
+public:
+    /// A new record without buffers, for DeleteVboInfo to free; null without memory.
+    static void CreateVboInfo(_RenderFMeshVboStr*& vbo);
+    /// Makes the buffers that are missing: vertices, a normal for each of them, and three indices for each
+    /// element of the first block. Those that exist stay, also when the mesh has changed or their creation
+    /// failed: DeleteBuffers first. A mesh without one of the three, or with one of 2 GiB, gets none.
+    static void UpdateBuffers(const _NskBdryMeshStr* mesh, _RenderFMeshVboStr* vbo);
+    /// Smooth shading, and the valid buffers as vertex and normal arrays and as indices.
+    static void BindBuffers(_RenderFMeshVboStr* vbo);
+    static void UnbindBuffers(_RenderFMeshVboStr* vbo);
+    /// Draws the first block, lit, from its buffers, as triangles whatever its kind. True when nothing was
+    /// drawn: a buffer is missing or not valid, or the block is without elements. Leaves smooth shading.
+    static bool BindAndDrawMesh(_RenderFMeshVboStr* vbo, const _NskBdryMeshStr* mesh);
+    /// The same, lit or not as it is, front faces in one colour and back faces in another. Leaves filled
+    /// polygons, culling enabled, of front faces, and backColor as current colour too.
+    static bool BindAndDrawMesh(_RenderFMeshVboStr* vbo, const _NskBdryMeshStr* mesh, int frontColor,
+                                int backColor);
+    /// Draws the blocks of triangles and quads from the vertex arrays that the caller has set up.
+    static void DrawMesh(const _NskBdryMeshStr* mesh);
+    /// Draws them from the mesh's own memory. With singleNormal its first normal is for all vertices and
+    /// stays the current one; without normals the current one holds.
+    static void DrawWithoutVBO(const _NskBdryMeshStr* mesh, bool singleNormal);
+    /// The same by facing as BindAndDrawMesh, but leaves culling disabled.
+    static void DrawWithoutVBO(const _NskBdryMeshStr* mesh, bool singleNormal, int frontColor, int backColor);
+    /// Two-sided lighting, flat or smooth shading, a current colour and, if wanted, a transparency from 0 to
+    /// 255 as blending value, until ResetShadingProperties: in pairs, not nested. Blending itself is the
+    /// caller's to switch.
+    static void SetShadingProperties(int flat, int color, bool transparency, int transparencyValue);
+    static void ResetShadingProperties();
+    /// Deletes the buffers; the record stays.
+    static void DeleteBuffers(_RenderFMeshVboStr* vbo);
+    static void DeleteVboInfo(_RenderFMeshVboStr*& vbo);
+
+    /// What ResetShadingProperties restores.
+    static int m_iOrgTwoSidedColor;
+    static int m_iOrgShadeModel;
+    static int m_iOrgLighting;
+    static bool m_bEnableTransparency;
+    static int m_iOrgBlendingValue; ///< 0 to 255
+    static int m_iOrgColor;         ///< palette index
+
+private:
+    static bool AreVbosAndMeshNotValid(const _RenderFMeshVboStr* vbo, const _NskBdryMeshStr* mesh);
+};
 
 // --- element mesh ------------------------------------------------------------------------------------------
 
