@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <vector>
 
 #include <epoxy/gl.h>
 
@@ -285,6 +286,222 @@ public:
     ~UnpackGuard() { glPopClientAttrib(); }
     UnpackGuard(const UnpackGuard&) = delete;
     UnpackGuard& operator=(const UnpackGuard&) = delete;
+};
+
+/// Pixels go to and from textures as they are.
+class PlainTransferGuard {
+public:
+    PlainTransferGuard() {
+        glPushAttrib(GL_PIXEL_MODE_BIT);
+        for (const GLenum scale : {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE})
+            glPixelTransferf(scale, 1.0f);
+        for (const GLenum bias : {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS})
+            glPixelTransferf(bias, 0.0f);
+        glPixelTransferi(GL_MAP_COLOR, GL_FALSE);
+    }
+    ~PlainTransferGuard() { glPopAttrib(); }
+    PlainTransferGuard(const PlainTransferGuard&) = delete;
+    PlainTransferGuard& operator=(const PlainTransferGuard&) = delete;
+};
+
+/// Switches features off.
+class DisabledGuard {
+public:
+    explicit DisabledGuard(std::initializer_list<GLenum> features) {
+        for (const GLenum feature : features)
+            disable(feature);
+    }
+    ~DisabledGuard() {
+        for (const GLenum feature : m_wereOn)
+            glEnable(feature);
+    }
+    DisabledGuard(const DisabledGuard&) = delete;
+    DisabledGuard& operator=(const DisabledGuard&) = delete;
+
+protected:
+    DisabledGuard() = default;
+    void disable(GLenum feature) {
+        if (!glIsEnabled(feature))
+            return;
+        glDisable(feature);
+        m_wereOn.push_back(feature);
+    }
+
+private:
+    std::vector<GLenum> m_wereOn;
+};
+
+/// No clip planes: programs that write no clip distance leave it undefined.
+class NoClipPlanesGuard : public DisabledGuard {
+public:
+    NoClipPlanesGuard() {
+        GLint planes = 0;
+        glGetIntegerv(GL_MAX_CLIP_PLANES, &planes);
+        for (GLint i = 0; i < planes; ++i)
+            disable(GL_CLIP_PLANE0 + static_cast<GLenum>(i));
+    }
+};
+
+/// Faces are filled, whichever way they turn.
+class FilledFacesGuard : public DisabledGuard {
+public:
+    FilledFacesGuard() : DisabledGuard({GL_CULL_FACE, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH}) {
+        glGetIntegerv(GL_POLYGON_MODE, m_modes);
+        glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
+    }
+    ~FilledFacesGuard() {
+        glPolygonMode(GL_FRONT, static_cast<GLenum>(m_modes[0]));
+        glPolygonMode(GL_BACK, static_cast<GLenum>(m_modes[1]));
+    }
+
+private:
+    GLint m_modes[2];
+};
+
+/// All channels of the first colour buffer and the depth are written; clearing gives black and the far plane.
+/// Needs GL 3.0.
+class WrittenAndClearedGuard {
+public:
+    WrittenAndClearedGuard() {
+        glGetBooleani_v(GL_COLOR_WRITEMASK, 0, m_colorMask);
+        glGetBooleanv(GL_DEPTH_WRITEMASK, &m_depthMask);
+        glGetFloatv(GL_COLOR_CLEAR_VALUE, m_color);
+        glGetDoublev(GL_DEPTH_CLEAR_VALUE, &m_depth);
+        glColorMaski(0, GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+        glDepthMask(GL_TRUE);
+        glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+        glClearDepth(1.0);
+    }
+    ~WrittenAndClearedGuard() {
+        glColorMaski(0, m_colorMask[0], m_colorMask[1], m_colorMask[2], m_colorMask[3]);
+        glDepthMask(m_depthMask);
+        glClearColor(m_color[0], m_color[1], m_color[2], m_color[3]);
+        glClearDepth(m_depth);
+    }
+    WrittenAndClearedGuard(const WrittenAndClearedGuard&) = delete;
+    WrittenAndClearedGuard& operator=(const WrittenAndClearedGuard&) = delete;
+
+private:
+    GLboolean m_colorMask[4], m_depthMask;
+    GLfloat m_color[4];
+    GLdouble m_depth;
+};
+
+/// Floating-point colours are drawn and read as they are. Needs GL 3.0.
+class UnclampedColorsGuard {
+public:
+    UnclampedColorsGuard() {
+        glGetIntegerv(GL_CLAMP_FRAGMENT_COLOR, &m_fragment);
+        glGetIntegerv(GL_CLAMP_READ_COLOR, &m_read);
+        set(GL_FIXED_ONLY, GL_FIXED_ONLY);
+    }
+    ~UnclampedColorsGuard() { set(static_cast<GLenum>(m_fragment), static_cast<GLenum>(m_read)); }
+    UnclampedColorsGuard(const UnclampedColorsGuard&) = delete;
+    UnclampedColorsGuard& operator=(const UnclampedColorsGuard&) = delete;
+
+private:
+    static void set(GLenum fragment, GLenum read) {
+        glClampColor(GL_CLAMP_FRAGMENT_COLOR, fragment);
+        glClampColor(GL_CLAMP_READ_COLOR, read);
+    }
+    GLint m_fragment, m_read;
+};
+
+/// Keeps the vertex array object and the array buffer. Needs GL 3.0.
+class VertexArrayGuard {
+public:
+    VertexArrayGuard() {
+        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &m_object);
+        glGetIntegerv(GL_ARRAY_BUFFER_BINDING, &m_buffer);
+    }
+    ~VertexArrayGuard() {
+        glBindVertexArray(static_cast<GLuint>(m_object));
+        glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(m_buffer));
+    }
+    VertexArrayGuard(const VertexArrayGuard&) = delete;
+    VertexArrayGuard& operator=(const VertexArrayGuard&) = delete;
+
+private:
+    GLint m_object, m_buffer;
+};
+
+/// Keeps the active texture unit; makes unit 0 active, and keeps its 2D and cube map textures. Needs GL 1.3.
+class TextureUnit0Guard {
+public:
+    TextureUnit0Guard() {
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &m_unit);
+        glActiveTexture(GL_TEXTURE0);
+        glGetIntegerv(GL_TEXTURE_BINDING_2D, &m_texture);
+        glGetIntegerv(GL_TEXTURE_BINDING_CUBE_MAP, &m_cube);
+    }
+    ~TextureUnit0Guard() {
+        glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(m_texture));
+        glBindTexture(GL_TEXTURE_CUBE_MAP, static_cast<GLuint>(m_cube));
+        glActiveTexture(static_cast<GLenum>(m_unit));
+    }
+    TextureUnit0Guard(const TextureUnit0Guard&) = delete;
+    TextureUnit0Guard& operator=(const TextureUnit0Guard&) = delete;
+
+private:
+    GLint m_unit, m_texture, m_cube;
+};
+
+/// Keeps the framebuffers drawn to and read from, the renderbuffer, the viewport and the scissor box. Needs
+/// GL 3.0.
+class FramebufferGuard {
+public:
+    FramebufferGuard() {
+        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &m_draw);
+        glGetIntegerv(GL_READ_FRAMEBUFFER_BINDING, &m_read);
+        glGetIntegerv(GL_RENDERBUFFER_BINDING, &m_renderbuffer);
+        glGetIntegerv(GL_VIEWPORT, m_viewport);
+        glGetIntegerv(GL_SCISSOR_BOX, m_scissor);
+    }
+    ~FramebufferGuard() {
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, static_cast<GLuint>(m_draw));
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, static_cast<GLuint>(m_read));
+        glBindRenderbuffer(GL_RENDERBUFFER, static_cast<GLuint>(m_renderbuffer));
+        glViewport(m_viewport[0], m_viewport[1], m_viewport[2], m_viewport[3]);
+        glScissor(m_scissor[0], m_scissor[1], m_scissor[2], m_scissor[3]);
+    }
+    FramebufferGuard(const FramebufferGuard&) = delete;
+    FramebufferGuard& operator=(const FramebufferGuard&) = delete;
+
+private:
+    GLint m_draw, m_read, m_renderbuffer, m_viewport[4], m_scissor[4];
+};
+
+/// Filtering across the edges of cube maps. Needs GL 3.2 to do anything.
+class SeamlessCubesGuard {
+public:
+    SeamlessCubesGuard() : m_changes(epoxy_gl_version() >= 32 && !glIsEnabled(GL_TEXTURE_CUBE_MAP_SEAMLESS)) {
+        if (m_changes)
+            glEnable(GL_TEXTURE_CUBE_MAP_SEAMLESS);
+    }
+    ~SeamlessCubesGuard() {
+        if (m_changes)
+            glDisable(GL_TEXTURE_CUBE_MAP_SEAMLESS);
+    }
+    SeamlessCubesGuard(const SeamlessCubesGuard&) = delete;
+    SeamlessCubesGuard& operator=(const SeamlessCubesGuard&) = delete;
+
+private:
+    const bool m_changes;
+};
+
+/// Lets fragments through up to the depth that is there, where the depth test is on.
+class LessOrEqualGuard {
+public:
+    LessOrEqualGuard() {
+        glGetIntegerv(GL_DEPTH_FUNC, &m_function);
+        glDepthFunc(GL_LEQUAL);
+    }
+    ~LessOrEqualGuard() { glDepthFunc(static_cast<GLenum>(m_function)); }
+    LessOrEqualGuard(const LessOrEqualGuard&) = delete;
+    LessOrEqualGuard& operator=(const LessOrEqualGuard&) = delete;
+
+private:
+    GLint m_function;
 };
 
 /// Pulls what is drawn towards the viewer.
