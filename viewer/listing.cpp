@@ -30,6 +30,23 @@ void listCells(std::ostream& out, const Model& model) {
         out << "  " << cellTypeName(type) << " " << count << "\n";
 }
 
+void listPart(std::ostream& out, const ModelPart& part) {
+    out << "  " << (part.name.empty() ? "(no name)" : part.name) << ", ";
+    if (part.cellCount == 1)
+        out << "cell " << part.firstCell;
+    else
+        out << "cells " << part.firstCell << " to " << part.firstCell + part.cellCount - 1;
+    char text[64];
+    if (part.color) {
+        std::snprintf(text, sizeof text, ", color %02x%02x%02x", *part.color & 0xFF, *part.color >> 8 & 0xFF,
+                      *part.color >> 16 & 0xFF);
+        out << text;
+    }
+    if (part.opacity < 1.0)
+        out << ", opacity " << number(part.opacity);
+    out << "\n";
+}
+
 /// A tensor's range is that of von Mises, a vector's that of its magnitude.
 void listField(std::ostream& out, const Model& model, const Field& field) {
     const Scalars scalars = defaultScalars(field);
@@ -45,6 +62,10 @@ void listField(std::ostream& out, const Model& model, const Field& field) {
 void listModel(std::ostream& out, const Model& model, const std::string& name) {
     out << name << "\nnodes " << model.nodes.size() << "\n";
     listCells(out, model);
+    if (!model.parts.empty())
+        out << "parts " << model.parts.size() << "\n";
+    for (const ModelPart& part : model.parts)
+        listPart(out, part);
     const Bounds bounds = boundsOf(model.nodes);
     for (int k = 0; k < 3; ++k)
         out << "xyz"[k] << " " << range(bounds.low[k], bounds.high[k]) << "\n";

@@ -59,7 +59,9 @@ void addElements(CLI::App& app, const char* name, ElementList& list, const char*
 }
 
 void addContentOptions(CLI::App& app, Options& options) {
-    CLI::Option* file = app.add_option("file", options.file, "finite-element file to draw (.vtu or .vtk)");
+    CLI::Option* file = app.add_option("file", options.file,
+                                       "file to draw: finite elements (.vtu, .vtk) or a surface (.stl, .obj, "
+                                       ".ply, .glb, .gltf)");
     file->option_text("FILE")->check(refuseEmpty);
     app.add_option("--sample", options.sample, sampleHelp())
         ->option_text("NAME[:N]")
@@ -123,7 +125,7 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
         ->option_text("FILE.png")
         ->check(refuseEmpty);
     addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
-              "element edges (default: all)");
+              "element edges (default: all; none of surface models)");
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
               "smooth (default) with sharp edges kept, by triangle, or by element face");
     addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
@@ -176,7 +178,7 @@ std::string firstLine(const std::string& text) {
 } // namespace
 
 std::optional<Options> readOptions(int argc, const char* const* argv) {
-    CLI::App app("Draws finite-element models and their results.", "nruview");
+    CLI::App app("Draws finite-element models with their results, and surface models.", "nruview");
     app.set_version_flag("--version", "nruview " NRUVIEW_VERSION);
     Options options;
     std::optional<std::array<int, 2>> size;

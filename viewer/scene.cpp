@@ -78,6 +78,11 @@ void setValues(ngl::NglElementMesh& mesh, const ShownModel& shown, const ColorBa
         throw std::bad_alloc();
 }
 
+/// The triangles of a surface model say nothing about it.
+EdgeMode edgesOf(const ShownModel& shown, const SceneSettings& settings) {
+    return settings.edges.value_or(shown.model.parts.empty() ? EdgeMode::All : EdgeMode::None);
+}
+
 ngl::NglElementShading shadingOf(Shading shading) {
     return shading == Shading::Flat      ? ngl::NglElementFlat
            : shading == Shading::Element ? ngl::NglElementNormals
@@ -196,8 +201,9 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 } // namespace
 
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings)
-    : m_bands(makeBands(shown, settings)), m_edgeMode(settings.edges), m_edgeReach_px(edgeReach_px()),
-      m_transparent(settings.opacity < 1.0), m_plainFaces(faceMesh(shown, m_bands, settings, false)) {
+    : m_bands(makeBands(shown, settings)), m_edgeMode(edgesOf(shown, settings)),
+      m_edgeReach_px(edgeReach_px()), m_transparent(settings.opacity < 1.0),
+      m_plainFaces(faceMesh(shown, m_bands, settings, false)) {
     if (m_bands)
         m_coloredFaces = faceMesh(shown, m_bands, settings, true);
     makeLoose(shown);

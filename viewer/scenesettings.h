@@ -57,7 +57,7 @@ struct SceneSettings {
     int bands = 12;
     std::optional<std::array<double, 2>> range = {}; ///< nothing: that of the values
     bool smeared = false;
-    EdgeMode edges = EdgeMode::All;
+    std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of a surface model
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
 };

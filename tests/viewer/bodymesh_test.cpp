@@ -102,6 +102,7 @@ TEST(BodyMesh, GivesEachPartItsFacesAndSmoothsFromPartToPart) {
     EXPECT_EQ(meshes[0].quads.size(), 4 * 5u);
     EXPECT_EQ(count(meshes[0]), 2 * 6u);
     EXPECT_EQ(count(meshes[1]), 0u);
+    EXPECT_EQ(count(meshes[2]), 2 * (kSides - 4u) + 2 * kSides);
     EXPECT_EQ(meshes[2].quads.size(), 4 * (kSides - 5u));
     EXPECT_EQ(meshes[2].triangles.size(), 3 * 2 * (kSides - 2u));
     for (std::size_t i = 0; i < count(meshes[0]); ++i) {

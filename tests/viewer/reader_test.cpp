@@ -153,7 +153,7 @@ TEST(Reader, BadFilesAreRefusedInOneLineWithTheReason) {
     // A file, what is replaced in it, and a piece of the reason.
     const std::tuple<const char*, Text, Text, Text, Text> rows[] = {
         {"empty", "", "", "", "is empty"},
-        {"neither", "solid part\nfacet normal 0 0 1\n", "", "", "neither"},
+        {"none", "OFF\n1 0 0\n", "", "", "is none of"},
         {"otherData", kAscii, "UnstructuredGrid", "ImageData", "'ImageData'"},
         {"lz4", kWideZlib, "vtkZLib", "vtkLZ4", "vtkLZ4DataCompressor"},
         {"noCells", kAscii, "Points='6' NumberOfCells='3'", "Points='0' NumberOfCells='0'", "has no cells"},

@@ -1,7 +1,9 @@
 // The readers behind readModel(), each from the whole content of a file, and what they share.
 #pragma once
 
+#include <filesystem>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
 #include "viewer/model.h"
@@ -13,8 +15,18 @@ struct Refusal : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Names from a file can hold anything: what is printed of them is one line of bounded length.
+std::string oneLine(std::string text);
+
+/// The whole content; refuses what is no file, or empty.
+std::string loadFile(const std::filesystem::path& path);
+
 Model readVtu(std::string_view content);
 Model readLegacyVtk(std::string_view content);
+
+/// A surface: .stl, .obj, .ply, .glb or .gltf. Nothing where the file is none of them; the path tells of
+/// those that have no mark in their content, and where the files that it names are.
+std::optional<Model> readSurface(std::string_view content, const std::filesystem::path& path);
 
 /// Cells as a VTK file has them, before anything of them is checked.
 struct RawCells {

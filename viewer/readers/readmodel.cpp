@@ -11,28 +11,9 @@ namespace nruview {
 
 namespace {
 
-constexpr std::size_t kLongestReason = 300;
+constexpr std::size_t kLongestText = 300;
 
-std::string loadFile(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error))
-        throw readers::Refusal("no such file");
-    if (!std::filesystem::is_regular_file(path, error))
-        throw readers::Refusal("is not a regular file");
-    std::ifstream file(path, std::ios::binary);
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (!file || error)
-        throw readers::Refusal("cannot be opened");
-    std::string content(size, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(size));
-    if (static_cast<std::uintmax_t>(file.gcount()) != size)
-        throw readers::Refusal("cannot be read");
-    if (content.empty())
-        throw readers::Refusal("is empty");
-    return content;
-}
-
-Model readContent(std::string_view content) {
+Model readContent(std::string_view content, const std::string& path) {
     if (content.starts_with("# vtk DataFile Version"))
         return readers::readLegacyVtk(content);
     if (content.starts_with("\xEF\xBB\xBF"))
@@ -40,25 +21,45 @@ Model readContent(std::string_view content) {
     const std::size_t first = content.find_first_not_of(" \t\r\n");
     if (first != std::string_view::npos && content[first] == '<')
         return readers::readVtu(content);
-    throw readers::Refusal("is neither a .vtu (VTK XML) nor a legacy .vtk file");
-}
-
-/// Names from a file can hold anything: a reason stays one line of bounded length.
-std::string oneLine(std::string reason) {
-    std::replace_if(
-        reason.begin(), reason.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
-    return reason.size() <= kLongestReason ? reason : reason.substr(0, kLongestReason) + "...";
+    if (std::optional<Model> surface = readers::readSurface(content, path))
+        return std::move(*surface);
+    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, .stl, .obj, .ply, .glb and .gltf");
 }
 
 } // namespace
 
+std::string readers::oneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
+    return text.size() <= kLongestText ? text : text.substr(0, kLongestText) + "...";
+}
+
+std::string readers::loadFile(const std::filesystem::path& path) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error))
+        throw Refusal("no such file");
+    if (!std::filesystem::is_regular_file(path, error))
+        throw Refusal("is not a regular file");
+    std::ifstream file(path, std::ios::binary);
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (!file || error)
+        throw Refusal("cannot be opened");
+    std::string content(size, '\0');
+    file.read(content.data(), static_cast<std::streamsize>(size));
+    if (static_cast<std::uintmax_t>(file.gcount()) != size)
+        throw Refusal("cannot be read");
+    if (content.empty())
+        throw Refusal("is empty");
+    return content;
+}
+
 Model readModel(const std::string& path) {
     try {
-        Model model = readContent(loadFile(path));
+        Model model = readContent(readers::loadFile(path), path);
         checkModel(model, path);
         return model;
     } catch (const readers::Refusal& refusal) {
-        throw ViewerError(path, oneLine(refusal.what()));
+        throw ViewerError(path, readers::oneLine(refusal.what()));
     } catch (const std::bad_alloc&) {
         throw ViewerError(path, "is too large for this machine's memory");
     }
