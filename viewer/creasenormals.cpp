@@ -17,7 +17,7 @@ using Normal = std::array<float, 3>;
 constexpr double kCosineSlack = 1e-6; ///< single-precision coordinates of a file and rounding
 
 /// Where more corners meet, as at a cone's tip, they keep their faces' normals: comparing each with each
-/// would take their square in time.
+/// would take their square in time. So would looking up the corners of larger polygons.
 constexpr std::size_t kMostCompared = 1000;
 
 /// A corner of a shown face.
@@ -86,8 +86,9 @@ Normal fileNormal(const ShownModel& shown, std::uint32_t cell, std::uint32_t poi
     if (model.cornerNormals.empty() || shown.deformFactor != 0.0)
         return {};
     const auto nodes = model.cellNodes(cell);
-    const auto found = std::find(nodes.begin(), nodes.end(), point);
-    if (found == nodes.end())
+    const auto end = nodes.begin() + static_cast<std::ptrdiff_t>(std::min(nodes.size(), kMostCompared));
+    const auto found = std::find(nodes.begin(), end, point);
+    if (found == end)
         return {};
     return model.cornerNormals[model.offsets[cell] + static_cast<std::size_t>(found - nodes.begin())];
 }

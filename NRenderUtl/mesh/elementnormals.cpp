@@ -79,6 +79,10 @@ void makeMeans(const std::vector<Vector>& areas, ElementSurface& surface) {
 
 constexpr std::uint32_t kNoCrease = 0xFFFFFFFF;
 
+/// Where more faces meet at a crease, as at a cone's tip, each keeps its own normal: comparing each with each
+/// would take their square in time.
+constexpr std::size_t kMostCompared = 1000;
+
 /// The nodes about which the faces may not all share a normal, numbered; kNoCrease for all others. Where each
 /// face is within half the crease angle of the mean, any two are within the whole one.
 struct Creases {
@@ -156,13 +160,15 @@ void split(std::span<const Corner> corners, const std::vector<Vector>& areas, fl
     const std::uint32_t node = surface.corners[corners[0].place];
     const std::size_t copies = surface.normals.size();
     for (std::size_t i = 0; i < corners.size(); ++i) {
-        const Vector normal = meanAbout(corners, areas, unit(areas[corners[i].face]), smooth);
+        const Vector own = unit(areas[corners[i].face]);
+        const Vector normal = corners.size() > kMostCompared ? own : meanAbout(corners, areas, own, smooth);
         if (i == 0)
             surface.normals[node] = normal;
         // Corners that see the same faces get the same sum, bit by bit.
         std::size_t vertex = node;
         if (normal != surface.normals[node])
-            vertex = std::find(surface.normals.begin() + static_cast<std::ptrdiff_t>(copies),
+            vertex = std::find(surface.normals.end() - static_cast<std::ptrdiff_t>(std::min(
+                                                           surface.normals.size() - copies, kMostCompared)),
                                surface.normals.end(), normal) -
                      surface.normals.begin();
         if (vertex == surface.normals.size()) {

@@ -124,6 +124,32 @@ TEST(ElementSurface, SplitsNormalsAtCreases) {
     }
 }
 
+// A cone of 45 degrees: at its tip the mean of the faces within the crease angle leans to the axis; of very
+// many faces each keeps its own normal.
+TEST(ElementSurface, DoesNotCompareVeryManyFacesAtOneNode) {
+    for (const std::uint32_t count : {500u, 1500u}) {
+        std::vector<double> nodes = {0, 0, 1};
+        std::vector<std::uint32_t> faces;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            const double angle = 2 * M_PI * i / count;
+            nodes.insert(nodes.end(), {std::cos(angle), std::sin(angle), 0});
+            faces.insert(faces.end(), {0, i + 1, (i + 1) % count + 1});
+        }
+        NglElementMeshInput input{count + 1, nodes.data(), nullptr, count, faces.data()};
+        const auto surface = makeElementSurface(input);
+        ASSERT_TRUE(surface);
+        const double angle = M_PI / count, part = std::sqrt(0.5);
+        const ElementSurface::Vector first = {static_cast<float>(part * std::cos(angle)),
+                                              static_cast<float>(part * std::sin(angle)),
+                                              static_cast<float>(part)};
+        const double leaning = degBetween(surface->normals[surface->face(0)[0]], first);
+        if (count == 500)
+            EXPECT_GT(leaning, 1);
+        else
+            EXPECT_LT(leaning, 0.05);
+    }
+}
+
 TEST(ElementSurface, ToleratesFacesWithoutArea) {
     // A cube of quads, with a triangle that is a line and one that is a point on its corners.
     const std::vector<double> coords = cubeCoords();

@@ -92,6 +92,26 @@ TEST(BodyMesh, SmoothsUpToTheCreaseAngleAndNotBeyond) {
             << row.creaseDeg << ": faces of twelve sides meet at 30 degrees";
 }
 
+// A cone of 45 degrees: at its tip the mean of the faces within the crease angle leans to the axis; of very
+// many faces each keeps its own normal.
+TEST(BodyMesh, DoesNotCompareVeryManyFacesAtOnePoint) {
+    for (const std::uint32_t sides : {500u, 1500u}) {
+        Model model;
+        model.nodes = {{0, 0, 1}};
+        for (std::uint32_t i = 0; i < sides; ++i) {
+            const double angle = 2.0 * std::numbers::pi * i / sides;
+            model.nodes.push_back({std::cos(angle), std::sin(angle), 0});
+            model.addCell(CellType::Triangle, std::array{0u, i + 1, (i + 1) % sides + 1});
+        }
+        const BodyMesh mesh = makeBodyMeshes(show(model)).at(0);
+        const double angle = std::numbers::pi / sides;
+        const double off =
+            length(at(mesh.normals, mesh.triangles[0]) - unit({std::cos(angle), std::sin(angle), 1.0}));
+        EXPECT_EQ(off > 0.01, sides == 500) << off;
+        EXPECT_TRUE(sides == 500 || off < 1e-5) << off;
+    }
+}
+
 TEST(BodyMesh, GivesEachPartItsFacesAndSmoothsFromPartToPart) {
     constexpr std::uint32_t kSides = 16;
     Model model = makePrism(kSides, false);
