@@ -19,6 +19,7 @@ struct {
 
 /// State of the host's that drawing into the maps needs otherwise or changes.
 struct CaptureState {
+    const PlainTransferGuard transfer; // first: it keeps the read buffer too, of the host's framebuffer
     const FramebufferGuard framebuffer;
     const ProgramInUseGuard program;
     const VertexArrayGuard vertexArray;
@@ -31,7 +32,7 @@ struct CaptureState {
     const NoClipPlanesGuard clipPlanes;
     const DisabledGuard disabled{GL_ALPHA_TEST,   GL_BLEND,        GL_COLOR_LOGIC_OP,    GL_DEPTH_TEST,
                                  GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_RASTERIZER_DISCARD};
-    const PlainTransferGuard transfer;
+    const UnpackGuard unpack;
 };
 
 bool canBuildMaps() {
@@ -77,7 +78,7 @@ NImageBasedLightHandler::NImageBasedLightHandler()
       m_skyBoxProgram(std::make_unique<Program>()), m_equirectangularProgram(std::make_unique<Program>()),
       m_irradianceProgram(std::make_unique<Program>()), m_prefilterProgram(std::make_unique<Program>()),
       m_brdfProgram(std::make_unique<Program>()), m_imageUp(ImageUpZ), m_imageChanged(false),
-      m_backgroundEnabled(false), m_buildFailed(false) {
+      m_backgroundEnabled(false), m_buildFailed(false), m_skyBoxFailed(false) {
     InitCaptureViewMatrices();
 }
 
@@ -108,6 +109,7 @@ void NImageBasedLightHandler::InitializeIBL() {
 
 void NImageBasedLightHandler::BuildMaps() {
     const CaptureState state;
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     endOfPiece(kEnvironmentStep, 0.0);
     CreateTextureMaps();
     if (CreateFrameBuffers()) {
@@ -142,7 +144,7 @@ void NImageBasedLightHandler::CleanUpAllData() {
     for (Program* program : {m_skyBoxProgram.get(), m_equirectangularProgram.get(), m_irradianceProgram.get(),
                              m_prefilterProgram.get(), m_brdfProgram.get()})
         program->DeleteProgram();
-    m_initialised = m_buildFailed = false;
+    m_initialised = m_buildFailed = m_skyBoxFailed = false;
 }
 
 // --- the interface -----------------------------------------------------------------------------------------

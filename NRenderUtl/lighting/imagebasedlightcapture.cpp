@@ -54,8 +54,6 @@ void fitIntoTexture(HostFloatImage& image) {
 
 /// Bound as the 2D texture.
 GLuint uploadImage(const HostFloatImage& image) {
-    const UnpackGuard unpack;
-    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     GLuint texture = 0;
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);

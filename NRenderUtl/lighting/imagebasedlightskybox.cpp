@@ -46,7 +46,9 @@ void skyView(const _NglInfoStr& info, float (&matrix)[16]) {
 } // namespace
 
 bool NImageBasedLightHandler::InitSkyBoxShaderProgram() {
-    return m_skyBoxProgram->Build("NRenderUtl background", kSkyBoxVertexMain, {kSkyBoxFragmentMain});
+    m_skyBoxFailed = m_skyBoxFailed || !m_skyBoxProgram->Build("NRenderUtl background", kSkyBoxVertexMain,
+                                                               {kSkyBoxFragmentMain});
+    return !m_skyBoxFailed;
 }
 
 void NImageBasedLightHandler::RenderHDRBackground(const _NglInfoStr& info) {

@@ -110,7 +110,7 @@ private:
     std::wstring m_imageFile;
     bool m_imageChanged;
     bool m_backgroundEnabled;
-    bool m_buildFailed; ///< for a reason that will not go by itself
+    bool m_buildFailed, m_skyBoxFailed; ///< for a reason that will not go by itself
 };
 
 // --- material table ----------------------------------------------------------------------------------------

@@ -1,0 +1,601 @@
+// Image-based lighting around its maps: their life, names and storage, the host's GL state, drivers that
+// fail, and the surroundings behind the view. What is in the maps is checked by other tests: most builds here
+// take few samples.
+#include <epoxy/egl.h>
+
+#include <cmath>
+
+#include "NRenderUtl/host/hostmath.h"
+#include "NRenderUtl/lighting/nlighting.h"
+#include "tests/host/testfiles.h"
+#include "tests/support/glsnapshot.h"
+#include "tests/support/librarytest.h"
+#include "tests/support/radiancewriter.h"
+#include "tests/support/subprocess.h"
+
+using namespace nrutest;
+using Handler = NImageBasedLightHandler;
+
+namespace {
+
+template <class Function>
+Function driver(Function, const char* name) {
+    return reinterpret_cast<Function>(eglGetProcAddress(name));
+}
+
+/// Programs that take a few samples in place of thousands.
+void takeFewSamples() {
+    epoxy_glShaderSource = [](GLuint shader, GLsizei count, const GLchar* const* parts, const GLint*) {
+        std::string source;
+        for (GLsizei i = 0; i < count; ++i)
+            source += parts[i];
+        const std::string key = "const uint SAMPLES = ";
+        if (const std::size_t at = source.find(key); at != source.npos)
+            source.replace(at + key.size(), source.find(';', at) - at - key.size(), "16u");
+        const GLchar* text = source.c_str();
+        driver(epoxy_glShaderSource, "glShaderSource")(shader, 1, &text, nullptr);
+    };
+}
+
+// --- an image whose colours tell their directions ----------------------------------------------------------
+
+NgFVector3 directionOf(int x, int y, int width, int height) {
+    const float longitude = (2.0f * (x + 0.5f) / width - 1.0f) * float(M_PI);
+    const float latitude = (0.5f - (y + 0.5f) / height) * float(M_PI);
+    return {std::cos(latitude) * std::cos(longitude), std::sin(latitude),
+            std::cos(latitude) * std::sin(longitude)};
+}
+
+std::string compass(int width = 128) {
+    return radianceFile(width, width / 2, [=](int x, int y) {
+        const NgFVector3 d = directionOf(x, y, width, width / 2);
+        return Radiance{0.75f + 0.5f * d.x, 0.75f + 0.5f * d.y, 0.75f + 0.5f * d.z};
+    });
+}
+
+/// A channel of the picture back to radiance: the inverse of tone mapping and gamma.
+float radianceOf(std::uint32_t pixel, int channel) {
+    const float mapped = std::pow(((pixel >> 8 * channel) & 0xFF) / 255.0f, 2.2f);
+    return mapped / (1.0f - mapped);
+}
+
+std::vector<float> texelsOf(GLenum binding, GLenum target, GLuint texture, int level) {
+    GLint width = 0;
+    glBindTexture(binding, texture);
+    glGetTexLevelParameteriv(target, level, GL_TEXTURE_WIDTH, &width);
+    std::vector<float> texels(std::size_t(3) * width * width);
+    glGetTexImage(target, level, GL_RGB, GL_FLOAT, texels.data());
+    glBindTexture(binding, 0);
+    return texels;
+}
+
+/// All texels that programs of the host can read.
+std::vector<float> allMaps() {
+    std::vector<float> all = texelsOf(GL_TEXTURE_2D, GL_TEXTURE_2D, Handler::GetBRDFLUTTextureID(), 0);
+    for (GLenum face = GL_TEXTURE_CUBE_MAP_POSITIVE_X; face < GL_TEXTURE_CUBE_MAP_POSITIVE_X + 6; ++face)
+        for (int level = -1; level < 5; ++level) {
+            const std::vector<float> texels = texelsOf(GL_TEXTURE_CUBE_MAP, face,
+                                                       level < 0 ? Handler::GetIrradianceMapTextureID()
+                                                                 : Handler::GetPrefilterMapTextureID(),
+                                                       std::max(level, 0));
+            all.insert(all.end(), texels.begin(), texels.end());
+        }
+    return all;
+}
+
+// --- names -------------------------------------------------------------------------------------------------
+
+/// Objects alive: textures, buffers, vertex arrays, framebuffers, renderbuffers, programs, shaders.
+using NameCounts = std::array<int, 7>;
+
+NameCounts countNames() {
+    constexpr GLuint kMost = 2000;
+    NameCounts counts{};
+    for (GLuint name = 1; name < kMost; ++name) {
+        const bool alive[] = {glIsTexture(name) != 0,      glIsBuffer(name) != 0,
+                              glIsVertexArray(name) != 0,  glIsFramebuffer(name) != 0,
+                              glIsRenderbuffer(name) != 0, glIsProgram(name) != 0,
+                              glIsShader(name) != 0};
+        for (std::size_t kind = 0; kind < counts.size(); ++kind)
+            counts[kind] += alive[kind];
+    }
+    return counts;
+}
+
+class ImageBasedLight : public LibraryTest {
+protected:
+    void SetUp() override {
+        LibraryTest::SetUp();
+        takeFewSamples();
+        Handler::SetProgressFunction(
+            [](void* builds, const char*, double fraction) { *static_cast<int*>(builds) += fraction == 1.0; },
+            &m_builds);
+    }
+    void TearDown() override {
+        Handler::CleanUpBuffers();
+        LibraryTest::TearDown();
+    }
+    void use(const std::string& file, Handler::ImageUpVector up = Handler::ImageUpZ) {
+        ASSERT_FALSE(Handler::SetHDRImage(m_folder.write("sky.hdr", file).c_str(), up));
+    }
+    /// How many builds an Initialize took.
+    int initialize() {
+        m_builds = 0;
+        Handler::Initialize();
+        return m_builds;
+    }
+    /// The background under a record with these rows of the view, and the identity as projection.
+    Picture background(const NgMatrix& view, int width, int height) {
+        _NglInfoStr info{};
+        std::copy_n(&view[0][0], 16, &info.modelView[0][0]);
+        info.viewport[2] = width;
+        info.viewport[3] = height;
+        glViewport(0, 0, width, height);
+        Handler::EnableHDRBackgroundRendering(true);
+        Handler::DrawHDRBackground(&info);
+        glViewport(0, 0, kSize, kSize);
+        return read();
+    }
+
+    TestFolder m_folder;
+    int m_builds = 0;
+};
+
+} // namespace
+
+// --- life --------------------------------------------------------------------------------------------------
+
+TEST_F(ImageBasedLight, MapsAreBuiltOnFirstUseAndAgainForEveryImage) {
+    EXPECT_FALSE(Handler::IsValid());
+    use(compass());
+    EXPECT_FALSE(Handler::IsValid());
+    EXPECT_EQ(initialize(), 1);
+    EXPECT_TRUE(Handler::IsValid());
+    EXPECT_EQ(initialize(), 0);
+    const std::vector<float> first = allMaps();
+    use(compass());
+    EXPECT_EQ(initialize(), 1);
+    EXPECT_EQ(allMaps(), first);
+    use(compass(), Handler::ImageUpX);
+    EXPECT_EQ(initialize(), 1);
+    EXPECT_NE(allMaps(), first);
+    Handler::CleanUpBuffers();
+    EXPECT_FALSE(Handler::IsValid());
+    EXPECT_EQ(initialize(), 1);
+}
+
+TEST_F(ImageBasedLight, RefusedImagesLeaveTheOldOneInForce) {
+    use(compass(), Handler::ImageUpMinusY);
+    initialize();
+    const std::string whole = compass();
+    const struct {
+        const char* name;
+        GuStringFileName file;
+    } rows[] = {{"missing", m_folder.name("none.hdr")},
+                {"truncated", m_folder.write("half.hdr", whole.substr(0, whole.size() / 2))},
+                {"other kind", m_folder.write("a.hdr", "\x89PNG\r\n\x1a\n")},
+                {"folder", m_folder.name(".")},
+                {"no name", {}}};
+    for (const auto& row : rows) {
+        const NErrorPtr error = Handler::SetHDRImage(row.file.c_str(), Handler::ImageUpX);
+        ASSERT_TRUE(error) << row.name;
+        EXPECT_STREQ(error->GetText(), L"Failed to load HDR image file!") << row.name;
+    }
+    EXPECT_TRUE(Handler::SetHDRImage(nullptr, Handler::ImageUpX));
+    GuString file;
+    Handler::ImageUpVector up{};
+    Handler::GetHDRImage(file, up);
+    EXPECT_EQ(file, m_folder.name("sky.hdr"));
+    EXPECT_EQ(up, Handler::ImageUpMinusY);
+    EXPECT_EQ(initialize(), 0);
+}
+
+// A sun beyond half floats must not make the maps infinite, and without an image they are black.
+TEST_F(ImageBasedLight, MapsAreFinite) {
+    use(radianceFile(16, 8, [](int x, int y) {
+        return x == 3 && y == 2 ? Radiance{1e9f, 1e9f, 1e9f} : Radiance{0.5f, 0.5f, 0.5f};
+    }));
+    initialize();
+    float brightest = 0.0f;
+    for (const float value : allMaps()) {
+        ASSERT_TRUE(std::isfinite(value) && value >= 0.0f) << value;
+        brightest = std::max(brightest, value);
+    }
+    EXPECT_GT(brightest, 1000.0f);
+}
+
+TEST_F(ImageBasedLight, WithoutAnImageTheSurroundingsAreBlack) {
+    EXPECT_EQ(initialize(), 1);
+    EXPECT_TRUE(Handler::IsValid());
+    const std::vector<float> texels =
+        texelsOf(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_CUBE_MAP_POSITIVE_X, Handler::GetPrefilterMapTextureID(), 4);
+    EXPECT_EQ(texels, std::vector<float>(texels.size(), 0.0f));
+}
+
+TEST_F(ImageBasedLight, ProgressRisesToOneInSmallSteps) {
+    static std::vector<double> fractions;
+    Handler::SetProgressFunction(
+        [](void*, const char* step, double fraction) {
+            ASSERT_STRNE(step, "");
+            fractions.push_back(fraction);
+        },
+        nullptr);
+    Handler::Initialize();
+    ASSERT_FALSE(fractions.empty());
+    EXPECT_EQ(fractions.front(), 0.0);
+    EXPECT_EQ(fractions.back(), 1.0);
+    for (std::size_t i = 1; i < fractions.size(); ++i) {
+        EXPECT_GE(fractions[i], fractions[i - 1]);
+        EXPECT_LE(fractions[i], fractions[i - 1] + 0.15);
+    }
+}
+
+// --- objects -----------------------------------------------------------------------------------------------
+
+TEST_F(ImageBasedLight, NamesAreKeptWhileTheyServeAndThenAllGiven) {
+    const NameCounts before = countNames();
+    use(compass());
+    for (int round = 0; round < 2; ++round) { // the second deletes the first one's maps
+        initialize();
+        NameCounts built = countNames();
+        for (std::size_t kind = 0; kind < built.size(); ++kind)
+            built[kind] -= before[kind];
+        EXPECT_EQ(built, (NameCounts{4, 0, 0, 0, 0, 4, 0})) << "round " << round;
+        use(compass());
+    }
+    const NgMatrix view = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    background(view, kSize, kSize);
+    EXPECT_NE(countNames(), before);
+    Handler::CleanUpBuffers();
+    EXPECT_EQ(countNames(), before);
+    EXPECT_EQ(Handler::GetIrradianceMapTextureID(), 0u);
+    EXPECT_EQ(Handler::GetPrefilterMapTextureID(), 0u);
+    EXPECT_EQ(Handler::GetBRDFLUTTextureID(), 0u);
+}
+
+TEST_F(ImageBasedLight, StorageAndFiltersAreThoseThatShadingAsksFor) {
+    initialize();
+    const struct {
+        const char* name;
+        GLenum binding, target;
+        GLuint texture;
+        GLint size, levels, format, minification;
+    } rows[] = {
+        {"irradiance", GL_TEXTURE_CUBE_MAP, GL_TEXTURE_CUBE_MAP_NEGATIVE_Z,
+         Handler::GetIrradianceMapTextureID(), 32, 1, GL_RGB16F, GL_LINEAR},
+        {"prefiltered", GL_TEXTURE_CUBE_MAP, GL_TEXTURE_CUBE_MAP_POSITIVE_Y,
+         Handler::GetPrefilterMapTextureID(), 256, 5, GL_RGB16F, GL_LINEAR_MIPMAP_LINEAR},
+        {"table", GL_TEXTURE_2D, GL_TEXTURE_2D, Handler::GetBRDFLUTTextureID(), 512, 1, GL_RG16F, GL_LINEAR}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        glBindTexture(row.binding, row.texture);
+        const auto parameter = [&](GLenum name) {
+            GLint value = 0;
+            glGetTexParameteriv(row.binding, name, &value);
+            return value;
+        };
+        for (int level = 0; level < row.levels; ++level) {
+            GLint width = 0, format = 0;
+            glGetTexLevelParameteriv(row.target, level, GL_TEXTURE_WIDTH, &width);
+            glGetTexLevelParameteriv(row.target, level, GL_TEXTURE_INTERNAL_FORMAT, &format);
+            EXPECT_EQ(width, row.size >> level);
+            EXPECT_EQ(format, row.format);
+        }
+        EXPECT_EQ(parameter(GL_TEXTURE_MIN_FILTER), row.minification);
+        EXPECT_EQ(parameter(GL_TEXTURE_MAG_FILTER), GL_LINEAR);
+        for (const GLenum axis : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
+            EXPECT_EQ(parameter(axis), GL_CLAMP_TO_EDGE);
+        EXPECT_TRUE(row.levels == 1 || parameter(GL_TEXTURE_MAX_LEVEL) == row.levels - 1);
+        glBindTexture(row.binding, 0);
+    }
+}
+
+// --- the host's state --------------------------------------------------------------------------------------
+
+namespace {
+
+/// State that would spoil the maps or the background, or show that something was not put back.
+struct HostileState {
+    HostileState() {
+        glGenFramebuffers(2, framebuffers);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffers[0]);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers[1]);
+        glGenTextures(2, textures);
+        glActiveTexture(GL_TEXTURE0);
+        glBindTexture(GL_TEXTURE_2D, textures[0]);
+        glBindTexture(GL_TEXTURE_CUBE_MAP, textures[1]);
+        glGenSamplers(1, &sampler);
+        glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+        glBindSampler(0, sampler);
+        glActiveTexture(GL_TEXTURE5);
+        glGenVertexArrays(1, &vertexArray);
+        glBindVertexArray(vertexArray);
+        glGenBuffers(2, buffers);
+        glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
+        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers[1]);
+        for (const GLenum feature : kOn)
+            glEnable(feature);
+        for (int i = 0; i < 3; ++i)
+            glClipPlane(GL_CLIP_PLANE0 + i, kNowhere);
+        glAlphaFunc(GL_NEVER, 0.5f);
+        glBlendFunc(GL_ZERO, GL_ZERO);
+        glLogicOp(GL_CLEAR);
+        glDepthFunc(GL_NEVER);
+        glDepthMask(GL_FALSE);
+        glColorMask(GL_FALSE, GL_TRUE, GL_FALSE, GL_TRUE);
+        glClearColor(0.1f, 0.2f, 0.3f, 0.4f);
+        glClearDepth(0.25);
+        glClampColor(GL_CLAMP_FRAGMENT_COLOR, GL_TRUE);
+        glClampColor(GL_CLAMP_READ_COLOR, GL_TRUE);
+        glCullFace(GL_FRONT_AND_BACK);
+        glPolygonMode(GL_FRONT, GL_POINT);
+        glPolygonMode(GL_BACK, GL_LINE);
+        glScissor(1, 2, 3, 4);
+        glViewport(5, 6, 7, 8);
+        glPixelTransferf(GL_RED_SCALE, 0.5f);
+        glPixelTransferf(GL_BLUE_BIAS, 0.5f);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
+        glPixelStorei(GL_UNPACK_ROW_LENGTH, 7);
+        glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_TRUE);
+    }
+    static constexpr GLenum kOn[] = {GL_ALPHA_TEST,         GL_BLEND,        GL_COLOR_LOGIC_OP,
+                                     GL_CULL_FACE,          GL_CLIP_PLANE0,  GL_CLIP_PLANE1,
+                                     GL_CLIP_PLANE2,        GL_DEPTH_TEST,   GL_POLYGON_STIPPLE,
+                                     GL_RASTERIZER_DISCARD, GL_SCISSOR_TEST, GL_STENCIL_TEST};
+    static constexpr GLdouble kNowhere[4] = {0, 0, 0, -1};
+    GLuint framebuffers[2], textures[2], sampler, vertexArray, buffers[2];
+};
+
+/// What the snapshot does not hold.
+std::vector<double> furtherState() {
+    std::vector<double> values;
+    for (const GLenum feature : HostileState::kOn)
+        values.push_back(glIsEnabled(feature));
+    for (const GLenum query :
+         {GL_ACTIVE_TEXTURE, GL_CLAMP_FRAGMENT_COLOR, GL_CLAMP_READ_COLOR, GL_COLOR_CLEAR_VALUE,
+          GL_CULL_FACE_MODE, GL_DEPTH_CLEAR_VALUE, GL_DRAW_FRAMEBUFFER_BINDING,
+          GL_PIXEL_UNPACK_BUFFER_BINDING, GL_POLYGON_MODE, GL_READ_FRAMEBUFFER_BINDING, GL_RED_SCALE,
+          GL_BLUE_BIAS, GL_RENDERBUFFER_BINDING, GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_UNPACK_ALIGNMENT,
+          GL_UNPACK_ROW_LENGTH, GL_UNPACK_SWAP_BYTES}) {
+        double value[4] = {};
+        glGetDoublev(query, value);
+        values.insert(values.end(), value, value + 4);
+    }
+    glActiveTexture(GL_TEXTURE0);
+    for (const GLenum query : {GL_TEXTURE_BINDING_2D, GL_TEXTURE_BINDING_CUBE_MAP, GL_SAMPLER_BINDING}) {
+        double value = 0;
+        glGetDoublev(query, &value);
+        values.push_back(value);
+    }
+    glActiveTexture(static_cast<GLenum>(values[std::size(HostileState::kOn)]));
+    return values;
+}
+
+void resetPixelTransfer() {
+    glPixelTransferf(GL_RED_SCALE, 1.0f);
+    glPixelTransferf(GL_BLUE_BIAS, 0.0f);
+    glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
+    glActiveTexture(GL_TEXTURE0);
+}
+
+} // namespace
+
+TEST_F(ImageBasedLight, BuildsTheSameMapsUnderAnyStateAndLeavesIt) {
+    use(compass());
+    initialize();
+    const std::vector<float> maps = allMaps();
+    Handler::CleanUpBuffers();
+    {
+        const HostileState host;
+        const GlSnapshot snapshot = GlSnapshot::take();
+        const std::vector<double> further = furtherState();
+        initialize();
+        EXPECT_TRUE(GlSnapshot::take().equals(snapshot));
+        EXPECT_EQ(furtherState(), further);
+    }
+    resetPixelTransfer();
+    EXPECT_EQ(allMaps(), maps);
+}
+
+TEST_F(ImageBasedLight, BackgroundIsWholeUnderAnyStateAndLeavesIt) {
+    use(compass());
+    initialize();
+    const NgMatrix view = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    const Picture whole = background(view, kSize, kSize);
+    clear();
+    const HostileState host;
+    glBindFramebuffer(GL_FRAMEBUFFER, 0); // state that the host chooses for the background
+    for (const GLenum feature : {GL_RASTERIZER_DISCARD, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_DEPTH_TEST})
+        glDisable(feature);
+    glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    glViewport(0, 0, kSize, kSize);
+    const GlSnapshot snapshot = GlSnapshot::take();
+    const std::vector<double> further = furtherState();
+    background(view, kSize, kSize);
+    EXPECT_TRUE(GlSnapshot::take().equals(snapshot));
+    EXPECT_EQ(furtherState(), further);
+    resetPixelTransfer();
+    EXPECT_TRUE(samePicture(read(), whole));
+}
+
+// --- drivers that fail -------------------------------------------------------------------------------------
+
+namespace {
+
+int linkCount, failingLink;
+
+void failLink(int number) {
+    linkCount = 0;
+    failingLink = number;
+    epoxy_glLinkProgram = [](GLuint program) {
+        if (linkCount++ != failingLink)
+            driver(epoxy_glLinkProgram, "glLinkProgram")(program);
+    };
+}
+
+} // namespace
+
+TEST_F(ImageBasedLight, AProgramThatFailsIsNotTriedAgainWithoutReasonAndLeavesNothing) {
+    const NameCounts before = countNames();
+    for (int number = 0; number < 4; ++number) {
+        SCOPED_TRACE(number);
+        failLink(number);
+        Handler::Initialize();
+        Handler::Initialize();
+        EXPECT_EQ(linkCount, number + 1);
+        EXPECT_FALSE(Handler::IsValid());
+        Handler::CleanUpBuffers();
+        EXPECT_EQ(countNames(), before);
+    }
+    failLink(0);
+    Handler::Initialize();
+    use(compass()); // a reason
+    EXPECT_EQ(initialize(), 1);
+    EXPECT_TRUE(Handler::IsValid());
+}
+
+TEST_F(ImageBasedLight, AFormatThatCannotBeDrawnLeavesNothing) {
+    const NameCounts before = countNames();
+    epoxy_glCheckFramebufferStatus = [](GLenum) -> GLenum { return GL_FRAMEBUFFER_UNSUPPORTED; };
+    EXPECT_EQ(initialize(), 0);
+    EXPECT_FALSE(Handler::IsValid());
+    EXPECT_EQ(countNames(), before);
+}
+
+TEST_F(ImageBasedLight, ABackgroundThatFailsDrawsNothing) {
+    use(compass());
+    initialize();
+    const NameCounts before = countNames();
+    failLink(0);
+    const NgMatrix view = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    EXPECT_EQ(background(view, kSize, kSize).countOtherThan(kClear), 0);
+    EXPECT_EQ(background(view, kSize, kSize).countOtherThan(kClear), 0);
+    EXPECT_EQ(linkCount, 1);
+    EXPECT_EQ(countNames(), before);
+    EXPECT_TRUE(Handler::IsValid());
+}
+
+struct Driver {
+    const char* name;
+    Environment environment;
+};
+std::ostream& operator<<(std::ostream& out, const Driver& driver) {
+    return out << driver.name;
+}
+
+class OldDriver : public ImageBasedLight, public ::testing::WithParamInterface<Driver> {};
+
+TEST_P(OldDriver, HasNoMaps) {
+    if (ranInSubprocess(GetParam().environment))
+        return;
+    takeGlErrors();
+    Handler::Initialize();
+    EXPECT_FALSE(Handler::IsValid());
+    Handler::CleanUpBuffers();
+    takeGlErrors(); // Mesa reports what does not compile as an error
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , OldDriver,
+    ::testing::Values(
+        Driver{"gl_21", {{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}}},
+        Driver{"no_framebuffers",
+               {{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_framebuffer_object -GL_EXT_framebuffer_object"}}}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(ImageBasedLightWithoutContext, NothingIsBuiltDrawnOrDeleted) {
+    Handler::Initialize();
+    Handler::EnableHDRBackgroundRendering(true);
+    _NglInfoStr info{};
+    info.viewport[2] = info.viewport[3] = 8;
+    Handler::DrawHDRBackground(&info);
+    EXPECT_FALSE(Handler::IsValid());
+    {
+        nruview::OffscreenContext context;
+        ASSERT_EQ(context.create(8, 8), "");
+        takeFewSamples();
+        Handler::Initialize();
+        EXPECT_TRUE(Handler::IsValid());
+    }
+    Handler::CleanUpBuffers(); // their context has gone
+    EXPECT_FALSE(Handler::IsValid());
+}
+
+// --- the background ----------------------------------------------------------------------------------------
+
+// Every pixel's colour must tell the direction in which it looks: upright and not mirrored for z up, and half
+// a turn about z away from what lights meshes.
+TEST_F(ImageBasedLight, BackgroundShowsEachDirectionUprightAndAsWideAsItIs) {
+    use(compass());
+    const struct {
+        const char* name;
+        NgFVector3 right, up, toward; // in model space
+        int width, height;
+    } rows[] = {{"along +x", {0, -1, 0}, {0, 0, 1}, {-1, 0, 0}, 64, 64},
+                {"along -y", {-1, 0, 0}, {0, 0, 1}, {0, 1, 0}, 64, 64},
+                {"from above", {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, 64, 64},
+                {"tilted", {0.6f, 0.8f, 0}, {-0.48f, 0.36f, 0.8f}, {0.64f, -0.48f, 0.6f}, 64, 64},
+                {"wide", {0, -1, 0}, {0, 0, 1}, {-1, 0, 0}, 64, 32},
+                {"zoomed", {0, -3, 0}, {0, 0, 3}, {-3, 0, 0}, 64, 32}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const NgMatrix view = {{row.right.x, row.up.x, row.toward.x, 0},
+                               {row.right.y, row.up.y, row.toward.y, 0},
+                               {row.right.z, row.up.z, row.toward.z, 0},
+                               {5, -7, 9, 1}};
+        const Picture picture = background(view, row.width, row.height);
+        for (const auto& [x, y] : {std::pair{3, 5}, {40, 12}, {60, 30}}) {
+            const float horizontal = (x + 0.5f) / row.width * 2 - 1;
+            const float vertical = ((y + 0.5f) / row.height * 2 - 1) * row.height / row.width;
+            NgFVector3 w = row.right * horizontal + row.up * vertical - row.toward;
+            w.normalise();
+            const float expected[3] = {-w.x, w.z, w.y}; // of the image: y up, and half a turn about it
+            for (int i = 0; i < 3; ++i)
+                EXPECT_NEAR((radianceOf(picture.at(x, y), i) - 0.75f) / 0.5f, expected[i], 0.04)
+                    << "channel " << i << " at " << x << ", " << y;
+        }
+        clear();
+    }
+}
+
+TEST_F(ImageBasedLight, BackgroundIsToneMappedAndStaysBehind) {
+    use(radianceFile(8, 4, [](int, int) { return Radiance{1.0f, 3.0f, 0.25f}; }));
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(0, 0, kSize / 2, kSize);
+    glClearDepth(0.999);
+    glClear(GL_DEPTH_BUFFER_BIT); // something far in the left half
+    glDisable(GL_SCISSOR_TEST);
+    const NgMatrix view = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    const Picture picture = background(view, kSize, kSize);
+    EXPECT_EQ(picture.countOtherThan(kClear), kSize * kSize / 2);
+    // 1/2, 3/4 and 1/5, to the power 1/2.2
+    EXPECT_EQ(hex(picture.at(50, 30)), hex(0xFF7BE0BA));
+    EXPECT_EQ(hex(picture.at(10, 30)), hex(kClear));
+    float depth = 0;
+    glReadPixels(50, 30, 1, 1, GL_DEPTH_COMPONENT, GL_FLOAT, &depth);
+    EXPECT_EQ(depth, 1.0f);
+    clear();
+    Handler::EnableHDRBackgroundRendering(false);
+    _NglInfoStr info{};
+    info.viewport[2] = info.viewport[3] = kSize;
+    Handler::DrawHDRBackground(&info);
+    Handler::DrawHDRBackground(nullptr);
+    EXPECT_EQ(read().countOtherThan(kClear), 0);
+}
+
+// Images beyond the driver's textures are averaged down: directions stay.
+TEST_F(ImageBasedLight, ImagesLargerThanTexturesAreAveraged) {
+    epoxy_glGetIntegerv = [](GLenum query, GLint* values) {
+        driver(epoxy_glGetIntegerv, "glGetIntegerv")(query, values);
+        if (query == GL_MAX_TEXTURE_SIZE)
+            *values = 100;
+    };
+    use(compass(310)); // four columns or two rows become one, with a rest
+    initialize();
+    epoxy_glGetIntegerv = driver(epoxy_glGetIntegerv, "glGetIntegerv");
+    const NgMatrix view = {{0, 0, -1, 0}, {-1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 0, 1}}; // along +x
+    const Picture picture = background(view, kSize, kSize);
+    const float expected[3] = {-1, 0, 0};
+    for (int i = 0; i < 3; ++i)
+        EXPECT_NEAR((radianceOf(picture.at(32, 32), i) - 0.75f) / 0.5f, expected[i], 0.06);
+}
