@@ -88,7 +88,7 @@ bool isUnusable(const RenderGLBuffer* buffer) {
 
 /// Hosts that draw with arrays of their own count on both being off after a boundary mesh.
 struct VertexAndNormalArrayOff {
-    VertexAndNormalArrayOff() = default;
+    VertexAndNormalArrayOff() {} // a const one may be made without a value
     VertexAndNormalArrayOff(const VertexAndNormalArrayOff&) = delete;
     VertexAndNormalArrayOff& operator=(const VertexAndNormalArrayOff&) = delete;
     ~VertexAndNormalArrayOff() {
