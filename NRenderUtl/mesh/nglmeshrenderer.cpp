@@ -1,7 +1,9 @@
 // The mesh renderer: client arrays drawn with one shared program, lit in the classic way or physically based.
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <new>
+#include <optional>
 
 #include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
@@ -10,6 +12,7 @@
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/mesh/pbrlightrig.h"
 #include "NRenderUtl/shaders/programinuse.h"
+#include "NRenderUtl/shaders/samplerunits.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
 namespace ngl {
@@ -52,6 +55,46 @@ void readOpaqueColor(int index, float (&rgba)[4]) {
     readColor(index, rgba);
     rgba[3] = 1.0f;
 }
+
+// --- environment -------------------------------------------------------------------------------------------
+
+constexpr RenderingShaderUniform kMapSamplers[] = {RenderUniformIrradianceMap, RenderUniformPrefilterMap,
+                                                   RenderUniformBrdfTable};
+
+bool reflectsEnvironment() {
+    return IsEnvironmentReflectionEnabled() && NImageBasedLightHandler::IsValid();
+}
+
+void bindMap(NShaderProgram& program, RenderingShaderUniform sampler, GLenum target, GLuint texture) {
+    program.SetUniformValue(sampler, samplerUnit(sampler));
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(samplerUnit(sampler)));
+    glBindTexture(target, texture);
+}
+
+void bindMaps(NShaderProgram& program) {
+    using Handler = NImageBasedLightHandler;
+    bindMap(program, RenderUniformIrradianceMap, GL_TEXTURE_CUBE_MAP, Handler::GetIrradianceMapTextureID());
+    bindMap(program, RenderUniformPrefilterMap, GL_TEXTURE_CUBE_MAP, Handler::GetPrefilterMapTextureID());
+    bindMap(program, RenderUniformBrdfTable, GL_TEXTURE_2D, Handler::GetBRDFLUTTextureID());
+    glActiveTexture(GL_TEXTURE0);
+}
+
+/// The units of the maps without sampler objects, which would choose their own level.
+class PlainMapsGuard {
+public:
+    PlainMapsGuard() {
+        GLint unit;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+        for (std::size_t i = 0; i < m_samplers.size(); ++i) {
+            glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(samplerUnit(kMapSamplers[i])));
+            m_samplers[i].emplace();
+        }
+        glActiveTexture(static_cast<GLenum>(unit));
+    }
+
+private:
+    std::array<std::optional<NoSamplerGuard>, std::size(kMapSamplers)> m_samplers;
+};
 
 // --- drawing -----------------------------------------------------------------------------------------------
 
@@ -151,6 +194,8 @@ bool NglMeshRenderer::RenderBegin(RenderPass pass) {
         hostDiagnostic(NHostDiagnosticMisuse, "NglMeshRenderer::RenderBegin - Failed to create shader");
         return false;
     }
+    if (IsEnvironmentReflectionEnabled())
+        NImageBasedLightHandler::Initialize();
     m_pShaderProg->UseProgram(true);
     m_positionLocation =
         static_cast<std::uint32_t>(m_pShaderProg->GetVertexAttributeLocation("g_pos_attrib"));
@@ -201,6 +246,10 @@ void NglMeshRenderer::SetPBRAndHDRUniforms() {
     makePbrLights(*NglGetNglInfo(), m_pbrLights);
     m_pShaderProg->SetPBRLightUniforms(static_cast<int>(std::size(m_pbrLights)), m_pbrLights);
     m_pShaderProg->SetUniformValue(RenderUniformEnvironmentReflection, 0);
+    if (reflectsEnvironment()) {
+        bindMaps(*m_pShaderProg);
+        m_pShaderProg->SetUniformValue(RenderUniformEnvironmentReflection, 1);
+    }
     m_pShaderProg->SetUniformValue(RenderUniformPhysicallyBased, 1);
 }
 
@@ -230,6 +279,9 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
     SetDrawUniforms(attributes);
     const ClientArraysGuard hostArrays;
     const PlainIndicesGuard indices;
+    std::optional<PlainMapsGuard> maps;
+    if (IsPhysicallyBasedRenderingEnabled() && reflectsEnvironment())
+        maps.emplace();
     const AttributeArray positionArray(*m_pShaderProg, m_positionLocation, positions);
     const AttributeArray normalArray(*m_pShaderProg, m_normalLocation, normals);
     const Elements elements{triCount, quadCount, triIndices, quadIndices};
