@@ -257,7 +257,24 @@ TEST_F(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
     EXPECT_THAT(model.notes, ElementsAre("1 single points are left out", "textures are not read"));
 }
 
+TEST_F(SurfaceReader, MakesPartsOfFacesInOneColorInPly) {
+    std::string text =
+        replaced(ply(false), "end_header", "property uchar green\nproperty uchar red\nend_header");
+    std::size_t line = text.find("end_header");
+    for (int face = -8; face < 6; ++face) {
+        line = text.find('\n', line) + 1;
+        if (face >= 0)
+            text.insert(text.find('\n', line), face < 2 ? " 16 255" : " 0 7");
+    }
+    const Model model = read("a.ply", text);
+    ASSERT_EQ(model.parts.size(), 2u);
+    EXPECT_EQ(model.parts[0].color, 0xFF0010FF);
+    EXPECT_EQ(model.parts[1].color, 0xFF000007);
+    EXPECT_EQ(model.parts[1].firstCell, 2u);
+}
+
 TEST_F(SurfaceReader, BadFilesGetOneReason) {
+    const char* kTooMany = "cannot hold the elements that its header announces";
     const std::string box = glb(boxJson(R"([{"mesh":0}])"));
     const struct {
         const char* name;
@@ -274,17 +291,17 @@ TEST_F(SurfaceReader, BadFilesGetOneReason) {
         {"a.stl", replaced(asciiStl(), "endsolid", ""), "is cut short: there is no endsolid behind facet 12"},
         {"a.stl", replaced(asciiStl(), "  vertex", "  vertices"), "facet 0 does not have three vertices"},
         {"a.stl", replaced(asciiStl(), "11.0", "nan"), "node 2 has a coordinate that is not finite"},
-        {"a.ply", replaced(ply(true), "face 6", "face 99999"),
-         "cannot hold what its header says: element face 99999"},
-        {"a.ply", replaced(ply(true), "vertex 8", "vertex -1"),
-         "cannot hold what its header says: element vertex -1"},
+        {"a.ply", replaced(ply(true), "face 6", "face 99999"), kTooMany},
+        {"a.ply", replaced(ply(true), "vertex 8", "vertex -1"), kTooMany},
+        {"a.ply", replaced(ply(true), "face 6", "face 9"), "is cut short: it ends in face 6 of 9"},
+        {"a.ply", ply(false).substr(0, ply(false).size() - 3), "is cut short: it ends in face 5 of 6"},
+        {"a.ply", replaced(ply(true), "float z", "real z"), "has a property of unknown type real"},
         {"a.ply", replaced(ply(false), "4 0 2 3 1", "4 0 2 8 1"), "face 0 uses vertex 8 of 8"},
         {"a.ply", ply(false).substr(0, 40), "has no end of its header"},
         {"a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\n", "has no faces"},
         {"a.glb", box.substr(0, box.size() - 4), "is cut short: "},
         {"a.glb", replaced(box, bytes(204u), bytes(208u)), "has a chunk that goes beyond its end"},
         {"a.glb", replaced(box, bytes(2u), bytes(1u)), "is not of glTF 2"},
-        {"a.off", "OFF\n", "is none of .vtu (VTK XML), legacy .vtk, .stl, .obj, .ply, .glb and .gltf"},
     };
     for (const auto& row : rows)
         EXPECT_THAT(refusal(row.name, row.content), StartsWith(row.reason)) << row.name;

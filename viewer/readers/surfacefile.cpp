@@ -105,9 +105,27 @@ void compareCounts(std::optional<std::size_t> declared, const aiScene& scene) {
                       " faces that it announces");
 }
 
+/// A part for each run of faces in one colour, as an assembly in one piece has them; not for a surface that
+/// is painted face by face.
+void colorParts(Model& model, const std::vector<std::uint32_t>& colors) {
+    constexpr std::size_t kMostParts = 1000;
+    if (model.parts.size() != 1 || colors.size() != model.cellCount())
+        return;
+    std::vector<ModelPart> parts;
+    for (std::uint32_t cell = 0; cell < colors.size() && parts.size() <= kMostParts; ++cell) {
+        if (cell == 0 || colors[cell] != colors[cell - 1])
+            parts.push_back({model.parts[0].name, cell, 0, colors[cell], 1.0});
+        ++parts.back().cellCount;
+    }
+    if (parts.size() <= kMostParts)
+        model.parts = std::move(parts);
+    else
+        model.notes.push_back("colours of faces are not read");
+}
+
 Model import(SurfaceFormat format, std::string_view content, const fs::path& path) {
-    const std::optional<std::size_t> declared = declaredFaces(format, content);
-    if (declared == std::size_t{0})
+    const SurfaceFacts facts = checkSurface(format, content);
+    if (facts.faces == std::size_t{0})
         throw Refusal("has no faces");
     // A library's faults stay in the child that this runs in.
     std::string lower;
@@ -120,10 +138,12 @@ Model import(SurfaceFormat format, std::string_view content, const fs::path& pat
     const aiScene* scene = importer.ReadFile(name, 0);
     if (scene == nullptr)
         throw Refusal(reasonOf(importer));
-    compareCounts(declared, *scene);
+    compareCounts(facts.faces, *scene);
     const bool isObj = format == SurfaceFormat::Obj;
     const bool isStl = format == SurfaceFormat::AsciiStl || format == SurfaceFormat::BinaryStl;
-    return modelOf(*scene, {!isStl, isObj ? files->openedOther() : extensionOf(format)[0] == 'g'});
+    Model model = modelOf(*scene, {!isStl, isObj ? files->openedOther() : extensionOf(format)[0] == 'g'});
+    colorParts(model, facts.faceColors);
+    return model;
 }
 
 } // namespace

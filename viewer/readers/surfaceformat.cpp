@@ -2,15 +2,15 @@
 #include "viewer/readers/surfaceformat.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
-#include <sstream>
+
+#include "viewer/readers/plyfile.h"
+#include "viewer/readers/words.h"
 
 namespace nruview::readers {
 
 namespace {
 
-constexpr std::string_view kBlank = " \t\r\n";
 constexpr std::size_t kStlHead = 84, kStlFacet = 50; ///< bytes; the count is the head's last four
 constexpr std::size_t kGlbHead = 12, kGlbChunkHead = 8;
 
@@ -49,19 +49,6 @@ std::size_t declaredInBinaryStl(std::string_view content) {
     return count;
 }
 
-/// The next word, taken off; empty at the end.
-std::string_view takeWord(std::string_view& rest) {
-    rest.remove_prefix(std::min(rest.find_first_not_of(kBlank), rest.size()));
-    const std::string_view word = rest.substr(0, rest.find_first_of(kBlank));
-    rest.remove_prefix(word.size());
-    return word;
-}
-
-bool isWord(std::string_view word, std::string_view lowerCase) {
-    return std::equal(word.begin(), word.end(), lowerCase.begin(), lowerCase.end(),
-                      [](unsigned char a, unsigned char b) { return std::tolower(a) == b; });
-}
-
 /// Facets that are whole; the file ends with the end of a solid. Names of solids may be any words.
 std::size_t declaredInAsciiStl(std::string_view content) {
     std::size_t vertices = 0, begun = 0, ended = 0;
@@ -79,30 +66,6 @@ std::size_t declaredInAsciiStl(std::string_view content) {
     if (!closed || begun != ended)
         throw Refusal("is cut short: there is no endsolid behind facet " + std::to_string(begun));
     return ended;
-}
-
-// --- PLY ---------------------------------------------------------------------------------------------------
-
-/// Every element takes at least a byte of each of its properties in a binary file, and a line in an ascii
-/// one.
-std::optional<std::size_t> declaredInPly(std::string_view content) {
-    const std::size_t end = content.find("end_header");
-    if (end == std::string_view::npos)
-        throw Refusal("has no end of its header");
-    std::istringstream lines{std::string(content.substr(0, end))};
-    std::optional<std::size_t> faces;
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        std::string keyword, name;
-        std::size_t count = 0;
-        if (!(words >> keyword) || keyword != "element")
-            continue;
-        if (!(words >> name >> count) || count > content.size() - end)
-            throw Refusal("cannot hold what its header says: " + line);
-        if (name == "face")
-            faces = count;
-    }
-    return faces;
 }
 
 // --- glTF --------------------------------------------------------------------------------------------------
@@ -158,14 +121,16 @@ const char* extensionOf(SurfaceFormat format) {
     return "gltf";
 }
 
-std::optional<std::size_t> declaredFaces(SurfaceFormat format, std::string_view content) {
+SurfaceFacts checkSurface(SurfaceFormat format, std::string_view content) {
     switch (format) {
     case SurfaceFormat::AsciiStl:
-        return declaredInAsciiStl(content);
+        return {declaredInAsciiStl(content), {}};
     case SurfaceFormat::BinaryStl:
-        return declaredInBinaryStl(content);
-    case SurfaceFormat::Ply:
-        return declaredInPly(content);
+        return {declaredInBinaryStl(content), {}};
+    case SurfaceFormat::Ply: {
+        PlyFacts facts = readPlyFacts(content);
+        return {facts.faces, std::move(facts.faceColors)};
+    }
     case SurfaceFormat::Glb:
         checkGlb(content);
         break;

@@ -16,8 +16,12 @@ std::optional<SurfaceFormat> surfaceFormat(std::string_view content, const std::
 /// The extension that stands for a format, without its dot.
 const char* extensionOf(SurfaceFormat format);
 
-/// Refuses a file whose sizes and counts cannot be true, before memory is laid out by them. Returns the
-/// number of faces that it says it has; nothing where it tells none.
-std::optional<std::size_t> declaredFaces(SurfaceFormat format, std::string_view content);
+struct SurfaceFacts {
+    std::optional<std::size_t> faces;      ///< that the file says it has; nothing where it tells no number
+    std::vector<std::uint32_t> faceColors; ///< packed 0xAABBGGRR of each face; empty: it has none
+};
+
+/// Refuses a file whose sizes and counts cannot be true, before memory is laid out by them.
+SurfaceFacts checkSurface(SurfaceFormat format, std::string_view content);
 
 } // namespace nruview::readers
