@@ -25,6 +25,8 @@ public:
     bool buildBatch(SourceChanges changes = {});
     /// From those of the mesh renderer.
     bool buildMeshRenderer(SourceChanges changes = {});
+    /// From those of the 3D markers.
+    bool buildMarkers(SourceChanges changes = {});
 
 private:
     bool compose(ProgramComposition composition, SourceChanges changes);

@@ -1,0 +1,212 @@
+// The renderer of 3D marker sections: what is constant for a section is sent once, in Begin.
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+#include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/markers/markercolors.h"
+#include "NRenderUtl/markers/nmarkers.h"
+#include "NRenderUtl/shaders/shadercatalogue.h"
+
+N3DMarkerRenderer* N3DMarkerRenderer::m_pInstance = nullptr;
+
+namespace {
+
+constexpr int kSelectionIndex = 33, kHighlightIndex = 32;
+
+/// What of the host's state a section by the program sets aside.
+struct HostState {
+    GLint vertexArray = 0;
+    bool restarts = false;
+};
+
+struct RendererState {
+    MarkerColors colors{};
+    bool canDraw = false; ///< a context was current when the section began
+    HostState host;
+};
+
+RendererState& state() {
+    static RendererState state;
+    return state;
+}
+
+NShaderProgram* createProgram() {
+    auto* program = new (std::nothrow) ComposedProgram;
+    if (program && GLeeEnabled(GLeeVertexShader) && GLeeEnabled(GLeeFragmentShader))
+        program->buildMarkers();
+    if (!program || program->IsProgramValid())
+        return program;
+    delete program;
+    return nullptr;
+}
+
+/// The attribute belongs to no object of the host's, and every index is one of the shape.
+void setHostStateAside() {
+    HostState& host = state().host;
+    const int version = epoxy_gl_version();
+    host = {};
+    if (version >= 30)
+        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &host.vertexArray);
+    if (host.vertexArray != 0)
+        glBindVertexArray(0);
+    host.restarts = version >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART);
+    if (host.restarts)
+        glDisable(GL_PRIMITIVE_RESTART);
+}
+
+void giveHostStateBack() {
+    const HostState& host = state().host;
+    if (host.vertexArray != 0)
+        glBindVertexArray(static_cast<GLuint>(host.vertexArray));
+    if (host.restarts)
+        glEnable(GL_PRIMITIVE_RESTART);
+}
+
+void readPaletteColor(int index, float (&rgba)[4]) {
+    ngl_get_rgb_floats(index, rgba[0], rgba[1], rgba[2]);
+    rgba[3] = 1.0f;
+}
+
+void setSectionUniforms(NShaderProgram& program, bool clipped) {
+    _NglInfoStr& info = *NglGetNglInfo();
+    float modelView[16], projection[16];
+    glGetFloatv(GL_MODELVIEW_MATRIX, modelView);
+    glGetFloatv(GL_PROJECTION_MATRIX, projection);
+    program.SetMVPMatrices(projection, modelView, false);
+    program.SetUniform4x4Matrix(RenderUniformTextureMatrix, &info.textureMatrix[0][0]);
+    program.SetUniformValue(RenderUniformContourTexture, 0);
+    program.SetMateiralUniforms(&info.frontMaterial, &info.backMaterial);
+    program.SetLightUniforms(static_cast<int>(std::size(info.lights)), info.lights);
+    program.SetUniformValue(RenderUniformClipped, clipped);
+}
+
+void setBlendingUniforms(NShaderProgram& program) {
+    const bool blended = glIsEnabled(GL_BLEND);
+    program.SetUniformValue(RenderUniformTransparent, blended);
+    if (blended)
+        program.SetUniformValue(RenderUniformAlpha,
+                                static_cast<float>((ngl_get_blending_value() >> 24 & 0xFF) / 255.0));
+}
+
+} // namespace
+
+MarkerColors& markerColors() {
+    return state().colors;
+}
+
+// --- life --------------------------------------------------------------------------------------------------
+
+N3DMarkerRenderer::N3DMarkerRenderer()
+    : m_pShader(IsFastRendererEnabled() ? createProgram() : nullptr), m_pParkedShader(nullptr),
+      m_bShaderActive(0), m_pMarker(nullptr), m_bClip(false) {}
+
+N3DMarkerRenderer::N3DMarkerRenderer(const N3DMarkerRenderer&) = default;
+N3DMarkerRenderer& N3DMarkerRenderer::operator=(const N3DMarkerRenderer&) = default;
+
+N3DMarkerRenderer::~N3DMarkerRenderer() {
+    delete m_pShader;
+}
+
+N3DMarkerRenderer* N3DMarkerRenderer::GetInstance() {
+    if (!m_pInstance)
+        m_pInstance = new (std::nothrow) N3DMarkerRenderer;
+    return m_pInstance;
+}
+
+N3DMarker* N3DMarkerRenderer::GetMarkerInstance(_Render3DMarkerType type) {
+    switch (type) {
+    case RENDER_3D_MARKER_CYLINDER:
+        return N3DCylinder::GetInstance();
+    case RENDER_3D_MARKER_RIVET:
+        return N3DRivet::GetInstance();
+    case RENDER_3D_MARKER_CONE:
+        return N3DCone::GetInstance();
+    case RENDER_3D_MARKER_SPHERE:
+        return N3DSphere::GetInstance();
+    case RENDER_3D_MARKER_ARROW_ONE_WAY:
+        return N3DArrowOneWay::GetInstance();
+    default:
+        return nullptr;
+    }
+}
+
+N3DMarker* N3DMarkerRenderer::GetMarker() const {
+    return m_pMarker;
+}
+
+void N3DMarkerRenderer::SetClipFlag(bool clip) {
+    m_bClip = clip;
+}
+
+// --- sections ----------------------------------------------------------------------------------------------
+
+void N3DMarkerRenderer::Begin(_Render3DMarkerType type, _Render3DMarkerShape shape, bool forceFixedFunction) {
+    state().canDraw = glContextIsCurrent();
+    leaveShape();
+    m_pMarker = GetMarkerInstance(type);
+    if (!m_pMarker)
+        return;
+    if (forceFixedFunction && m_pShader) {
+        m_pParkedShader = m_pShader;
+        m_pShader = nullptr;
+    }
+    const bool byProgram = m_pShader && m_pShader->IsProgramValid() && state().canDraw;
+    if (byProgram)
+        beginProgram();
+    m_pMarker->Begin(byProgram ? m_pShader : nullptr, shape);
+}
+
+void N3DMarkerRenderer::beginProgram() {
+    readPaletteColor(kSelectionIndex, markerColors().selection);
+    readPaletteColor(kHighlightIndex, markerColors().highlight);
+    if (!m_bShaderActive)
+        setHostStateAside();
+    m_bShaderActive = 1;
+    m_pShader->UseProgram(true);
+    setSectionUniforms(*m_pShader, m_bClip);
+    const int position = m_pShader->GetVertexAttributeLocation(RenderAttribPosition);
+    if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
+        glVertexAttribDivisor(static_cast<GLuint>(position), 0);
+}
+
+/// The buffers of a section by the program, which an enabled attribute would carry into what comes next.
+void N3DMarkerRenderer::leaveShape() {
+    if (m_bShaderActive && m_pShader && m_pMarker && state().canDraw)
+        m_pMarker->End(m_pShader);
+}
+
+int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vector, float lengthScale,
+                            float widthRatio, const NgColorLong* color, bool contoured, float texCoord1,
+                            float texCoord2, int selected, int highlighted) {
+    if (!m_pMarker || !state().canDraw)
+        return 0;
+    float rgba[4] = {0, 0, 0, 1};
+    if (color)
+        ngl_get_floats_from_color_long(*color, rgba[0], rgba[1], rgba[2]);
+    else
+        glGetFloatv(GL_CURRENT_COLOR, rgba);
+    NShaderProgram* program = m_bShaderActive ? m_pShader : nullptr;
+    if (program)
+        setBlendingUniforms(*program);
+    // The shapes' interface takes pointers to what they only read.
+    m_pMarker->Draw(program, const_cast<_NgFPoint3Str*>(start), const_cast<_NgFPoint3Str*>(vector),
+                    lengthScale, widthRatio, rgba, contoured, texCoord1, texCoord2, selected, highlighted);
+    return 1;
+}
+
+void N3DMarkerRenderer::End() {
+    state().canDraw = glContextIsCurrent();
+    leaveShape();
+    if (m_bShaderActive && state().canDraw) {
+        glUseProgram(0);
+        giveHostStateBack();
+    }
+    m_bShaderActive = 0;
+    m_pMarker = nullptr;
+    if (m_pParkedShader) {
+        m_pShader = m_pParkedShader;
+        m_pParkedShader = nullptr;
+    }
+}
