@@ -83,7 +83,8 @@ N3DCylinder::N3DCylinder(const N3DCylinder&) = default;
 N3DCylinder& N3DCylinder::operator=(const N3DCylinder&) = default;
 
 N3DCylinder* N3DCylinder::GetInstance() {
-    return madeOnce(m_pInstance, +[] { return new (std::nothrow) N3DCylinder; });
+    return madeOnce(
+        m_pInstance, +[] { return new (std::nothrow) N3DCylinder; });
 }
 
 void N3DCylinder::CreateUnitInstance(_Render3DMarkerShape shape) {
@@ -109,7 +110,8 @@ N3DCone::N3DCone(const N3DCone&) = default;
 N3DCone& N3DCone::operator=(const N3DCone&) = default;
 
 N3DCone* N3DCone::GetInstance() {
-    return madeOnce(m_pInstance, +[] { return new (std::nothrow) N3DCone; });
+    return madeOnce(
+        m_pInstance, +[] { return new (std::nothrow) N3DCone; });
 }
 
 void N3DCone::CreateUnitInstance(_Render3DMarkerShape shape) {
@@ -133,7 +135,8 @@ N3DArrowOneWay::N3DArrowOneWay(const N3DArrowOneWay&) = default;
 N3DArrowOneWay& N3DArrowOneWay::operator=(const N3DArrowOneWay&) = default;
 
 N3DArrowOneWay* N3DArrowOneWay::GetInstance() {
-    return madeOnce(m_pInstance, +[] { return new (std::nothrow) N3DArrowOneWay; });
+    return madeOnce(
+        m_pInstance, +[] { return new (std::nothrow) N3DArrowOneWay; });
 }
 
 void N3DArrowOneWay::CreateUnitInstance(_Render3DMarkerShape shape) {
@@ -163,7 +166,8 @@ N3DRivet::N3DRivet(const N3DRivet&) = default;
 N3DRivet& N3DRivet::operator=(const N3DRivet&) = default;
 
 N3DRivet* N3DRivet::GetInstance() {
-    return madeOnce(m_pInstance, +[] { return new (std::nothrow) N3DRivet; });
+    return madeOnce(
+        m_pInstance, +[] { return new (std::nothrow) N3DRivet; });
 }
 
 void N3DRivet::CreateUnitInstance(_Render3DMarkerShape shape) {
@@ -208,7 +212,8 @@ N3DSphere::N3DSphere(const N3DSphere&) = default;
 N3DSphere& N3DSphere::operator=(const N3DSphere&) = default;
 
 N3DSphere* N3DSphere::GetInstance() {
-    return madeOnce(m_pInstance, +[] { return new (std::nothrow) N3DSphere; });
+    return madeOnce(
+        m_pInstance, +[] { return new (std::nothrow) N3DSphere; });
 }
 
 void N3DSphere::CreateUnitInstance(_Render3DMarkerShape) {

@@ -25,22 +25,24 @@ enum _Render3DMarkerShape : std::int32_t {
     RENDER_3D_MARKER_SHAPE_COARSE = 2, ///< 4
 };
 
-/// A shape of which one unit instance, kept in client memory and on the GPU, is drawn many times. The position
-/// of a vertex is its normal too. Copies are shallow: the first one destroyed takes the geometry of all.
+/// A shape of which one unit instance, kept in client memory and on the GPU, is drawn many times. The
+/// position of a vertex is its normal too. Copies are shallow: the first one destroyed takes the geometry of
+/// all.
 class NRENDERUTL_API N3DMarker {
 public:
     N3DMarker(const N3DMarker&);
     N3DMarker& operator=(const N3DMarker&);
     /// Frees the geometry.
     virtual ~N3DMarker();
-    /// Builds the geometry of a resolution; the one now built is kept. An unknown resolution has no triangles.
+    /// Builds the geometry of a resolution; the one now built is kept. An unknown resolution has no
+    /// triangles.
     virtual void CreateUnitInstance(_Render3DMarkerShape shape) = 0;
-    /// Draws one marker with the program in use, between Begin and End, or without a program by fixed function
-    /// in the current colour. a is the start and b the vector to the end; of a sphere the centre and the three
-    /// diameters. lengthScale stretches the vector if above 0; widthRatio is the diameter by the drawn length,
-    /// 0 for 1/6. A line shorter than 1e-5 draws nothing. rgba is the colour unless contoured, which takes
-    /// texCoord1 for the first half of the vertices and texCoord2 for the rest (fixed function only the
-    /// first), or the colour of selection or highlight. Only reads what the pointers name.
+    /// Draws one marker with the program in use, between Begin and End, or without a program by fixed
+    /// function in the current colour. a is the start and b the vector to the end; of a sphere the centre and
+    /// the three diameters. lengthScale stretches the vector if above 0; widthRatio is the diameter by the
+    /// drawn length, 0 for 1/6. A line shorter than 1e-5 draws nothing. rgba is the colour unless contoured,
+    /// which takes texCoord1 for the first half of the vertices and texCoord2 for the rest (fixed function
+    /// only the first), or the colour of selection or highlight. Only reads what the pointers name.
     virtual void Draw(NShaderProgram* program, _NgFPoint3Str* a, _NgFPoint3Str* b, float lengthScale,
                       float widthRatio, float* rgba, bool contoured, float texCoord1, float texCoord2,
                       int selected, int highlighted);
@@ -191,9 +193,9 @@ private:
 /// Beginning again without an end just begins again. Needs a current context.
 NRENDERUTL_API void RenderBegin3DMarkerDraw(_Render3DMarkerType type, _Render3DMarkerShape shape,
                                             bool forceFixedFunction);
-/// Draws one marker that is no sphere, as N3DMarker::Draw. A null color is GL's current one; the alpha byte of
-/// another does not count. With GL_BLEND the alpha is the blending value. 1, or 0 with a diagnostic for a call
-/// outside a section or in one of spheres.
+/// Draws one marker that is no sphere, as N3DMarker::Draw. A null color is GL's current one; the alpha byte
+/// of another does not count. With GL_BLEND the alpha is the blending value. 1, or 0 with a diagnostic for a
+/// call outside a section or in one of spheres.
 NRENDERUTL_API int RenderDraw3DMarker(const _NgFPoint3Str* start, const _NgFPoint3Str* vector,
                                       float lengthScale, float widthRatio, const NgColorLong* color,
                                       bool contoured, float texCoord1, float texCoord2, int selected,

@@ -7,6 +7,7 @@
 
 #include "NRenderUtl/mesh/batchprogram.h"
 #include "NRenderUtl/shaders/samplerunits.h"
+#include "NRenderUtl/shaders/shadercatalogue.h"
 #include "NRenderUtl/shaders/shadernames.h"
 #include "tests/shaders/shaderscene.h"
 
@@ -21,15 +22,25 @@ Names names(const char* text) {
     return {std::istream_iterator<std::string>(words), {}};
 }
 
+Names join(std::initializer_list<Names> groups) {
+    Names all;
+    for (const Names& group : groups)
+        all.insert(group.begin(), group.end());
+    return all;
+}
+
 const Names kTransform = names("g_mvmat g_projmat g_texmat g_color g_clipped g_use_clr_scale");
 const Names kMeshVertex = names("g_normalmat g_smooth g_norm_excl_sharpedge g_ct g_usepbrmat");
-const Names kLighting =
+const Names kClassicLighting =
     names("g_lights[].status g_lights[].ambient g_lights[].diffuse g_lights[].specular "
           "g_lights[].position g_lights[].constattn g_lights[].linattn g_lights[].quadattn "
-          "g_pbrlights[].status g_pbrlights[].position g_frontmat.emission g_frontmat.specular "
-          "g_frontmat.shininess g_backmat.emission g_backmat.specular g_backmat.shininess "
-          "g_pbrMat.metalness g_pbrMat.roughness g_pbrMat.reflectivity g_lightsOff g_usepbrmat "
-          "g_hdrreflection g_cameraposition g_irradianceMap g_prefilterMap g_brdfLUT");
+          "g_frontmat.emission g_frontmat.specular g_frontmat.shininess g_backmat.emission "
+          "g_backmat.specular g_backmat.shininess");
+const Names kLighting =
+    join({kClassicLighting,
+          names("g_pbrlights[].status g_pbrlights[].position g_pbrMat.metalness g_pbrMat.roughness "
+                "g_pbrMat.reflectivity g_lightsOff g_usepbrmat g_hdrreflection g_cameraposition "
+                "g_irradianceMap g_prefilterMap g_brdfLUT")});
 const Names kContour =
     names("g_clr_bands[].min_val g_clr_bands[].max_val g_clr_bands[].color g_num_clr_bands "
           "g_band_min_val g_band_max_val g_oor_min_clr g_oor_max_clr g_bts g_ttf g_tsf g_tbuff "
@@ -44,16 +55,11 @@ const Names kSides = names("g_bw g_bsw g_bfbcol g_fcolor g_bcolor");
 const Names kElementNormals = names("g_useelemnormbuff g_elnormbuff g_fporgconnbuff");
 const Names kBatch = names("g_mvmat g_projmat g_clipped g_ptsize");
 const Names kPoints = names("g_ptsize_scale g_advdisp g_advparamset");
+const Names kMarkers = names("g_mvmat g_projmat g_texmat g_clipped g_transmat g_colorwithalpha g_bct g_ctt "
+                             "g_halfvertcnt g_texcoord1 g_texcoord2");
 /// Of the vocabulary, what no program reads; a driver may keep it with the rest of its structure.
-const Names kForHosts = names("g_transmat g_colorwithalpha g_frontmat.ambient g_frontmat.diffuse "
+const Names kForHosts = names("g_frontmat.ambient g_frontmat.diffuse "
                               "g_backmat.ambient g_backmat.diffuse g_pbrMat.amb_occlusion");
-
-Names join(std::initializer_list<Names> groups) {
-    Names all;
-    for (const Names& group : groups)
-        all.insert(group.begin(), group.end());
-    return all;
-}
 
 struct ProgramRow {
     const char* name;
@@ -69,6 +75,8 @@ std::vector<ProgramRow> programRows() {
     const Names attributes = {"g_pos_attrib", "g_tex_attrib", "g_vnorm_attrib", "g_norm_attrib"};
     const auto ofType = RenderingGetShaderProgram;
     NglBatchBegin(1, 0); // builds the programs
+    static ComposedProgram markers;
+    markers.buildMarkers();
     return {{"NRenderUtl mesh", ofType(RenderShaderMesh), fragment, attributes},
             {"NRenderUtl mesh triangles", ofType(RenderShaderMeshTriangles), mesh, attributes},
             {"NRenderUtl mesh quads", ofType(RenderShaderMeshQuads), mesh, attributes},
@@ -76,6 +84,7 @@ std::vector<ProgramRow> programRows() {
              ofType(RenderShaderPoints),
              points,
              {"g_pos_attrib", "g_tex_attrib", "g_param_size_attrib", "g_diameter_attrib"}},
+            {"NRenderUtl markers", &markers, join({kMarkers, kClassicLighting, kOutput}), {"g_pos_attrib"}},
             {"NRenderUtl batch",
              &batchProgram(true),
              join({kBatch, kContour, names("g_texmat g_use_clr_scale g_es_col g_eh_col")}),
