@@ -288,20 +288,36 @@ public:
     UnpackGuard& operator=(const UnpackGuard&) = delete;
 };
 
-/// Pixels go to and from textures as they are.
+/// Colours go to and from textures as they are.
 class PlainTransferGuard {
 public:
     PlainTransferGuard() {
-        glPushAttrib(GL_PIXEL_MODE_BIT);
-        for (const GLenum scale : {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE})
-            glPixelTransferf(scale, 1.0f);
-        for (const GLenum bias : {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS})
-            glPixelTransferf(bias, 0.0f);
-        glPixelTransferi(GL_MAP_COLOR, GL_FALSE);
+        GLfloat* value = m_values;
+        for (const GLenum scale : kScales)
+            replace(scale, 1.0f, *value++);
+        for (const GLenum bias : kBiases)
+            replace(bias, 0.0f, *value++);
+        replace(GL_MAP_COLOR, 0.0f, *value);
     }
-    ~PlainTransferGuard() { glPopAttrib(); }
+    ~PlainTransferGuard() {
+        const GLfloat* value = m_values;
+        for (const GLenum scale : kScales)
+            glPixelTransferf(scale, *value++);
+        for (const GLenum bias : kBiases)
+            glPixelTransferf(bias, *value++);
+        glPixelTransferf(GL_MAP_COLOR, *value);
+    }
     PlainTransferGuard(const PlainTransferGuard&) = delete;
     PlainTransferGuard& operator=(const PlainTransferGuard&) = delete;
+
+private:
+    static constexpr GLenum kScales[] = {GL_RED_SCALE, GL_GREEN_SCALE, GL_BLUE_SCALE, GL_ALPHA_SCALE};
+    static constexpr GLenum kBiases[] = {GL_RED_BIAS, GL_GREEN_BIAS, GL_BLUE_BIAS, GL_ALPHA_BIAS};
+    static void replace(GLenum name, GLfloat plain, GLfloat& was) {
+        glGetFloatv(name, &was);
+        glPixelTransferf(name, plain);
+    }
+    GLfloat m_values[9];
 };
 
 /// Switches features off.

@@ -19,7 +19,6 @@ struct {
 
 /// State of the host's that drawing into the maps needs otherwise or changes.
 struct CaptureState {
-    const PlainTransferGuard transfer; // first: it keeps the read buffer too, of the host's framebuffer
     const FramebufferGuard framebuffer;
     const ProgramInUseGuard program;
     const VertexArrayGuard vertexArray;
@@ -32,6 +31,7 @@ struct CaptureState {
     const NoClipPlanesGuard clipPlanes;
     const DisabledGuard disabled{GL_ALPHA_TEST,   GL_BLEND,        GL_COLOR_LOGIC_OP,    GL_DEPTH_TEST,
                                  GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_RASTERIZER_DISCARD};
+    const PlainTransferGuard transfer;
     const UnpackGuard unpack;
 };
 
@@ -41,13 +41,14 @@ bool canBuildMaps() {
 
 } // namespace
 
-void endOfPiece(const BuildStep& step, double part) {
+void endOfPiece(int step, double part) {
     if (!progress.function) {
         glFlush();
         return;
     }
     glFinish();
-    progress.function(progress.context, step.name, step.start + part * (step.end - step.start));
+    const auto& [name, start, end] = kBuildSteps[step];
+    progress.function(progress.context, name, start + part * (end - start));
 }
 
 bool NImageBasedLightHandler::Program::Build(const char* label, const char* vertexSource,
@@ -110,18 +111,19 @@ void NImageBasedLightHandler::InitializeIBL() {
 void NImageBasedLightHandler::BuildMaps() {
     const CaptureState state;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-    endOfPiece(kEnvironmentStep, 0.0);
+    endOfPiece(EnvironmentStep, 0.0);
+    CreateFrameBuffers();
     CreateTextureMaps();
-    if (CreateFrameBuffers()) {
-        GenerateEnvironmentTextureCubeMap();
-        CaptureIrradicaeMap();
-        CapturePreFilterMap();
-        CaptureBRDFLUTTexture();
-        CleanUpTransientData();
-    } else {
+    if (!CanDrawMaps()) {
         CleanUpAllData();
         m_buildFailed = true;
+        return;
     }
+    GenerateEnvironmentTextureCubeMap();
+    CaptureIrradicaeMap();
+    CapturePreFilterMap();
+    CaptureBRDFLUTTexture();
+    CleanUpTransientData();
 }
 
 bool NImageBasedLightHandler::InitShaderPrograms() {

@@ -19,14 +19,22 @@ public:
     bool Build(const char* label, const char* vertexSource, std::initializer_list<const char*> fragmentParts);
 };
 
-/// Shares of a build's time, as measured with a software driver, and what it says about them.
-struct BuildStep {
+/// The parts of a build: what each says, and its share of the time, as measured with a software driver. The
+/// levels of the prefiltered map follow each other.
+enum BuildStep {
+    EnvironmentStep,
+    IrradianceStep,
+    PrefilterStep,
+    BrdfTableStep = PrefilterStep + kPrefilterLevels
+};
+constexpr struct {
     const char* name;
     double start, end;
-};
-constexpr BuildStep kEnvironmentStep{"environment", 0.0, 0.02}, kIrradianceStep{"irradiance", 0.02, 0.8},
-    kPrefilterStep{"reflections", 0.8, 0.95}, kBrdfTableStep{"reflectance table", 0.95, 1.0};
+} kBuildSteps[] = {{"environment", 0.0, 0.01},    {"irradiance", 0.01, 0.76},
+                   {"reflections", 0.76, 0.765},  {"reflections", 0.765, 0.865},
+                   {"reflections", 0.865, 0.925}, {"reflections", 0.925, 0.945},
+                   {"reflections", 0.945, 0.95},  {"reflectance table", 0.95, 1.0}};
 
 /// Tells that a part of a step, from 0 to 1, is drawn. The driver finishes it before if someone listens, and
 /// starts on it in any case, so that none sees seconds of work at once.
-void endOfPiece(const BuildStep& step, double part);
+void endOfPiece(int step, double part);

@@ -88,6 +88,12 @@ public:
 
     int width() const { return kCubeFaces * cell; }
     int left(int face) const { return face * cell; }
+    void copyTo(GLuint cube, int level, int size) const {
+        glBindTexture(GL_TEXTURE_CUBE_MAP, cube);
+        for (int face = 0; face < kCubeFaces; ++face)
+            glCopyTexSubImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(face), level, 0, 0,
+                                left(face), 0, size, size);
+    }
     const int cell;
 
 private:
@@ -174,7 +180,7 @@ void NImageBasedLightHandler::GenerateEnvironmentTextureCubeMap() {
     CaptureEnvironmentCubeMap(source);
     if (source != 0)
         glDeleteTextures(1, &source);
-    endOfPiece(kEnvironmentStep, 1.0);
+    endOfPiece(EnvironmentStep, 1.0);
 }
 
 /// Without a source the faces are black.
@@ -200,23 +206,23 @@ void NImageBasedLightHandler::CaptureEnvironmentCubeMap(unsigned int sourceTextu
 
 void NImageBasedLightHandler::CaptureIrradicaeMap() {
     m_irradianceProgram->UseProgram(true);
-    ConvolveFaces(*m_irradianceProgram, m_irradianceMap, 0, kIrradianceSize);
+    ConvolveFaces(*m_irradianceProgram, IrradianceStep, m_irradianceMap, 0, kIrradianceSize);
 }
 
 void NImageBasedLightHandler::CapturePreFilterMap() {
     m_prefilterProgram->UseProgram(true);
     for (int level = 0; level < kPrefilterLevels; ++level) {
         m_prefilterProgram->SetUniformValue("g_roughness", 0.25f * static_cast<float>(level));
-        ConvolveFaces(*m_prefilterProgram, m_prefilterMap, level, kPrefilterSize >> level);
+        ConvolveFaces(*m_prefilterProgram, PrefilterStep + level, m_prefilterMap, level,
+                      kPrefilterSize >> level);
     }
 }
 
-/// Draws the faces of one level by the program in use, from the environment.
-void NImageBasedLightHandler::ConvolveFaces(Program& program, unsigned int cube, int level, int size) {
+/// Draws the faces of one level by the program in use, from the environment: some rows of all faces at a
+/// time.
+void NImageBasedLightHandler::ConvolveFaces(Program& program, int step, unsigned int cube, int level,
+                                            int size) {
     constexpr int kPieces = 8;
-    const bool isIrradiance = cube == m_irradianceMap;
-    const BuildStep& step = isIrradiance ? kIrradianceStep : kPrefilterStep;
-    const double levels = isIrradiance ? 1.0 : kPrefilterLevels;
     const FaceStrip strip(size);
     SetPassSize(strip.width(), strip.cell);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -230,13 +236,10 @@ void NImageBasedLightHandler::ConvolveFaces(Program& program, unsigned int cube,
             SetFaceMatrices(program, face, kIdentity);
             RenderEnvCube();
         }
-        endOfPiece(step, (level + (piece + 1.0) / kPieces) / levels);
+        endOfPiece(step, (piece + 1.0) / kPieces);
     }
     glDisable(GL_SCISSOR_TEST);
-    glBindTexture(GL_TEXTURE_CUBE_MAP, cube);
-    for (int face = 0; face < kCubeFaces; ++face)
-        glCopyTexSubImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + static_cast<GLenum>(face), level, 0, 0,
-                            strip.left(face), 0, size, size);
+    strip.copyTo(cube, level, size);
 }
 
 void NImageBasedLightHandler::CaptureBRDFLUTTexture() {
@@ -245,5 +248,5 @@ void NImageBasedLightHandler::CaptureBRDFLUTTexture() {
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     m_brdfProgram->UseProgram(true);
     RenderQuad();
-    endOfPiece(kBrdfTableStep, 1.0);
+    endOfPiece(BrdfTableStep, 1.0);
 }

@@ -94,6 +94,15 @@ void removeAll(Function entryPoint, std::initializer_list<GLuint*> names) {
 
 // --- making ------------------------------------------------------------------------------------------------
 
+void NImageBasedLightHandler::CreateFrameBuffers() {
+    glGenFramebuffers(1, &m_captureFramebuffer);
+    glGenRenderbuffers(1, &m_captureDepthBuffer);
+    glBindFramebuffer(GL_FRAMEBUFFER, m_captureFramebuffer);
+    glBindRenderbuffer(GL_RENDERBUFFER, m_captureDepthBuffer);
+    SetPassSize(kEnvironmentSize, kEnvironmentSize);
+    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_captureDepthBuffer);
+}
+
 void NImageBasedLightHandler::CreateTextureMaps() {
     m_environmentMap = makeCube(kEnvironmentSize, 1, "NRenderUtl environment");
     m_irradianceMap = makeCube(kIrradianceSize, 1, "NRenderUtl irradiance");
@@ -105,14 +114,8 @@ void NImageBasedLightHandler::CreateTextureMaps() {
     labelGlObject(GL_TEXTURE, m_brdfTable, "NRenderUtl reflectance");
 }
 
-/// Whether the driver can draw into the maps' formats.
-bool NImageBasedLightHandler::CreateFrameBuffers() {
-    glGenFramebuffers(1, &m_captureFramebuffer);
-    glGenRenderbuffers(1, &m_captureDepthBuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, m_captureFramebuffer);
-    glBindRenderbuffer(GL_RENDERBUFFER, m_captureDepthBuffer);
-    SetPassSize(kEnvironmentSize, kEnvironmentSize);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_captureDepthBuffer);
+/// GL leaves it to the driver whether textures of three half floats can be drawn into.
+bool NImageBasedLightHandler::CanDrawMaps() const {
     const auto isComplete = [](GLenum target, GLuint texture) {
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, target, texture, 0);
         return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;

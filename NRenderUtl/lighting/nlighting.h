@@ -74,7 +74,7 @@ private:
     bool InitShaderPrograms();
     bool InitSkyBoxShaderProgram();
     void InitCaptureViewMatrices();
-    bool CreateFrameBuffers();
+    void CreateFrameBuffers();
     void CreateTextureMaps();
     void GenerateEnvironmentTextureCubeMap();
     void CaptureEnvironmentCubeMap(unsigned int sourceTexture);
@@ -93,9 +93,10 @@ private:
     void CleanUpAllData();
 
     void BuildMaps();
-    void SetPassSize(int width, int height);
+    bool CanDrawMaps() const;
+    static void SetPassSize(int width, int height);
     void SetFaceMatrices(Program& program, int face, const float* model);
-    void ConvolveFaces(Program& program, unsigned int cube, int level, int size);
+    void ConvolveFaces(Program& program, int step, unsigned int cube, int level, int size);
 
     bool m_initialised;
     unsigned int m_cubeVertexArray, m_cubeVertexBuffer;
