@@ -1,4 +1,4 @@
-// 3D markers, and the state of markers and annotations that is refreshed whenever the view record changes.
+// 3D markers, symbols and annotations, with the state that is refreshed whenever the view record changes.
 #pragma once
 
 #include <cstdint>
@@ -211,7 +211,7 @@ NRENDERUTL_API void RenderEnd3DMarkerDraw();
 // --- state that follows the view record --------------------------------------------------------------------
 
 /// Refreshes the markers' cached matrices (16 floats each, column-major) and ortho scale (model length of a
-/// pixel).
+/// pixel), and the symbols' with them (UtlSymInit).
 NRENDERUTL_API void UtlMarkerInit(const float* modelView, const float* projection, float pixelSize);
 
 /// Height of managed annotation text; 0 means the default height.
@@ -219,3 +219,96 @@ NRENDERUTL_API void UtlDrawSetManagedTextDrawHeight(double height);
 NRENDERUTL_API double UtlDrawGetManagedTextDrawHeight();
 /// Sets the managed text height back to 0.
 NRENDERUTL_API void UtlDrawInitializeManagedTextDraw();
+
+// --- symbols -----------------------------------------------------------------------------------------------
+//
+// Small drawings that the host defines as data and that keep their size on the screen. A symbol is a chain of
+// parts; each has a scale of its own, one of the parameters that the function which places it passes, times
+// the ortho scale. Part i starts at an offset, in units of part i - 1 (model units for the first), from where
+// part i - 1 started.
+
+/// One primitive, in units of its part.
+struct utl_symbol_primitive_s {
+    /// 0 stores points[0] in offset register `count`, 1 line points[0] to points[1], 2 polyline of the array,
+    /// 3 and 4 filled convex polygon of it; others are ignored.
+    std::int16_t kind;
+    std::int16_t count; ///< points of array, or the register
+    union {
+        _NgPoint3Str points[2];
+        const _NgPoint3Str* array; ///< of a polygon count + 1 points: its first one again behind the last
+    } data;
+};
+
+struct utl_parametric_symbol_data_s {
+    std::int16_t parameter;      ///< which parameter scales the part; one that is not passed leaves it out
+    std::int16_t offsetRegister; ///< register with the part's offset; 0 is always no offset
+    std::int16_t primitiveCount;
+    const utl_symbol_primitive_s* primitives;
+    double nominalLength; ///< unscaled length, by which line symbols are fitted between their points
+    void* hostData;       ///< the host's
+};
+
+struct utl_symbols {
+    void* hostData; ///< the host's
+    std::int16_t partCount;
+    const utl_parametric_symbol_data_s* parts;
+};
+
+/// Refreshes the symbols' matrix (16 doubles) and ortho scale, the model length of a pixel. UtlMarkerInit
+/// does it. The int is not read; a null pointer leaves its value as it was.
+NRENDERUTL_API void UtlSymInit(const double* matrix, int unused, const float* scale);
+/// The host's symbols by slot; they must outlive their use.
+NRENDERUTL_API void UtlSetSymbolList(utl_symbols* list, std::uint16_t count);
+NRENDERUTL_API utl_symbols* UtlGetSymbolList();
+/// The ortho scale, kept as float; 1 at start.
+NRENDERUTL_API void UtlSymSetOrthoScale(double scale);
+NRENDERUTL_API double UtlSymGetOrthoScale();
+/// How near a pick must be to a segment, in pixels; 3 at start.
+NRENDERUTL_API void UtlSetSymPickSnapValue(int pixels);
+/// Non-zero: springs are drawn also where they do not fit between their points.
+NRENDERUTL_API void UtlSetSpringDrawMode(int mode);
+
+/// Draws a symbol's parts at the current matrix in the current colour. parameters must have all that the
+/// parts refer to. Registers that kind 0 stores keep their values for later symbols.
+NRENDERUTL_API void utl_symbol_draw(const double* parameters, int partCount,
+                                    const utl_parametric_symbol_data_s* parts);
+
+// Symbols at model points, facing the viewer, in the current colour. The pick functions test the outlines of
+// what the others draw against a pixel, y downward as ngl_transform_32 gives it, by the view record; both
+// need the current context. They return 0 when drawn or hit; -1 without list or point, and when missed; -2
+// for a kind, direction or size mode that is not known; -3 (point symbols: -2) when the list does not reach
+// to the slot. GL's state and the record are left as they were, the record's matrices as no longer current.
+
+/// Kind 8 and 16: slot 6; 9: 5; 10: 4; 17: 9; 18: 10; 19: 11; 21: 13. Parameters (0.5). Drawn at z = 0 of the
+/// view, or at the point's own depth where the view's depth range leaves that out.
+NRENDERUTL_API int utl_disp_point_symbol(const _NgPoint3Str* point, int kind);
+NRENDERUTL_API int utl_pick_point_symbol(const _NgPoint3Str* point, int kind, int x, int y);
+/// Between two points. Kind 1: slot 3; 11: 0; 12: 1; 13: 2; 14: 14; 15: 8; 20: 12; 22: 15. With the length L
+/// between the points in pixels, L0 and L1 the nominal lengths of parts 0 and 1 and s = (L - L1) / (2 L0) the
+/// parameters are (s, 1, s), for slot 8 (L / L0), for slot 12 (1, 1) and for slot 15 (0, 1, 0). Slot 14 takes
+/// L in model units, as its own lengths are, and is not scaled with the pixel. The symbol's x axis runs from
+/// the first point to the second. The springs, slots 0 to 2, are drawn with the line between the points and
+/// about its middle, but picked from the first point on: to pick one, hand in the middle, and beyond it a
+/// point as far away as the second is from the first. A spring with L < L1 is drawn in spring draw mode only,
+/// with s = -L1 / (2 L0). Points that coincide in the view return 0 and draw nothing, also when picked.
+NRENDERUTL_API int utl_disp_line_symbol(const _NgPoint3Str points[2], int kind);
+NRENDERUTL_API int utl_pick_line_symbol(const _NgPoint3Str points[2], int kind, int x, int y);
+/// The same; the line of slots 0 to 2 carries c1 and c2 as RenderingDrawLine does.
+NRENDERUTL_API int utl_disp_line_symbol_WithContour(const _NgPoint3Str points[2], int kind, float c1,
+                                                    float c2);
+/// The symbol's x axis along a model axis: direction 2 to 7 is +x, -x, +y, -y, +z, -z. Size mode 0: slot 7
+/// with parameters (1.5, 1.5), 1: slot 3 with (1, 1, 1). An axis that points at the viewer, or away, is drawn
+/// along the view.
+NRENDERUTL_API int utl_disp_axis_symbol(const _NgPoint3Str* point, int direction, int sizeMode);
+NRENDERUTL_API int utl_pick_axis_symbol(const _NgPoint3Str* point, int direction, int sizeMode, int x, int y);
+/// Turned, from the view's axes, by anglesDeg[k] about axes[k] (0 x, 1 y, 2 z; others turn nothing) for k =
+/// last, last - 1, ... 0. Sizes as for axis symbols.
+NRENDERUTL_API int utl_disp_orient_symbol(const _NgPoint3Str* point, int last, const int axes[],
+                                          const double anglesDeg[], int sizeMode);
+NRENDERUTL_API int utl_pick_orient_symbol(const _NgPoint3Str* point, int last, const int axes[],
+                                          const double anglesDeg[], int sizeMode, int x, int y);
+
+/// 0 when (px, py) is within tol of the segment in screen coordinates, else -1. *fx, *fy (null: not wanted):
+/// the foot of the point on the segment's line. A horizontal segment must run from left to right.
+NRENDERUTL_API int UtlCheckLineSnap(double tol, double px, double py, double x1, double y1, double x2,
+                                    double y2, double* fx, double* fy);

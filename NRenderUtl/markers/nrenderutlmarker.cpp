@@ -25,4 +25,7 @@ void UtlMarkerInit(const float* modelView, const float* projection, float pixelS
     std::copy_n(modelView, 16, view.modelView);
     std::copy_n(projection, 16, view.projection);
     view.orthoScale = pixelSize;
+    double symbolMatrix[16];
+    std::copy_n(modelView, 16, symbolMatrix);
+    UtlSymInit(symbolMatrix, 0, &pixelSize);
 }
