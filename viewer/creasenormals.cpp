@@ -82,9 +82,9 @@ PointCorners gatherCorners(const ShownModel& shown) {
 
 /// The file's normal of a point in a cell; zero without one.
 Normal fileNormal(const ShownModel& shown, std::uint32_t cell, std::uint32_t point) {
-    const Model& model = shown.model;
-    if (model.cornerNormals.empty() || shown.deformFactor != 0.0)
+    if (!shown.hasFileNormals)
         return {};
+    const Model& model = shown.model;
     const auto nodes = model.cellNodes(cell);
     const auto end = nodes.begin() + static_cast<std::ptrdiff_t>(std::min(nodes.size(), kMostCompared));
     const auto found = std::find(nodes.begin(), end, point);

@@ -14,7 +14,7 @@ struct ShadedVertices {
     std::vector<std::array<float, 3>> normals; ///< of unit length
 };
 
-/// A corner takes the file's normal if it has one and the model is not deformed. Else its normal is the mean
+/// A corner takes the file's normal where the shown model has it. Else its normal is the mean
 /// of the shown faces about its point that meet its own face at the crease angle or less, by their angles
 /// there.
 ShadedVertices shadeVertices(const ShownModel& shown);

@@ -129,7 +129,8 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
               "smooth (default) with sharp edges kept, by triangle, or by element face");
     addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
-              "largest angle between faces that are shaded as one (default 30)");
+              "largest angle between faces that are shaded as one, in place of the file's normals "
+              "(default: the file's normals, else 30)");
     addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
               "of the faces: 0 invisible to 1 opaque (default)");
     addParsed(

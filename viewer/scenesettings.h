@@ -46,7 +46,7 @@ struct ShownSettings {
     std::optional<double> deformFactor = {}; ///< nothing: automatic
     std::string deformBy = {};               ///< the displacement field; empty: found by its name
     ElementSettings elements = {};
-    double creaseDeg = 30.0; ///< faces that meet at a larger angle are not shaded as one
+    std::optional<double> creaseDeg = {}; ///< nothing: the file's normals, else 30 degrees
 };
 
 enum class EdgeMode { All, Feature, None };

@@ -117,7 +117,8 @@ Point ShownModel::drawn(const Point& position) const {
 ShownModel showModel(Model model, const ShownSettings& settings) {
     ShownModel shown;
     shown.model = std::move(model);
-    shown.creaseDeg = settings.creaseDeg;
+    shown.creaseDeg = settings.creaseDeg.value_or(shown.creaseDeg);
+    shown.hasFileNormals = !shown.model.cornerNormals.empty() && !settings.creaseDeg && !settings.deformed;
     if (settings.step)
         checkStep(shown.model, *settings.step);
     shown.elements = elementFacts(shown.model, settings.elements, settings.step);

@@ -22,7 +22,8 @@ struct ShownModel {
     double unit = 1.0;         ///< model length that is drawn as 1, a power of 2
     std::optional<Scalars> scalars;
     double deformFactor = 0.0;
-    double creaseDeg = 30.0; ///< faces that meet at a larger angle are not shaded as one
+    double creaseDeg = 30.0;     ///< faces that meet at a larger angle are not shaded as one
+    bool hasFileNormals = false; ///< corners take the model's normals where it has them
 
     /// Where a position of the model, deformed when asked for, is drawn.
     Point drawn(const Point& position) const;

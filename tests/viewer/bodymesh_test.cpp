@@ -35,7 +35,7 @@ Model makePrism(std::uint32_t n, bool triangles) {
     return model;
 }
 
-ShownModel show(Model model, double creaseDeg = 30.0) {
+ShownModel show(Model model, std::optional<double> creaseDeg = {}) {
     ShownSettings settings;
     settings.creaseDeg = creaseDeg;
     return showModel(std::move(model), settings);
@@ -156,6 +156,7 @@ TEST(BodyMesh, TakesTheFilesNormalsAndLeavesHiddenFacesOut) {
     ASSERT_EQ(count(split), 7u);
     EXPECT_EQ(at(split.normals, split.quads[1]), (Point{given[0], given[1], given[2]}));
     EXPECT_LT(length(at(split.normals, split.quads[4]) - mean), 1e-6) << "none in the file";
+    EXPECT_EQ(count(makeBodyMeshes(show(model, 30.0)).at(0)), 6u) << "an angle is asked for";
 
     ShownSettings settings;
     settings.elements.hidden = {{0, 0}};
