@@ -9,6 +9,7 @@
 #include "viewer/elasticity.h"
 #include "viewer/error.h"
 #include "viewer/fields.h"
+#include "viewer/flange.h"
 #include "viewer/vectors.h"
 
 namespace nruview {
@@ -96,6 +97,15 @@ Model makePlate(const std::string& selector, Index n) {
     return model;
 }
 
+Model makePart(const std::string& selector, Index n) {
+    if (n < 3)
+        throw ViewerError("sample " + selector, "the size is a number from 3 to 2000");
+    checkSize(selector, flangeCells(n));
+    Model model = makeFlange(n);
+    model.parts = {{"flange", 0, static_cast<Index>(model.cellCount()), {}, 1.0}};
+    return model;
+}
+
 struct Sample {
     const char* name;
     const char* description;
@@ -108,6 +118,8 @@ constexpr std::array kSamples = {
            makeCantilever},
     Sample{"hole", "plate with a round hole under tension (Kirsch 1898), stress concentration 3", 24,
            makePlate},
+    Sample{"flange", "machined part without results: hub, bolt holes, rounded edges; N along a sector's side",
+           16, makePart},
 };
 
 Index parseSize(const std::string& selector, std::size_t colon) {

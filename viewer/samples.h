@@ -7,7 +7,8 @@ namespace nruview {
 
 /// NAME or NAME:N with N the number of elements along the longest side. "cantilever": a bent beam of
 /// hexahedra with its exact stress and displacement; "hole": a plate with a round hole under tension (Kirsch,
-/// 1898), stress concentration 3. Throws ViewerError for an unknown name or a size out of range.
+/// 1898), stress concentration 3; "flange": the surface of a machined part. Throws ViewerError for an unknown
+/// name or a size out of range.
 Model makeSample(const std::string& selector);
 
 /// Names of the samples with a line of description each.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <tuple>
 
 #include "viewer/elasticity.h"
@@ -98,4 +99,23 @@ TEST(Samples, MeshesHaveTheSizesAskedForAndTurnTheRightWay) {
     EXPECT_NEAR(selectScalars(beam, "S_cell", {}).values[0], vonMises(Cantilever::at({5, -5, 0}).stress),
                 1e-9);
     EXPECT_EQ(selectScalars(beam, "U:y", {}).values[10], Cantilever::at({100, -10, -5}).displacement[1]);
+}
+
+TEST(Samples, TheFlangeIsClosedAndFacesOutward) {
+    for (const char* selector : {"flange:3", "flange:17", "flange"}) {
+        const Model model = makeSample(selector);
+        std::set<std::pair<std::uint32_t, std::uint32_t>> sides;
+        double volume = 0.0;
+        for (std::size_t cell = 0; cell < model.cellCount(); ++cell) {
+            const auto n = model.cellNodes(cell);
+            for (std::size_t i = 0; i < 4; ++i)
+                EXPECT_TRUE(sides.emplace(n[i], n[(i + 1) % 4]).second) << selector;
+            for (int i : {1, 2})
+                volume += dot(model.nodes[n[0]], cross(model.nodes[n[i]], model.nodes[n[i + 1]])) / 6.0;
+        }
+        for (const auto& [from, to] : sides)
+            EXPECT_TRUE(sides.contains({to, from})) << selector;
+        EXPECT_NEAR(volume, 155770.0, selector == std::string_view("flange") ? 400.0 : 10000.0)
+            << "turned bodies by Guldin's rule";
+    }
 }
