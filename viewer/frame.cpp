@@ -6,6 +6,8 @@
 
 #include <array>
 
+#include "viewer/vectors.h"
+
 namespace nruview {
 
 namespace {
@@ -48,6 +50,12 @@ void setLights() {
     glEnable(GL_NORMALIZE);
 }
 
+/// The viewer of a parallel projection stands so far away that all sight goes in one direction.
+Point viewerOf(const Camera& camera, const ViewMatrices& view) {
+    constexpr double kFar = 1000.0;
+    return camera.perspective ? view.eye : camera.target + (kFar * camera.distance) * camera.axes.toward;
+}
+
 void clearWindow(NgColorLong background) {
     float red, green, blue;
     ngl_get_floats_from_color_long(background, red, green, blue);
@@ -85,7 +93,8 @@ void beginFrame(const Camera& camera, const Bounds& bounds, int width, int heigh
 
     NglUpdateNglInfo();
     NglGetNglInfo()->perspective = camera.perspective ? 1 : 0;
-    _NgPoint3Str eye = {view.eye[0], view.eye[1], view.eye[2]};
+    const Point viewer = viewerOf(camera, view);
+    _NgPoint3Str eye = {viewer[0], viewer[1], viewer[2]};
     ngl_set_camera_position(&eye);
 
     NglSetWindowBackGroundColor(background);

@@ -12,6 +12,7 @@
 #include "viewer/frame.h"
 #include "viewer/labels.h"
 #include "viewer/listing.h"
+#include "viewer/materials.h"
 #include "viewer/messages.h"
 #include "viewer/offscreen.h"
 #include "viewer/options.h"
@@ -32,7 +33,7 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
     if (const std::string reason = context.create(options.width, options.height); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene);
+    Scene scene(shown, options.scene, options.body);
     PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
     const PictureArea area = labels.area(options.width, options.height);
     const Camera camera = fitCamera(options.view, shown.bounds, area, options.perspective);
@@ -50,6 +51,8 @@ void drawOffscreen(const ShownModel& shown, const Options& options) {
 
 void run(const Options& options) {
     routeMessages(options.verbose);
+    if (options.materials)
+        return printMaterials(std::cout);
     Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
     const bool offscreen = !options.output.empty() || options.pick;
     if (options.list)

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <iostream>
 
 #include "viewer/error.h"
@@ -125,14 +126,14 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
         ->option_text("FILE.png")
         ->check(refuseEmpty);
     addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
-              "element edges (default: all; none of surface models)");
+              "element edges (default: all; none of surface models and bodies)");
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
               "smooth (default) with sharp edges kept, by triangle, or by element face");
     addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
               "largest angle between faces that are shaded as one, in place of the file's normals "
               "(default: the file's normals, else 30)");
     addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
-              "of the faces: 0 invisible to 1 opaque (default)");
+              "of the faces or bodies: 0 invisible to 1 opaque (default)");
     addParsed(
         app, "--view", options.view, [](const char*, const std::string& text) { return parseView(text); },
         "VIEW",
@@ -143,6 +144,36 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
     addParsed(app, "--background", options.background, parseColor, "RRGGBB",
               "hexadecimal, or black or white (default)");
     app.add_flag("--fixed", options.fixed, "draw without GLSL programs");
+}
+
+/// Bodies: models without a field, lit by lamps or by an environment.
+void addBodyOptions(CLI::App& app, Options& options) {
+    BodySettings& body = options.body;
+    CLI::Option* field = app.get_option("--field");
+    CLI::Option* pbr = app.add_flag("--pbr", body.physical, "physically based shading")->excludes(field);
+    CLI::Option* hdr = app.add_option("--hdr", body.environment,
+                                      "environment that lights the model, a Radiance picture of all "
+                                      "directions; @studio is a made-up one");
+    hdr->option_text("FILE.hdr")->check(refuseEmpty)->needs(pbr);
+    addParsed(app, "--hdr-up", body.environmentUp, parseImageUp, "AXIS",
+              "x, -x, y, -y, z or -z: what is upward in it (default: what is upward in the view)")
+        ->needs(hdr);
+    app.add_flag("--hdr-background", body.environmentBackground, "show it behind the model")->needs(hdr);
+    app.add_option("--material", body.material, "how the surface reflects (default: Steel)")
+        ->option_text("NAME")
+        ->check(refuseEmpty)
+        ->needs(pbr);
+    app.add_flag("--materials", options.materials, "print the table of materials and end");
+    CLI::Option* color = addParsed(app, "--body-color", body.color, parseColor, "RRGGBB",
+                                   "colour of all bodies (default: the file's, else the material's)");
+    color->excludes(field);
+    addParsed(app, "--front-color", body.frontColor, parseColor, "RRGGBB",
+              "colour of faces seen from their front; with --back-color shows which way they turn")
+        ->excludes(field)
+        ->excludes(color);
+    addParsed(app, "--back-color", body.backColor, parseColor, "RRGGBB", "colour of faces seen from behind")
+        ->excludes(field)
+        ->excludes(color);
 }
 
 void addLabelOptions(CLI::App& app, Options& options) {
@@ -171,6 +202,28 @@ void addReportOptions(CLI::App& app, Options& options) {
     app.add_flag("--verbose", options.verbose, "tell on standard error what the library has decided");
 }
 
+/// The model's axis nearest to the upward direction of a view.
+ImageUp upwardAxis(const ViewAxes& view) {
+    int axis = 0;
+    for (int k : {1, 2})
+        if (std::abs(view.up[k]) > std::abs(view.up[axis]))
+            axis = k;
+    return static_cast<ImageUp>(2 * axis + (view.up[axis] < 0.0 ? 1 : 0));
+}
+
+/// What bodies cannot show, and what is up in their environment.
+void checkBody(Options& options) {
+    BodySettings& body = options.body;
+    const ElementSettings& elements = options.shown.elements;
+    if (body.isAskedFor() &&
+        !(elements.selected.empty() && elements.highlighted.empty() && elements.colored.empty()))
+        throw ViewerError("command line", "bodies do not show --select, --highlight and --color");
+    if (body.isAskedFor() && options.scene.shading != Shading::Smooth)
+        throw ViewerError("--shade", "bodies are smooth up to the angle of --crease");
+    if (!body.environmentUp)
+        body.environmentUp = upwardAxis(options.view);
+}
+
 /// Errors of CLI11 may run over several lines; ours is one.
 std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
@@ -186,6 +239,7 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     addContentOptions(app, options);
     addElementOptions(app, options);
     addPictureOptions(app, options, size);
+    addBodyOptions(app, options);
     addLabelOptions(app, options);
     addReportOptions(app, options);
     try {
@@ -196,8 +250,11 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw ViewerError("command line", firstLine(error.what()));
     }
+    if (options.materials)
+        return options;
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
+    checkBody(options);
     const ElementSettings& elements = options.shown.elements;
     if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
         throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");

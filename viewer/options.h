@@ -14,6 +14,7 @@ struct Options {
     std::string output; ///< PNG file; empty: a window
     ShownSettings shown;
     SceneSettings scene;
+    BodySettings body;
     LabelSettings labels;
     ViewAxes view = parseView("iso");
     bool perspective = false;
@@ -21,6 +22,7 @@ struct Options {
     std::uint32_t background = 0xFFFFFFFF; ///< packed 0xAABBGGRR
     bool fixed = false;                    ///< fixed function where programs run too
     bool list = false;
+    bool materials = false; ///< print the material table and end
     bool verbose = false;
     std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
 };

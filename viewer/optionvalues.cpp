@@ -1,6 +1,7 @@
 // Strict: what is left over behind a value makes it wrong.
 #include "viewer/optionvalues.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -125,6 +126,14 @@ EdgeMode parseEdges(const char* option, const std::string& text) {
     if (text == "none")
         return EdgeMode::None;
     refuse(option, text, "all, feature or none");
+}
+
+ImageUp parseImageUp(const char* option, const std::string& text) {
+    constexpr std::string_view kNames[] = {"x", "-x", "y", "-y", "z", "-z"}; // in the enumeration's order
+    const auto found = std::find(std::begin(kNames), std::end(kNames), text);
+    if (found == std::end(kNames))
+        refuse(option, text, "x, -x, y, -y, z or -z");
+    return static_cast<ImageUp>(found - std::begin(kNames));
 }
 
 Shading parseShading(const char* option, const std::string& text) {

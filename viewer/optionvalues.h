@@ -15,6 +15,7 @@ std::uint32_t parseColor(const char* option, const std::string& text);
 /// Nothing for "auto".
 std::optional<double> parseDeform(const char* option, const std::string& text);
 EdgeMode parseEdges(const char* option, const std::string& text);
+ImageUp parseImageUp(const char* option, const std::string& text);
 Shading parseShading(const char* option, const std::string& text);
 /// An angle in degrees, 0 to 180.
 double parseCrease(const char* option, const std::string& text);

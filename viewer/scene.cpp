@@ -9,6 +9,7 @@
 #include <new>
 
 #include "viewer/facemesh.h"
+#include "viewer/messages.h"
 
 namespace nruview {
 
@@ -79,8 +80,24 @@ void setValues(ngl::NglElementMesh& mesh, const ShownModel& shown, const ColorBa
 }
 
 /// The triangles of a surface model say nothing about it.
-EdgeMode edgesOf(const ShownModel& shown, const SceneSettings& settings) {
-    return settings.edges.value_or(shown.model.parts.empty() ? EdgeMode::All : EdgeMode::None);
+EdgeMode edgesOf(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
+    const bool isSurface = !shown.model.parts.empty() || areBodies(shown, settings, body);
+    return settings.edges.value_or(isSurface ? EdgeMode::None : EdgeMode::All);
+}
+
+/// What parts and settings of bodies say, as far as an element mesh can show it.
+void setBodyColors(ngl::NglElementMesh& mesh, const ShownModel& shown, const BodySettings& settings) {
+    for (const ModelPart& part : shown.model.parts)
+        if (!settings.hasSides() && mesh.ElementCount() != 0 &&
+            mesh.SetColor(ngl::NglElements::Range(part.firstCell, part.cellCount),
+                          partColor(part, settings)) != 0)
+            throw std::bad_alloc();
+    ngl::NglElementAttributes attributes = mesh.Attributes();
+    attributes.color = partColor({}, settings);
+    attributes.frontAndBack = settings.hasSides();
+    attributes.frontColor = frontColor(settings);
+    attributes.backColor = backColor(settings);
+    mesh.SetAttributes(attributes);
 }
 
 ngl::NglElementShading shadingOf(Shading shading) {
@@ -91,7 +108,7 @@ ngl::NglElementShading shadingOf(Shading shading) {
 
 /// The faces in contour colours, or those in one colour or their own.
 ngl::NglElementMesh faceMesh(const ShownModel& shown, const std::optional<ColorBands>& bands,
-                             const SceneSettings& settings, bool contour) {
+                             const SceneSettings& settings, const BodySettings& body, bool contour) {
     ngl::NglElementMesh mesh =
         makeFaceMesh(shown, [&](std::span<const std::uint32_t> corners, std::uint32_t cell) {
             return coordinates(shown, bands, corners, cell).has_value() == contour;
@@ -101,6 +118,8 @@ ngl::NglElementMesh faceMesh(const ShownModel& shown, const std::optional<ColorB
     attributes.color = plainColor(bands);
     attributes.opacity = static_cast<float>(settings.opacity);
     mesh.SetAttributes(attributes);
+    if (areBodies(shown, settings, body))
+        setBodyColors(mesh, shown, body);
     if (contour && mesh.ElementCount() != 0)
         setValues(mesh, shown, *bands);
     return mesh;
@@ -200,12 +219,10 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 
 } // namespace
 
-Scene::Scene(const ShownModel& shown, const SceneSettings& settings)
-    : m_bands(makeBands(shown, settings)), m_edgeMode(edgesOf(shown, settings)),
-      m_edgeReach_px(edgeReach_px()), m_transparent(settings.opacity < 1.0),
-      m_plainFaces(faceMesh(shown, m_bands, settings, false)) {
-    if (m_bands)
-        m_coloredFaces = faceMesh(shown, m_bands, settings, true);
+Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body)
+    : m_bands(makeBands(shown, settings)), m_edgeMode(edgesOf(shown, settings, body)),
+      m_edgeReach_px(edgeReach_px()), m_transparent(settings.opacity < 1.0) {
+    makeFaces(shown, settings, body);
     makeLoose(shown);
     const Surface& surface = shown.surface;
     if (m_edgeMode == EdgeMode::All && !surface.edges.empty())
@@ -228,13 +245,29 @@ Scene::~Scene() {
 
 /// Transparent faces come last: they tint what is behind them.
 void Scene::draw() {
-    if (!m_transparent)
-        drawFaces();
+    if (m_environment)
+        m_environment->drawBackground();
+    drawOpaqueFaces();
     drawBeams();
     drawPoints();
     drawEdges();
-    if (m_transparent)
-        drawFaces();
+    drawTransparentFaces();
+}
+
+void Scene::makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
+    if (areBodies(shown, settings, body)) {
+        if (body.physical && IsFastRendererEnabled() != 0)
+            m_environment.emplace(body);
+        m_bodies.emplace(shown, body, settings.opacity);
+        if (m_bodies->canDraw())
+            return;
+        m_bodies.reset();
+        m_environment.reset();
+        tell("no programs for bodies: they are drawn as an element mesh, with one light and one opacity");
+    }
+    m_plainFaces = faceMesh(shown, m_bands, settings, body, false);
+    if (m_bands)
+        m_coloredFaces = faceMesh(shown, m_bands, settings, body, true);
 }
 
 void Scene::makeLoose(const ShownModel& shown) {
@@ -277,12 +310,29 @@ void Scene::drawPart(Part& part, Draw draw) {
     }
 }
 
-void Scene::drawFaces() {
+void Scene::drawOpaqueFaces() {
     glPolygonOffset(m_edgeReach_px, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
+    if (m_bodies)
+        m_bodies->drawOpaque();
+    else if (!m_transparent)
+        drawFaces();
+    glDisable(GL_POLYGON_OFFSET_FILL);
+}
+
+void Scene::drawTransparentFaces() {
+    glPolygonOffset(m_edgeReach_px, 1.0f);
+    glEnable(GL_POLYGON_OFFSET_FILL);
+    if (m_bodies)
+        m_bodies->drawTransparent();
+    else if (m_transparent)
+        drawFaces();
+    glDisable(GL_POLYGON_OFFSET_FILL);
+}
+
+void Scene::drawFaces() {
     m_coloredFaces.Draw();
     m_plainFaces.Draw();
-    glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
 void Scene::drawBeams() {

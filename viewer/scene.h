@@ -3,7 +3,9 @@
 
 #include <optional>
 
+#include "viewer/bodies.h"
 #include "viewer/colorbands.h"
+#include "viewer/environment.h"
 #include "viewer/meshbuilder.h"
 #include "viewer/shownmodel.h"
 
@@ -13,7 +15,7 @@ namespace nruview {
 /// time is the library's source of the active contour texture: the one that was made last.
 class Scene {
 public:
-    Scene(const ShownModel& shown, const SceneSettings& settings);
+    Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body = {});
     ~Scene();
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
@@ -29,7 +31,10 @@ public:
     };
 
 private:
+    void makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body);
     void makeLoose(const ShownModel& shown);
+    void drawOpaqueFaces();
+    void drawTransparentFaces();
     void drawFaces();
     void drawBeams();
     void drawPoints();
@@ -43,6 +48,8 @@ private:
     EdgeMode m_edgeMode;
     float m_edgeReach_px;
     bool m_transparent;
+    std::optional<Environment> m_environment; ///< of bodies with physically based shading
+    std::optional<Bodies> m_bodies;           ///< in place of the faces' meshes
     ngl::NglElementMesh m_coloredFaces, m_plainFaces;
     Part m_beams, m_points;
     MeshPtr m_edges;

@@ -52,12 +52,33 @@ struct ShownSettings {
 enum class EdgeMode { All, Feature, None };
 enum class Shading { Smooth, Flat, Element };
 
+/// Which axis of the model an environment picture's upward direction becomes.
+enum class ImageUp { X, MinusX, Y, MinusY, Z, MinusZ };
+
+/// A lit body without contour.
+struct BodySettings {
+    bool physical = false;                        ///< physically based shading in place of the classic lights
+    std::string environment = {};                 ///< Radiance file or kStudio; empty: lamps about the camera
+    std::optional<ImageUp> environmentUp = {};    ///< once the options are read there is one
+    bool environmentBackground = false;           ///< draw it behind the model
+    std::string material = {};                    ///< row of the material table; empty: steel
+    std::optional<std::uint32_t> color = {};      ///< of all parts, packed 0xAABBGGRR
+    std::optional<std::uint32_t> frontColor = {}; ///< of faces that turn their front to the viewer
+    std::optional<std::uint32_t> backColor = {};
+
+    /// The environment that is made up instead of read.
+    static constexpr const char* kStudio = "@studio";
+    bool hasSides() const { return frontColor || backColor; }
+    /// Whether a model is to be drawn as a body though it is none by its file.
+    bool isAskedFor() const { return physical || color || hasSides(); }
+};
+
 /// Contour colours, edges and surface.
 struct SceneSettings {
     int bands = 12;
     std::optional<std::array<double, 2>> range = {}; ///< nothing: that of the values
     bool smeared = false;
-    std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of a surface model
+    std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of bodies
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
 };

@@ -107,7 +107,7 @@ void showWindow(const ShownModel& shown, const Options& options) {
     const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene);
+    Scene scene(shown, options.scene, options.body);
     PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
     Interaction state{shown, options, labels,
                       fitCamera(options.view, shown.bounds, areaOf(window, labels), options.perspective)};

@@ -8,6 +8,7 @@
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/lighting/nlighting.h"
 #include "tests/host/testfiles.h"
+#include "tests/support/fewsamples.h"
 #include "tests/support/glsnapshot.h"
 #include "tests/support/librarytest.h"
 #include "tests/support/radiancewriter.h"
@@ -21,20 +22,6 @@ namespace {
 template <class Function>
 Function driver(Function, const char* name) {
     return reinterpret_cast<Function>(eglGetProcAddress(name));
-}
-
-/// Programs that take a few samples in place of thousands.
-void takeFewSamples() {
-    epoxy_glShaderSource = [](GLuint shader, GLsizei count, const GLchar* const* parts, const GLint*) {
-        std::string source;
-        for (GLsizei i = 0; i < count; ++i)
-            source += parts[i];
-        const std::string key = "const uint SAMPLES = ";
-        if (const std::size_t at = source.find(key); at != source.npos)
-            source.replace(at + key.size(), source.find(';', at) - at - key.size(), "16u");
-        const GLchar* text = source.c_str();
-        driver(epoxy_glShaderSource, "glShaderSource")(shader, 1, &text, nullptr);
-    };
 }
 
 // --- an image whose colours tell their directions ----------------------------------------------------------

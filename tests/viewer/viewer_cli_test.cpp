@@ -77,28 +77,42 @@ protected:
 
 TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
     // Arguments besides -o, then a word of the message.
-    std::vector<std::string> rows = {" => FILE",
-                                     "@none.vtk => none.vtk",
-                                     "/usr => /usr",
-                                     "--sample bridge => cantilever",
-                                     "--sample hole:0 => 1 to 2000",
-                                     "--sample hole:2000 => at most 4000000",
-                                     "@two.vtk --step 1 => no steps",
-                                     "@two.vtk --bands 5 => --field",
-                                     "@two.vtk --edges some => feature",
-                                     "@two.vtk --deform 1 --deform-by T => T",
-                                     "@flat.vtk --deform 1 => --deform-by",
-                                     "@two.vtk --hide 2 => no element 2; the model's elements are 0 to 1",
-                                     "@two.vtk --hide 0 --select 0-1,1-5 => no element 5",
-                                     "@two.vtk --highlight 9 => --highlight: there is no element 9",
-                                     "@two.vtk --color 7=#ff0000 => no element 7",
-                                     "@two.vtk --clip x:2,1 => MIN below MAX",
-                                     "@two.vtk --fail T@cell => --fail-level",
-                                     "@two.vtk --fail-level 1 => --fail-before",
-                                     "@two.vtk --fail T --fail-level 1 => a field of the nodes",
-                                     "@two.vtk --fail-before none --fail-level 1 => none",
-                                     "@two.vtk --shade round => element",
-                                     "@two.vtk --legend yes => on or off"};
+    std::vector<std::string> rows = {
+        " => FILE",
+        "@none.vtk => none.vtk",
+        "/usr => /usr",
+        "--sample bridge => cantilever",
+        "--sample hole:0 => 1 to 2000",
+        "--sample hole:2000 => at most 4000000",
+        "@two.vtk --step 1 => no steps",
+        "@two.vtk --bands 5 => --field",
+        "@two.vtk --edges some => feature",
+        "@two.vtk --deform 1 --deform-by T => T",
+        "@flat.vtk --deform 1 => --deform-by",
+        "@two.vtk --hide 2 => no element 2; the model's elements are 0 to 1",
+        "@two.vtk --hide 0 --select 0-1,1-5 => no element 5",
+        "@two.vtk --highlight 9 => --highlight: there is no element 9",
+        "@two.vtk --color 7=#ff0000 => no element 7",
+        "@two.vtk --clip x:2,1 => MIN below MAX",
+        "@two.vtk --fail T@cell => --fail-level",
+        "@two.vtk --fail-level 1 => --fail-before",
+        "@two.vtk --fail T --fail-level 1 => a field of the nodes",
+        "@two.vtk --fail-before none --fail-level 1 => none",
+        "@two.vtk --shade round => element",
+        "@two.vtk --pbr --field T => --field excludes --pbr",
+        "@two.vtk --hdr @studio => --hdr requires --pbr",
+        "@two.vtk --pbr --hdr-background => --hdr-background requires --hdr",
+        "@two.vtk --pbr --hdr a --hdr-up up => 'up' is not x, -x, y, -y, z or -z",
+        "@two.vtk --material Steel => --material requires --pbr",
+        "@two.vtk --pbr --material Wood => --material: there is no 'Wood'; "
+        "--materials prints the table",
+        "@two.vtk --body-color red => RRGGBB",
+        "@two.vtk --pbr --select 0 => bodies do not show --select",
+        "@two.vtk --pbr --shade flat => --crease",
+        "@two.vtk --pbr --hdr @none.hdr => none.hdr: Failed to load HDR image file!",
+        "@two.vtk --pbr --hdr @two.vtk => two.vtk: Failed to load HDR image file! "
+        "(not a Radiance image)",
+        "@two.vtk --legend yes => on or off"};
     // Options that the message names.
     std::istringstream options(
         "--field '';--sample hole;--colour;--bands 65 --field T;--bands 3x --field T;--range 2,1 --field T;"
@@ -160,6 +174,25 @@ TEST_F(ViewerProgram, DrawsWithoutProgramsWhereAskedTo) {
             << result.output;
     EXPECT_TRUE(contents("2.png") == contents("3.png"));
     EXPECT_FALSE(contents("2.png").empty());
+}
+
+TEST_F(ViewerProgram, KnowsTheMaterialsOfTheFolderThatIsSet) {
+    const std::string table = nruview("--materials").output;
+    EXPECT_TRUE(table.starts_with("material  ")) << table;
+    EXPECT_NE(table.find("\nCast Iron  "), std::string::npos) << table;
+    const std::string folder = "own/Resources/NuStudio/Rendering";
+    fs::create_directories(m_folder / folder);
+    write(folder + "/RenderMaterialApperance.xml",
+          R"(<All><Material Name="Soap"><Appearance Metalness="0" Roughness="0.5" Reflectivity="0.04"
+             AmbientOcclusion="1"/></Material></All>)");
+    const nrutest::Environment own = {{"NU_COMMON_PATH", path("own")}};
+    EXPECT_EQ(nruview("--materials", own).output,
+              "material  metalness  roughness  reflectivity  ambient occlusion\n"
+              "Soap      0          0.5        0.04          1\n");
+    EXPECT_EQ(nruview("@two.vtk --pbr -o @1.png", own).output, "") << "needs none";
+    expectError(nruview("@two.vtk --pbr --material Steel -o @2.png", own), "there is no 'Steel'");
+    EXPECT_EQ(nruview("@two.vtk --pbr --material Soap -o @3.png", own).output, "");
+    EXPECT_FALSE(contents("1.png") == contents("3.png"));
 }
 
 TEST_F(ViewerProgram, LabelsItsPictureAsFarAsThereIsAFontAndAWish) {

@@ -1,0 +1,213 @@
+// Bodies at known pixels: sides, transparency, materials, the environment behind them and in them.
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+
+#include "tests/support/fewsamples.h"
+#include "tests/support/gltest.h"
+#include "tests/support/radiancewriter.h"
+#include "viewer/error.h"
+#include "viewer/frame.h"
+#include "viewer/messages.h"
+#include "viewer/scene.h"
+#include "viewer/vectors.h"
+
+using namespace nruview;
+using nrutest::Picture;
+
+namespace {
+
+constexpr NgColorLong kRed = 0xFF0000FF, kGreen = 0xFF00FF00, kBlue = 0xFFFF0000, kBlack = 0xFF000000;
+
+struct Rgb {
+    int red, green, blue;
+};
+Rgb channels(NgColorLong color) {
+    return {static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF),
+            static_cast<int>(color >> 16 & 0xFF)};
+}
+
+/// A part of one quad of size 2 about (0, 0, z), facing +z.
+void addSheet(Model& model, double z, NgColorLong color, double opacity = 1.0) {
+    const auto first = static_cast<std::uint32_t>(model.nodes.size());
+    model.nodes.insert(model.nodes.end(), {{-1, -1, z}, {1, -1, z}, {1, 1, z}, {-1, 1, z}});
+    model.parts.push_back({"sheet", static_cast<std::uint32_t>(model.cellCount()), 1, color, opacity});
+    model.addCell(CellType::Quad, std::array{first, first + 1, first + 2, first + 3});
+}
+
+Model sheet(NgColorLong color = 0xFFC0C0C0) {
+    Model model;
+    addSheet(model, 0.0, color);
+    return model;
+}
+
+/// A block with its faces across the axes.
+Model block() {
+    Model model;
+    for (int i = 0; i < 8; ++i)
+        model.nodes.push_back({i & 1 ? 1.0 : -1.0, i & 2 ? 1.0 : -1.0, i & 4 ? 1.0 : -1.0});
+    for (const auto& face : std::array<std::array<std::uint32_t, 4>, 6>{
+             {{1, 3, 7, 5}, {0, 4, 6, 2}, {2, 6, 7, 3}, {0, 1, 5, 4}, {4, 5, 7, 6}, {0, 2, 3, 1}}})
+        model.addCell(CellType::Quad, face);
+    return model;
+}
+
+/// A colour of its own for each of the six directions: bits of red, green and blue.
+int colorFrom(const Point& direction) {
+    int axis = 0;
+    for (int k : {1, 2})
+        if (std::abs(direction[k]) > std::abs(direction[axis]))
+            axis = k;
+    constexpr int kColors[3][2] = {{1, 3}, {4, 6}, {2, 5}}; // of the positive and the negative direction
+    return kColors[axis][direction[axis] < 0.0];
+}
+
+/// The directions' colours as a picture with y upward.
+std::string environmentFile() {
+    const std::string path = ::testing::TempDir() + "environment_" + std::to_string(getpid()) + ".hdr";
+    std::ofstream(path, std::ios::binary) << nrutest::radianceFile(64, 32, [](int column, int row) {
+        const double turn = 2.0 * M_PI * ((column + 0.5) / 64 - 0.5), rise = M_PI * (0.5 - (row + 0.5) / 32);
+        const int color =
+            colorFrom({std::cos(rise) * std::cos(turn), std::sin(rise), std::cos(rise) * std::sin(turn)});
+        const auto channel = [&](int bit) { return color & bit ? 2.0f : 0.0f; };
+        return nrutest::Radiance{channel(1), channel(2), channel(4)};
+    });
+    return path;
+}
+
+/// Which of red, green and blue a pixel has.
+int bitsOf(NgColorLong color) {
+    const Rgb rgb = channels(color);
+    return (rgb.red > 90 ? 1 : 0) + (rgb.green > 90 ? 2 : 0) + (rgb.blue > 90 ? 4 : 0);
+}
+
+class ViewerBodies : public nrutest::GlTest {
+protected:
+    void start(bool fixed = false) {
+        routeMessages(false); // with the folder of the materials
+        if (!m_session)
+            m_session.emplace(fixed);
+    }
+    Picture picture(const Model& model, const BodySettings& settings, const char* view = "xy",
+                    bool fixed = false) {
+        start(fixed);
+        const ShownModel shown = showModel(model, {});
+        const Camera camera = fitCamera(parseView(view), shown.bounds, 1.0, false);
+        beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
+        Scene scene(shown, {.opacity = m_opacity}, settings);
+        beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
+        scene.draw();
+        return read();
+    }
+    Rgb middle(const Model& model, const BodySettings& settings, const char* view = "xy",
+               bool fixed = false) {
+        return channels(picture(model, settings, view, fixed).at(kSize / 2 + 3, kSize / 2 + 2));
+    }
+
+    double m_opacity = 1.0;
+
+private:
+    std::optional<LibrarySession> m_session;
+};
+
+class ViewerBodiesFixed : public ViewerBodies {};
+
+constexpr const char* kFront = "0,0,1";
+constexpr const char* kBehind = "0,0,-1";
+
+void expectMostly(const Rgb& color, char channel, const std::string& name) {
+    const int rgb[] = {color.red, color.green, color.blue};
+    const int place = static_cast<int>(std::string_view("rgb").find(channel));
+    for (int other : {(place + 1) % 3, (place + 2) % 3})
+        EXPECT_GT(rgb[place], rgb[other] + 40)
+            << name << ": " << color.red << " " << color.green << " " << color.blue;
+}
+
+} // namespace
+
+TEST_F(ViewerBodies, ShowTheColorOfTheSideThatIsSeen) {
+    for (bool physical : {false, true}) {
+        const BodySettings settings = {.physical = physical, .frontColor = kGreen, .backColor = kBlue};
+        expectMostly(middle(sheet(), settings, kFront), 'g', "front");
+        expectMostly(middle(sheet(), settings, kBehind), 'b', "back");
+        const BodySettings one = {.physical = physical, .color = kRed};
+        expectMostly(middle(sheet(kGreen), one, kBehind), 'r', "one colour for both sides");
+    }
+    expectMostly(middle(sheet(kGreen), {}, kFront), 'g', "colour of the part");
+    expectMostly(middle(sheet(kBlack), {.color = kBlue}, kFront), 'b', "in place of the part's");
+    const Rgb black = middle(sheet(kBlack), {}, kFront);
+    EXPECT_LT(black.red, 80) << "black stays black on a black background";
+}
+
+TEST_F(ViewerBodiesFixed, KeepTheirColorsWithoutPrograms) {
+    expectMostly(middle(sheet(kGreen), {}, kFront, true), 'g', "part");
+    const BodySettings settings = {.physical = true, .frontColor = kGreen, .backColor = kBlue};
+    expectMostly(middle(sheet(kRed), settings, kFront, true), 'g', "front");
+    expectMostly(middle(sheet(kRed), settings, kBehind, true), 'b', "back");
+}
+
+TEST_F(ViewerBodies, LightPassesTheNearerBodiesLast) {
+    Model model;
+    addSheet(model, 0.0, kRed, 0.5);
+    addSheet(model, 0.5, kGreen, 0.5);
+    addSheet(model, 0.25, kBlue);
+    const Rgb front = middle(model, {}, kFront), behind = middle(model, {}, kBehind);
+    EXPECT_GT(front.green, 60);
+    EXPECT_GT(front.blue, 60) << "the opaque sheet shows through the one before it";
+    EXPECT_LT(front.red, front.green / 2) << "and hides the one behind it";
+    EXPECT_GT(behind.red, 60);
+    EXPECT_LT(behind.green, behind.red / 2);
+    model.parts.pop_back(); // the two transparent sheets alone, the green one nearer
+    model.types.pop_back();
+    model.offsets.pop_back();
+    model.connectivity.resize(8);
+    const Rgb two = middle(model, {}, kFront), fromBehind = middle(model, {}, kBehind);
+    EXPECT_NEAR(two.green, 2 * two.red, 25) << "half, and half of the other half";
+    EXPECT_NEAR(fromBehind.red, 2 * fromBehind.green, 25);
+    const int opaque = middle(sheet(kRed), {}, kFront).red;
+    m_opacity = 0.25;
+    EXPECT_NEAR(middle(sheet(kRed), {}, kFront).red, 0.25 * opaque, 2);
+}
+
+TEST_F(ViewerBodies, MetalHasNoLightOfItsOwnColorBesideTheLamps) {
+    // Square to the view no lamp is mirrored.
+    const Rgb chrome = middle(sheet(), {.physical = true, .material = "Chrome"}, kFront);
+    const Rgb plastic = middle(sheet(), {.physical = true, .material = "ABS"}, kFront);
+    EXPECT_GT(plastic.red, chrome.red + 60);
+    expectMostly(middle(sheet(kRed), {.physical = true, .material = "Copper"}, kFront), 'r', "tinted metal");
+    EXPECT_THROW(middle(sheet(), {.physical = true, .material = "Wood"}), ViewerError);
+}
+
+// What is seen behind the model lies in the direction of sight, what its faces mirror behind the viewer.
+TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
+    nrutest::takeFewSamples();
+    const std::string file = environmentFile();
+    const ShownModel shown = showModel(block(), {});
+    start();
+    for (const ImageUp up : {ImageUp::Y, ImageUp::Z}) {
+        const auto inImage = [&](const Point& p) { return up == ImageUp::Y ? p : Point{p[0], p[2], -p[1]}; };
+        std::optional<Scene> scene;
+        for (const char* view : {"1,0,0", "-1,0,0", "0,1,0", "0,-1,0", "0,0,1", "0,0,-1"}) {
+            SCOPED_TRACE(std::string(view) + (up == ImageUp::Y ? ", y up" : ", z up"));
+            Camera camera = fitCamera(parseView(view), shown.bounds, 1.0, true);
+            camera.halfHeight *= 4.0;
+            beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
+            if (!scene)
+                scene.emplace(shown, SceneSettings{},
+                              BodySettings{.physical = true,
+                                           .environment = file,
+                                           .environmentUp = up,
+                                           .environmentBackground = true,
+                                           .material = "Chrome",
+                                           .color = 0xFFFFFFFF});
+            scene->draw();
+            const Picture picture = read();
+            const Point toward = camera.axes.toward;
+            EXPECT_EQ(bitsOf(picture.at(kSize / 2, kSize / 2)), colorFrom(inImage(toward))) << "mirrored";
+            EXPECT_EQ(bitsOf(picture.at(kSize / 2 + 12, kSize / 2 - 12)), colorFrom(inImage(-1.0 * toward)))
+                << "behind";
+        }
+    }
+    std::remove(file.c_str());
+}
