@@ -12,10 +12,15 @@
 
 namespace {
 
-struct {
+struct Progress {
     NImageBasedLightHandler::ProgressFunction function = nullptr;
     void* context = nullptr;
-} progress;
+};
+
+Progress& progress() {
+    static Progress progress;
+    return progress;
+}
 
 /// State of the host's that drawing into the maps needs otherwise or changes.
 struct CaptureState {
@@ -42,13 +47,14 @@ bool canBuildMaps() {
 } // namespace
 
 void endOfPiece(int step, double part) {
-    if (!progress.function) {
+    const auto& [function, context] = progress();
+    if (!function) {
         glFlush();
         return;
     }
     glFinish();
     const auto& [name, start, end] = kBuildSteps[step];
-    progress.function(progress.context, name, start + part * (end - start));
+    function(context, name, start + part * (end - start));
 }
 
 bool NImageBasedLightHandler::Program::Build(const char* label, const char* vertexSource,
@@ -198,8 +204,7 @@ bool NImageBasedLightHandler::IsHDRBackgroundRenderingEnabled() {
 }
 
 void NImageBasedLightHandler::SetProgressFunction(ProgressFunction function, void* context) {
-    progress.function = function;
-    progress.context = context;
+    progress() = {function, context};
 }
 
 void NImageBasedLightHandler::DrawHDRBackground(_NglInfoStr* info) {
