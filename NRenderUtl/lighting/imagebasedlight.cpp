@@ -34,8 +34,8 @@ struct CaptureState {
     const UnclampedColorsGuard unclamped;
     const FilledFacesGuard filled;
     const NoClipPlanesGuard clipPlanes;
-    const DisabledGuard disabled{GL_ALPHA_TEST,   GL_BLEND,        GL_COLOR_LOGIC_OP,    GL_DEPTH_TEST,
-                                 GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_RASTERIZER_DISCARD};
+    const DisabledGuard disabled{GL_ALPHA_TEST, GL_BLEND,        GL_COLOR_LOGIC_OP,
+                                 GL_DEPTH_TEST, GL_SCISSOR_TEST, GL_RASTERIZER_DISCARD};
     const PlainTransferGuard transfer;
     const UnpackGuard unpack;
 };
