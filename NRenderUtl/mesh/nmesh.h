@@ -1,5 +1,5 @@
 // Mesh and field rendering: the colour scale with its texture attributes, the library's mesh record with
-// picking, mesh drawing, the mesh renderer, boundary meshes, and the element mesh.
+// picking, mesh drawing, glyphs, the mesh renderer, boundary meshes, and the element mesh.
 #pragma once
 
 #include <memory>
@@ -179,6 +179,32 @@ NRENDERUTL_API void ngl_mesh(_NgMeshStr* mesh, unsigned int flags);
 /// The same with one value per vertex as coordinate of the texture that the caller has bound to unit 0 and
 /// enabled. Null values draw nothing; while a mesh scale factor is set, faces are drawn without the values.
 NRENDERUTL_API void ngl_mesh_contour_draw(_NgMeshStr* mesh, unsigned int flags, float* values);
+
+// --- glyphs ------------------------------------------------------------------------------------------------
+
+/// Closed surface |x/a|^n + |y/b|^n + |z/c|^n = 1 with unit normals: 2 is an ellipsoid, more come near a box.
+/// Rings of M = resolution / 4 x 4 vertices about z, at least 8, from the pole at +z (vertex 0) to that at -z
+/// (the last), M/2 - 1 of them; a fan of triangles, quads, and a fan again, counter-clockwise seen from
+/// outside. Of semi-axes the magnitude counts; one of 0 makes the glyph flat. The caller owns the mesh:
+/// NglDestroyMesh, then NHostFree. Null for n < 2, semi-axes that are not finite, more than 2^31 - 1
+/// vertices, or without memory.
+NRENDERUTL_API _NgMeshStr* ngl_hyper_ellipsoid(double a, double b, double c, int n, int resolution);
+/// Draws the faces of such a glyph as ngl_mesh does, under the current matrices, colour and lights. Returns
+/// 0; -1, and draws nothing, where ngl_hyper_ellipsoid gives none.
+NRENDERUTL_API int Ngl_Shape_Hyper_Ellipsoid(double a, double b, double c, int n, int resolution);
+/// Makes the planar mesh inside |x/a|^n + |y/b|^n = 1 at z = 0, facing +z, with semiAxes a and b (null: 1 and
+/// 1). `rings` rings of M vertices each, equally spaced, from the inner to the outer one, counter-clockwise
+/// from +x, and the centre as last vertex; a fan of M triangles, then quads outwards. Returns 0; -1, *mesh
+/// untouched, for rings < 1 and where ngl_hyper_ellipsoid gives none. The caller owns the mesh.
+NRENDERUTL_API int ngl_create_elliptic_mesh(int n, int resolution, int rings, double* semiAxes,
+                                            _NgMeshStr** mesh);
+/// Draws a planar mesh in the plane of the centre, which the matrix (column-major) transforms first: vertices
+/// at centre + (sx x, sy y), their own z ignored. Mode 0 draws it by ngl_mesh(mesh, drawArg), mode 2 the
+/// outline that ngl_create_elliptic_mesh gives it, mode 1 both, the outline in palette colour 0, which
+/// remains current; other modes draw nothing. Returns 0, also for null pointers and without
+/// memory, when nothing is drawn.
+NRENDERUTL_API int ngl_draw_ellip_ngmesh(_NgMeshStr* mesh, double sx, double sy, _NgPoint3Str* centre,
+                                         double (*matrix)[4][4], int mode, int drawArg);
 
 // --- mesh renderer -----------------------------------------------------------------------------------------
 

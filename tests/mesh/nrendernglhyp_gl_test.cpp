@@ -1,0 +1,136 @@
+// Drawing of glyphs: the planar ones by mode, by their outline in the window and by pixels.
+#include <cmath>
+#include <cstring>
+
+#include "NRenderUtl/gl/nglrecord.h"
+#include "NRenderUtl/host/nhost.h"
+#include "tests/gl/testgl.h"
+#include "tests/mesh/testmesh.h"
+
+using namespace nrutest;
+
+namespace {
+
+constexpr std::uint32_t kGreen = 0xFF00FF00, kBlack = 0xFF000000;
+
+class Glyphs : public GlTest {
+protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        loadOrtho(-32, 32, -32, 32, -32, 32);
+        glColor3f(0, 1, 0);
+    }
+    void TearDown() override {
+        if (mesh)
+            NglDestroyMesh(mesh);
+        NHostFree(mesh);
+        GlTest::TearDown();
+    }
+    int draw(_NgMeshStr* drawn, double sx, double sy, int mode, int drawArg = 0) {
+        return ngl_draw_ellip_ngmesh(drawn, sx, sy, &centre, &matrix, mode, drawArg);
+    }
+
+    _NgMeshStr* mesh = nullptr;
+    _NgPoint3Str centre{1, 2, 3};
+    double matrix[4][4] = {
+        {0, 2, 0, 0}, {-2, 0, 0, 0}, {0, 0, 2, 0}, {10, 0, 2, 1}}; // centre goes to 6, 2, 8
+};
+
+TEST_F(Glyphs, OutlinesTheOuterRingAboutTheTransformedCentre) {
+    double axes[2] = {2, 1};
+    for (const int rings : {1, 3}) {
+        ASSERT_EQ(ngl_create_elliptic_mesh(2, 12, rings, axes, &mesh), 0);
+        for (int i = 0; i < mesh->vertexCount; ++i)
+            mesh->coords[3 * i + 2] = 5; // not drawn with
+        std::vector<_NgPoint3Str> ring;
+        for (int k = 0; k <= 12; ++k)
+            ring.push_back(
+                {38 + 12 * std::cos(k * M_PI / 6), 34 + 5 * std::sin(k * M_PI / 6), 0.5 - 8. / 64});
+        expectChain([&] { EXPECT_EQ(draw(mesh, 6, 5, 2), 0); }, ring);
+        NglDestroyMesh(mesh);
+        NHostFree(std::exchange(mesh, nullptr));
+    }
+    // A mesh with its centre first: the outline starts there, as it is, and leaves the last vertex out.
+    const TestMesh centreFirst({0, 0, 0, 4, 0, 0, 0, 4, 0, -4, 0, 0}, {{3, {0, 1, 2, 0, 2, 3, 0, 3, 1}}});
+    expectChain([&] { draw(centreFirst, 1, 1, 2); },
+                {{38, 34, 0.375}, {42, 34, 0.375}, {38, 38, 0.375}, {38, 34, 0.375}});
+    const TestMesh moreElementsThanVertices({0, 0, 0, 1, 0, 0}, {{3, {0, 1, 0, 0, 1, 0}}}),
+        bare({1, 2, 3}, {});
+    for (_NgMeshStr* nothing :
+         {static_cast<_NgMeshStr*>(moreElementsThanVertices), static_cast<_NgMeshStr*>(bare)})
+        expectChain([&] { draw(nothing, 1, 1, 2); }, {{}});
+}
+
+TEST_F(Glyphs, ModesChooseFacesAndOutline) {
+    ASSERT_EQ(ngl_create_elliptic_mesh(8, 32, 2, nullptr, &mesh), 0);
+    const NgColorLong palette[] = {kBlack};
+    nglRecord().live.palette = palette;
+    nglRecord().live.colorCount = 1;
+    const float green[] = {0, 1, 0, 1}, noLight[] = {0, 0, 0, 1};
+    glMaterialfv(GL_FRONT, GL_EMISSION, green);
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, noLight);
+    const std::vector<double> own(mesh->coords, mesh->coords + 3 * mesh->vertexCount);
+    const std::tuple<int, bool, std::uint32_t, int> rows[] = {
+        // mode; whether the middle is filled; the border's colour; the colour index afterwards
+        {0, true, kGreen, 7},
+        {1, true, kBlack, 0},
+        {2, false, kGreen, 7},
+        {3, false, kClear, 7},
+        {-1, false, kClear, 7}};
+    for (const auto& [mode, filled, border, index] : rows) {
+        SCOPED_TRACE(mode);
+        clear();
+        nglRecord().colorIndex = 7;
+        glColor3f(0, 1, 0);
+        EXPECT_EQ(draw(mesh, 20.7, 10.7, mode, NglMeshFaces), 0);
+        const Picture p = read();
+        EXPECT_EQ(p.at(40, 36), filled ? kGreen : kClear);
+        EXPECT_EQ(p.at(58, 34) & 0xFFFFFF, border & 0xFFFFFF) << hex(p.at(58, 34)); // 38 + 20.7
+        EXPECT_EQ(p.at(60, 34), kClear);
+        EXPECT_EQ(ngl_get_color(), index);
+    }
+    EXPECT_TRUE(std::equal(own.begin(), own.end(), mesh->coords)) << "the mesh has its own coordinates again";
+    EXPECT_EQ(ngl_draw_ellip_ngmesh(nullptr, 1, 1, &centre, &matrix, 0, 0), 0);
+    EXPECT_EQ(ngl_draw_ellip_ngmesh(mesh, 1, 1, nullptr, &matrix, 0, 0), 0);
+    EXPECT_EQ(ngl_draw_ellip_ngmesh(mesh, 1, 1, &centre, nullptr, 0, 0), 0);
+}
+
+TEST_F(Glyphs, ScratchGrowsByTheVerticesOfTheMesh) {
+    static std::vector<std::size_t> asked;
+    static bool isFull = false;
+    NHostServices services{};
+    services.allocate = [](void*, std::size_t bytes, const char*, int) {
+        asked.push_back(bytes / sizeof(_NgPoint3Str));
+        return isFull ? nullptr : std::malloc(bytes);
+    };
+    services.release = [](void*, void* block) { std::free(block); };
+    ASSERT_EQ(NHostSetServices(&services), 0);
+    const TestMesh small(std::vector<double>(3 * 10), {}), large(std::vector<double>(3 * 25), {}),
+        huge(std::vector<double>(3 * 36), {});
+    asked.clear();
+    for (_NgMeshStr* drawn :
+         {static_cast<_NgMeshStr*>(small), static_cast<_NgMeshStr*>(large), static_cast<_NgMeshStr*>(small)})
+        draw(drawn, 1, 1, 2);
+    isFull = true;
+    EXPECT_EQ(draw(huge, 1, 1, 0), 0);
+    EXPECT_EQ(asked, (std::vector<std::size_t>{10, 35, 71}));
+}
+
+TEST_F(Glyphs, ShapeFillsItsSilhouette) {
+    const float green[] = {0, 1, 0, 1}, noLight[] = {0, 0, 0, 1};
+    glMaterialfv(GL_FRONT, GL_EMISSION, green);
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, noLight);
+    glEnable(GL_CULL_FACE); // the faces that look outwards are front faces
+    glRotated(30, 0, 0, 1);
+    const GlSnapshot before = GlSnapshot::take();
+    EXPECT_EQ(Ngl_Shape_Hyper_Ellipsoid(24, 12, 6, 2, 64), 0);
+    EXPECT_TRUE(before.equals(GlSnapshot::take()));
+    const Picture p = read();
+    EXPECT_EQ(p.at(32, 32), kGreen);
+    EXPECT_NEAR(p.countOtherThan(kClear), M_PI * 24 * 12, 15);
+    EXPECT_EQ(NHostLiveBlocks(), 0u);
+    EXPECT_EQ(Ngl_Shape_Hyper_Ellipsoid(24, 12, 6, 1, 64), -1);
+    EXPECT_TRUE(samePicture(read(), p));
+}
+
+} // namespace
