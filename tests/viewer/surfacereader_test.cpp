@@ -189,7 +189,7 @@ TEST_F(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
     } rows[] = {
         {"a.stl", asciiStl(), CellType::Triangle, "a"},
         {"a.stl", upperCase(asciiStl()), CellType::Triangle, "a"},
-        {"b.stl", binaryStl(), CellType::Triangle, ""},
+        {"b.dat", binaryStl(), CellType::Triangle, ""},
         {"a.OBJ", obj(), CellType::Quad, "box"},
         {"a.ply", ply(false), CellType::Quad, ""},
         {"named.otherwise", ply(true), CellType::Quad, ""},
@@ -214,11 +214,10 @@ TEST_F(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
     }
 }
 
-// The second of two nodes stretches and mirrors what hangs on it; the chain is (x, y, z) -> (100 - x, y, 2
-// z).
+// Nodes one within the other stretch, mirror and move what hangs on them: (x, y, z) -> (95 - x, y, 2 z).
 TEST_F(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
     const Model model = read("a.glb", glb(boxJson(R"([{"children":[1,2],"translation":[100,0,0]},
-{"mesh":0,"name":"box"},{"children":[3],"scale":[-1,1,1]},{"mesh":0,"scale":[1,1,2],"children":[4]},{"mesh":1}])")));
+{"mesh":0,"name":"box"},{"children":[3],"scale":[-1,1,1]},{"mesh":0,"scale":[1,1,2],"translation":[5,0,0],"children":[4]},{"mesh":1}])")));
     ASSERT_EQ(model.parts.size(), 3u);
     EXPECT_EQ(model.parts[0].name, "box");
     EXPECT_EQ(model.parts[0].color, 0xFF0033FF);
@@ -231,8 +230,8 @@ TEST_F(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
     boxes.types.resize(24);
     boxes.offsets.resize(25);
     EXPECT_NEAR(volumeOf(boxes), 30.0 + 60.0, 1e-9);
-    EXPECT_EQ(model.nodes[model.cellNodes(24)[0]], (Point{91, 1.5, -5})) << "wound the other way round";
-    EXPECT_EQ(model.nodes[model.cellNodes(24)[2]], (Point{91, -1.5, -5}));
+    EXPECT_EQ(model.nodes[model.cellNodes(24)[0]], (Point{86, 1.5, -5})) << "wound the other way round";
+    EXPECT_EQ(model.nodes[model.cellNodes(24)[2]], (Point{86, -1.5, -5}));
     const Point expected = unit({-0.6, 0, 0.4}); // of the inverse transpose
     const auto& [x, y, z] = model.cornerNormals.at(72);
     EXPECT_LT(length(Point{x, y, z} - expected), 1e-6);
@@ -241,7 +240,7 @@ TEST_F(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
 
 TEST_F(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
     const std::string text = "mtllib a.mtl\nv 0 0 0\nv 2 0 0\nv 2 1 0\nv 1 1 0\nv 1 3 0\nv 0 3 0\n"
-                             "vn 0 0 2\nvn 0 0 0\nusemtl red\nf 1//1 2//1 3//1 4//2 5//1 6//1\n"
+                             "vn 0 0 2\nvn 0 0 0\nvn nan 0 1\nusemtl red\nf 1//1 2//1 3//1 4//2 5//3 6//1\n"
                              "usemtl glass\nl 1 2 3\np 1\nf 1//1 2//1 3//1\n";
     EXPECT_EQ(read("a.obj", text).parts.at(0).color, std::nullopt) << "there is no material file";
     write("a.mtl", "newmtl red\nKd 1 0 0\nmap_Kd wood.png\nnewmtl glass\nKd 0 1 0\nd 0.25\n");
@@ -254,6 +253,7 @@ TEST_F(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
     EXPECT_EQ(model.parts[1].opacity, 0.25);
     EXPECT_THAT(model.cornerNormals.at(2), ElementsAre(0, 0, 1));
     EXPECT_THAT(model.cornerNormals.at(3), ElementsAre(0, 0, 0));
+    EXPECT_THAT(model.cornerNormals.at(4), ElementsAre(0, 0, 0)) << "not a number";
     EXPECT_THAT(model.notes, ElementsAre("1 single points are left out", "textures are not read"));
 }
 
