@@ -236,3 +236,25 @@ TEST_F(ViewerProgram, PicksWithoutAWindow) {
     EXPECT_EQ(nruview(command + "105,54 --field T").output, "node 4 at 1 1 0.5: T = 5\n");
     EXPECT_EQ(nruview(command + "1,1").output, "nothing\n");
 }
+
+TEST_F(ViewerProgram, ShowsSurfacesWithTheirPartsAndWithoutTheirTriangles) {
+    write("a.mtl", "newmtl bare\nKd 0 1 1\nnewmtl paint\nKd 1 0.5 0\nd 0.5\n");
+    write("a.obj", "mtllib a.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\no plate\nusemtl bare\nf 1 2 3 4\no "
+                   "flap\nusemtl paint\n"
+                   "f 1 2 3\nf 1 3 4\nl 1 3\n");
+    const std::string list = nruview("@a.obj --list").output;
+    EXPECT_NE(
+        list.find(
+            "\nparts 2\n  plate, cell 0, color 00ffff\n  flap, cells 1 to 3, color ff8000, opacity 0.5\n"),
+        std::string::npos)
+        << list;
+    EXPECT_TRUE(nruview("@a.obj --view xy --hide 0 --plain --size 100x100 --pick 70,40")
+                    .output.starts_with("element 1 (triangle) at 0.7"));
+    for (const char* edges : {"", "none", "all"})
+        EXPECT_EQ(nruview("@a.obj --plain --size 90x60 -o @" + std::string(edges) + ".png" +
+                          (edges[0] != '\0' ? " --edges " + std::string(edges) : ""))
+                      .output,
+                  "");
+    EXPECT_TRUE(contents(".png") == contents("none.png"));
+    EXPECT_FALSE(contents(".png") == contents("all.png"));
+}
