@@ -3,6 +3,8 @@
 //
 //   meshrenderer_bench [NAME]    steady frames (of the cases whose name contains NAME): milliseconds of wall
 //                                clock and of CPU, from clearing to glFinish; the best of three medians of 20
+#include <unistd.h>
+
 #include <epoxy/gl.h>
 
 #include <algorithm>
@@ -10,9 +12,11 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <functional>
+#include <filesystem>
+#include <fstream>
 #include <numbers>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "NRenderUtl/NRenderUtl.h"
@@ -76,6 +80,28 @@ void setLight(GLenum light, const std::array<float, 4>& position) {
     glEnable(light);
 }
 
+/// Surroundings of one radiance, which cost as much as any. The file is read when the first frame is lit.
+class ConstantEnvironment {
+public:
+    ConstantEnvironment() {
+        std::ofstream file(m_file, std::ios::binary);
+        file << "#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y 2 +X 4\n";
+        for (int pixel = 0; pixel < 8; ++pixel)
+            file << "\x80\x80\x80\x81";
+        file.close();
+        using Handler = NImageBasedLightHandler;
+        const NErrorPtr error = Handler::SetHDRImage(m_file.wstring().c_str(), Handler::ImageUpZ);
+        check(!error, "no environment");
+    }
+    ~ConstantEnvironment() { std::filesystem::remove(m_file); }
+    ConstantEnvironment(const ConstantEnvironment&) = delete;
+    ConstantEnvironment& operator=(const ConstantEnvironment&) = delete;
+
+private:
+    const std::filesystem::path m_file =
+        std::filesystem::temp_directory_path() / ("meshrenderer_bench" + std::to_string(getpid()) + ".hdr");
+};
+
 /// Two lights, shining materials, and a perspective view of the torus at an angle.
 void openView() {
     glViewport(0, 0, kWidth, kHeight);
@@ -115,7 +141,7 @@ using ngl::NglMeshRenderer;
 
 struct Case {
     std::string name;
-    bool physicallyBased, transparent;
+    bool physicallyBased, environment, transparent;
 };
 
 void drawFrame(NglMeshRenderer& renderer, const Model& model, const Case& test) {
@@ -132,6 +158,7 @@ void drawFrame(NglMeshRenderer& renderer, const Model& model, const Case& test) 
 /// Medians of some frames after two that are not counted.
 Times timeFrames(const Model& model, const Case& test) {
     EnablePhysicallyBasedRendering(test.physicallyBased);
+    EnableEnvironmentReflection(test.environment);
     NglMeshRenderer renderer;
     renderer.SetColor(8);
     renderer.SetRenderMaterial(L"Steel");
@@ -157,10 +184,13 @@ Times timeFrames(const Model& model, const Case& test) {
 }
 
 void timeSteadyFrames(const std::string& filter) {
-    std::vector<Case> cases = {{"classic", false, false},
-                               {"classic, transparent", false, true},
-                               {"direct lights", true, false},
-                               {"direct lights, transparent", true, true}};
+    std::vector<Case> cases;
+    for (const bool transparent : {false, true})
+        for (const auto& [name, physicallyBased, environment] : {std::tuple{"classic", false, false},
+                                                                 {"direct lights", true, false},
+                                                                 {"environment", true, true}})
+            cases.push_back({name + std::string(transparent ? ", transparent" : ""), physicallyBased,
+                             environment, transparent});
     std::erase_if(cases, [&](const Case& test) { return test.name.find(filter) == std::string::npos; });
     const Model model = makeTorus(400, 125);
     std::vector<Times> best(cases.size(), {1e9, 1e9});
@@ -180,6 +210,7 @@ void run(const std::string& filter) {
     check(error.empty(), error.c_str());
     startLibrary();
     openView();
+    const ConstantEnvironment environment;
     timeSteadyFrames(filter);
 }
 

@@ -8,12 +8,10 @@
 #include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostutl.h"
-#include "NRenderUtl/lighting/nlighting.h"
+#include "NRenderUtl/mesh/meshrendererprograms.h"
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/mesh/pbrlightrig.h"
-#include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/samplerunits.h"
-#include "NRenderUtl/shaders/shadercatalogue.h"
 
 namespace ngl {
 
@@ -25,26 +23,9 @@ constexpr std::uint32_t kNoLocation = 0xFFFFFFFF;
 constexpr int kFrontColorIndex = 8, kBackColorIndex = 61;
 constexpr unsigned int kElementsPerDraw = 1u << 28; // keeps index counts within GLsizei
 
-constexpr _RenderMaterialApperance kDefaultAppearance = {
-    .metalness = 0.3f, .roughness = 0.2f, .ambientOcclusion = 1.0f, .reflectivity = 0.92f};
-
-void setAppearance(NShaderProgram& program, const _RenderMaterialApperance& appearance) {
-    program.SetUniformValue(RenderUniformMetalness, appearance.metalness);
-    program.SetUniformValue(RenderUniformRoughness, appearance.roughness);
-    program.SetUniformValue(RenderUniformReflectivity, appearance.reflectivity);
-    program.SetUniformValue(RenderUniformAmbientOcclusion, appearance.ambientOcclusion);
-}
-
-/// Null only without memory; not valid where the driver lacks shaders or refuses these.
-ComposedProgram* createProgram() {
-    auto* program = new (std::nothrow) ComposedProgram;
-    if (!program || !GLeeEnabled(GLeeVertexShader) || !GLeeEnabled(GLeeFragmentShader) ||
-        !program->buildMeshRenderer())
-        return program;
-    const ProgramInUseGuard guard;
-    program->UseProgram(true);
-    setAppearance(*program, kDefaultAppearance); // for names that the table does not hold
-    return program;
+/// The shared program as what RenderBegin made it.
+MeshRendererPrograms& programsOf(NShaderProgram& shared) {
+    return static_cast<MeshRendererPrograms&>(shared);
 }
 
 void readColor(int index, float* rgb) {
@@ -60,10 +41,6 @@ void readOpaqueColor(int index, float (&rgba)[4]) {
 
 constexpr RenderingShaderUniform kMapSamplers[] = {RenderUniformIrradianceMap, RenderUniformPrefilterMap,
                                                    RenderUniformBrdfTable};
-
-bool reflectsEnvironment() {
-    return IsEnvironmentReflectionEnabled() && NImageBasedLightHandler::IsValid();
-}
 
 void bindMap(NShaderProgram& program, RenderingShaderUniform sampler, GLenum target, GLuint texture) {
     program.SetUniformValue(sampler, samplerUnit(sampler));
@@ -183,7 +160,7 @@ void NglMeshRenderer::EnableFrontAndBackRender(bool enable) {
 
 bool NglMeshRenderer::RenderBegin(RenderPass pass) {
     if (!m_pShaderProg)
-        m_pShaderProg = createProgram();
+        m_pShaderProg = new (std::nothrow) MeshRendererPrograms;
     if (!m_pShaderProg)
         return false;
     if (!m_pShaderProg->IsProgramValid()) {
@@ -196,16 +173,19 @@ bool NglMeshRenderer::RenderBegin(RenderPass pass) {
     }
     if (IsEnvironmentReflectionEnabled())
         NImageBasedLightHandler::Initialize();
-    m_pShaderProg->UseProgram(true);
-    m_positionLocation =
-        static_cast<std::uint32_t>(m_pShaderProg->GetVertexAttributeLocation("g_pos_attrib"));
-    m_normalLocation =
-        static_cast<std::uint32_t>(m_pShaderProg->GetVertexAttributeLocation("g_vnorm_attrib"));
+    programsOf(*m_pShaderProg).select();
+    const NShaderProgram& program = ShaderProgram();
+    m_positionLocation = static_cast<std::uint32_t>(program.GetVertexAttributeLocation("g_pos_attrib"));
+    m_normalLocation = static_cast<std::uint32_t>(program.GetVertexAttributeLocation("g_vnorm_attrib"));
     SetShaderUniforms(pass);
     SetPBRAndHDRUniforms();
     readOpaqueColor(kFrontColorIndex, m_frontColor);
     readOpaqueColor(kBackColorIndex, m_backColor);
     return true;
+}
+
+NShaderProgram& NglMeshRenderer::ShaderProgram() {
+    return programsOf(*m_pShaderProg).selected();
 }
 
 void NglMeshRenderer::RenderEnd() {
@@ -216,6 +196,7 @@ void NglMeshRenderer::RenderEnd() {
 
 void NglMeshRenderer::SetShaderUniforms(RenderPass pass) {
     const _NglInfoStr& info = *NglGetNglInfo();
+    NShaderProgram& program = ShaderProgram();
     glGetFloatv(GL_MODELVIEW_MATRIX, m_modelView);
     glGetFloatv(GL_PROJECTION_MATRIX, m_projection);
     for (std::size_t i = 0; i < std::size(m_lights); ++i) {
@@ -229,28 +210,29 @@ void NglMeshRenderer::SetShaderUniforms(RenderPass pass) {
     m_cameraPosition[1] = static_cast<float>(info.cameraPosition.y);
     m_cameraPosition[2] = static_cast<float>(info.cameraPosition.z);
 
-    m_pShaderProg->SetMVPMatrices(m_projection, m_modelView, true);
-    m_pShaderProg->SetMateiralUniforms(&m_frontMaterial, &m_backMaterial);
-    m_pShaderProg->SetLightUniforms(static_cast<int>(std::size(m_lights)), m_lights);
-    m_pShaderProg->SetUniformValue(RenderUniformLightsOff, 0);
-    m_pShaderProg->SetVec3UniformValue(RenderUniformCameraPosition, m_cameraPosition);
-    m_pShaderProg->SetUniformValue(RenderUniformTransparent, pass == RenderPassTransparent);
-    m_pShaderProg->SetUniformValue(RenderUniformClipped, 0);
+    program.SetMVPMatrices(m_projection, m_modelView, true);
+    program.SetMateiralUniforms(&m_frontMaterial, &m_backMaterial);
+    program.SetLightUniforms(static_cast<int>(std::size(m_lights)), m_lights);
+    program.SetUniformValue(RenderUniformLightsOff, 0);
+    program.SetVec3UniformValue(RenderUniformCameraPosition, m_cameraPosition);
+    program.SetUniformValue(RenderUniformTransparent, pass == RenderPassTransparent);
+    program.SetUniformValue(RenderUniformClipped, 0);
 }
 
 void NglMeshRenderer::SetPBRAndHDRUniforms() {
+    NShaderProgram& program = ShaderProgram();
     if (!IsPhysicallyBasedRenderingEnabled()) {
-        m_pShaderProg->SetUniformValue(RenderUniformPhysicallyBased, 0);
+        program.SetUniformValue(RenderUniformPhysicallyBased, 0);
         return;
     }
     makePbrLights(*NglGetNglInfo(), m_pbrLights);
-    m_pShaderProg->SetPBRLightUniforms(static_cast<int>(std::size(m_pbrLights)), m_pbrLights);
-    m_pShaderProg->SetUniformValue(RenderUniformEnvironmentReflection, 0);
+    program.SetPBRLightUniforms(static_cast<int>(std::size(m_pbrLights)), m_pbrLights);
+    program.SetUniformValue(RenderUniformEnvironmentReflection, 0);
     if (reflectsEnvironment()) {
-        bindMaps(*m_pShaderProg);
-        m_pShaderProg->SetUniformValue(RenderUniformEnvironmentReflection, 1);
+        bindMaps(program);
+        program.SetUniformValue(RenderUniformEnvironmentReflection, 1);
     }
-    m_pShaderProg->SetUniformValue(RenderUniformPhysicallyBased, 1);
+    program.SetUniformValue(RenderUniformPhysicallyBased, 1);
 }
 
 // --- drawing -----------------------------------------------------------------------------------------------
@@ -277,13 +259,14 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
     if (!positions || !normals)
         return;
     SetDrawUniforms(attributes);
+    NShaderProgram& program = ShaderProgram();
     const ClientArraysGuard hostArrays;
     const PlainIndicesGuard indices;
     std::optional<PlainMapsGuard> maps;
     if (IsPhysicallyBasedRenderingEnabled() && reflectsEnvironment())
         maps.emplace();
-    const AttributeArray positionArray(*m_pShaderProg, m_positionLocation, positions);
-    const AttributeArray normalArray(*m_pShaderProg, m_normalLocation, normals);
+    const AttributeArray positionArray(program, m_positionLocation, positions);
+    const AttributeArray normalArray(program, m_normalLocation, normals);
     const Elements elements{triCount, quadCount, triIndices, quadIndices};
     attributes.transparency ? drawBackFacesFirst(elements) : elements.draw();
 }
@@ -291,22 +274,23 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
 void NglMeshRenderer::SetDrawUniforms(const _RenderAttributes& attributes) {
     // Deliberate: a name that the table does not hold leaves the program with the appearance of the draw
     // before.
-    _RenderMaterialApperance appearance = kDefaultAppearance;
+    NShaderProgram& program = ShaderProgram();
+    _RenderMaterialApperance appearance = MeshRendererPrograms::kDefaultAppearance;
     if (IsPhysicallyBasedRenderingEnabled() &&
         NRenderMaterialApperanceHandler::Get(attributes.materialName, appearance))
-        setAppearance(*m_pShaderProg, appearance);
+        programsOf(*m_pShaderProg).setAppearance(appearance);
     glGetFloatv(GL_MODELVIEW_MATRIX, m_modelView);
-    m_pShaderProg->SetMVPMatrices(nullptr, m_modelView, true);
+    program.SetMVPMatrices(nullptr, m_modelView, true);
     float color[3];
     readColor(attributes.color, color);
-    m_pShaderProg->SetVec3UniformValue(RenderUniformColor, color);
-    m_pShaderProg->SetUniformValue(RenderUniformFrontBackColors, attributes.frontAndBackRender);
+    program.SetVec3UniformValue(RenderUniformColor, color);
+    program.SetUniformValue(RenderUniformFrontBackColors, attributes.frontAndBackRender);
     if (attributes.frontAndBackRender) {
-        m_pShaderProg->SetVec4UniformValue(RenderUniformBackColor, m_backColor);
-        m_pShaderProg->SetVec4UniformValue(RenderUniformFrontColor, m_frontColor);
+        program.SetVec4UniformValue(RenderUniformBackColor, m_backColor);
+        program.SetVec4UniformValue(RenderUniformFrontColor, m_frontColor);
     }
     if (attributes.transparency)
-        m_pShaderProg->SetUniformValue(RenderUniformAlpha, attributes.alpha);
+        programsOf(*m_pShaderProg).setAlpha(attributes.alpha);
 }
 
 } // namespace ngl

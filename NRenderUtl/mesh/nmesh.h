@@ -255,6 +255,7 @@ public:
     void RenderEnd();
 
 private:
+    static NShaderProgram& ShaderProgram(); ///< that in use
     void SetShaderUniforms(RenderPass pass);
     void SetPBRAndHDRUniforms();
     void SetDrawUniforms(const _RenderAttributes& attributes);

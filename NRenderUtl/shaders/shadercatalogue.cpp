@@ -200,6 +200,12 @@ bool ComposedProgram::buildMeshRenderer(SourceChanges changes) {
                    std::move(changes));
 }
 
+bool ComposedProgram::buildMeshPhysical(SourceChanges changes) {
+    return compose(
+        {"NRenderUtl mesh renderer", {kMeshPhysicalVertexMain}, {}, {kMeshPhysicalFragmentMain}, 0},
+        std::move(changes));
+}
+
 bool ComposedProgram::buildMarkers(SourceChanges changes) {
     return compose(
         {"NRenderUtl markers", {kMarkerVertexMain}, {}, {kMarkerFragmentMain, kLightingLibrary}, 0},

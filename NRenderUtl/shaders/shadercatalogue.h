@@ -25,6 +25,9 @@ public:
     bool buildBatch(SourceChanges changes = {});
     /// From those of the mesh renderer.
     bool buildMeshRenderer(SourceChanges changes = {});
+    /// From those that are physically based alone: by the light rig under the define LIGHT_RIG, else by the
+    /// environment.
+    bool buildMeshPhysical(SourceChanges changes = {});
     /// From those of the 3D markers.
     bool buildMarkers(SourceChanges changes = {});
 

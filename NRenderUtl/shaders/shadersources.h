@@ -12,6 +12,8 @@ extern const char* const kBatchVertexMain;          // batch.vert.glsl
 extern const char* const kBatchFragmentMain;        // batch.frag.glsl
 extern const char* const kMeshRendererVertexMain;   // meshrenderer.vert.glsl
 extern const char* const kMeshRendererFragmentMain; // meshrenderer.frag.glsl
+extern const char* const kMeshPhysicalVertexMain;   // meshphysical.vert.glsl
+extern const char* const kMeshPhysicalFragmentMain; // meshphysical.frag.glsl
 extern const char* const kMarkerVertexMain;         // marker.vert.glsl
 extern const char* const kMarkerFragmentMain;       // marker.frag.glsl
 extern const char* const kProbeVertexMain;          // probe.vert.glsl
