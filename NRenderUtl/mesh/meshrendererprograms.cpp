@@ -1,6 +1,32 @@
 #include "NRenderUtl/mesh/meshrendererprograms.h"
 
+#include <algorithm>
+#include <iterator>
+#include <new>
+
+#include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
+
+namespace {
+
+bool isNegative(float value) {
+    return !(value >= 0.0f);
+}
+
+/// Whether the model gives an alpha of 1 everywhere: emission has it already, and no light takes from it.
+bool isLitOpaque(const _NglInfoStr& info) {
+    if (info.frontMaterial.emission[3] + info.backMaterial.emission[3] < 1.0f ||
+        isNegative(info.frontMaterial.specular[3]) || isNegative(info.backMaterial.specular[3]))
+        return false;
+    return std::none_of(std::begin(info.lights), std::end(info.lights), [](const NglLightParams& light) {
+        return light.enabled == 1 &&
+               (isNegative(light.ambient[3]) || isNegative(light.diffuse[3]) ||
+                isNegative(light.specular[3]) || isNegative(light.constantAttenuation) ||
+                isNegative(light.linearAttenuation) || isNegative(light.quadraticAttenuation));
+    });
+}
+
+} // namespace
 
 bool reflectsEnvironment() {
     return IsEnvironmentReflectionEnabled() && NImageBasedLightHandler::IsValid();
@@ -11,23 +37,61 @@ MeshRendererPrograms::MeshRendererPrograms() {
         buildMeshRenderer();
 }
 
-NShaderProgram& MeshRendererPrograms::built(Variant& variant, const char* define) {
+MeshRendererPrograms::Binding::Binding(MeshRendererPrograms& programs) {
+    if (!programs.m_readsBlock)
+        return;
+    m_unit.emplace();
+    programs.m_block.bind();
+}
+
+template <class Build>
+NShaderProgram& MeshRendererPrograms::built(Variant& variant, const Build& build) {
     if (!variant.tried)
-        variant.program.buildMeshPhysical({{define}, {}});
+        build(variant.program);
     variant.tried = true;
     return variant.program.IsProgramValid() ? variant.program : static_cast<NShaderProgram&>(*this);
 }
 
+NShaderProgram& MeshRendererPrograms::physical(Variant& variant, const char* define) {
+    return built(variant, [=](ComposedProgram& program) { program.buildMeshPhysical({{define}, {}}); });
+}
+
+/// Lights and materials from the block, whose model has no alpha of its own.
+NShaderProgram& MeshRendererPrograms::classic() {
+    const _NglInfoStr& info = *NglGetNglInfo();
+    const BlockLighting lighting{info.lights, info.frontMaterial, info.backMaterial};
+    if (!isLitOpaque(info) || !m_block.isUsable())
+        return *this;
+    const bool highlights = hasHighlights(lighting);
+    NShaderProgram& program =
+        built(highlights ? m_classic : m_classicWithoutHighlights, [=](ComposedProgram& variant) {
+            SourceChanges changes{{}, {{"g_usepbrmat", 0}, {"g_lightsOff", 0}}, true};
+            if (!highlights)
+                changes.defines.push_back("NO_HIGHLIGHTS");
+            variant.buildMeshRenderer(changes);
+        });
+    if (&program == this)
+        return program;
+    m_block.set(makeParameterBlock(lighting, nullptr));
+    m_readsBlock = true;
+    return program;
+}
+
 NShaderProgram& MeshRendererPrograms::choose() {
     if (!IsPhysicallyBasedRenderingEnabled())
-        return *this;
+        return classic();
     if (reflectsEnvironment())
-        return built(m_environment, "ENVIRONMENT");
-    return built(m_rig, "LIGHT_RIG");
+        return physical(m_environment, "ENVIRONMENT");
+    return physical(m_rig, "LIGHT_RIG");
 }
 
 void MeshRendererPrograms::select() {
-    m_selected = &choose();
+    m_readsBlock = false;
+    try {
+        m_selected = &choose();
+    } catch (const std::bad_alloc&) {
+        m_selected = this;
+    }
     m_selected->UseProgram(true);
     setAppearance(m_appearance);
     setAlpha(m_alpha);

@@ -2,7 +2,10 @@
 // picture that do a part.
 #pragma once
 
+#include <optional>
+
 #include "NRenderUtl/lighting/nlighting.h"
+#include "NRenderUtl/mesh/meshrendererblock.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
 /// The program that does all, with the others beside it.
@@ -17,6 +20,15 @@ public:
     /// The one that was selected last.
     NShaderProgram& selected() { return *m_selected; }
 
+    /// Binds what the selected program reads beside its uniforms and maps, for the length of a block.
+    class Binding {
+    public:
+        explicit Binding(MeshRendererPrograms& programs);
+
+    private:
+        std::optional<BlockUnitGuard> m_unit;
+    };
+
     void setAppearance(const _RenderMaterialApperance& appearance);
     void setAlpha(float alpha);
 
@@ -30,10 +42,16 @@ private:
         bool tried = false;
     };
     /// The program that does all where the variant cannot be built.
-    NShaderProgram& built(Variant& variant, const char* define);
+    template <class Build>
+    NShaderProgram& built(Variant& variant, const Build& build);
+    NShaderProgram& physical(Variant& variant, const char* define);
+    NShaderProgram& classic();
     NShaderProgram& choose();
 
     Variant m_rig, m_environment;
+    Variant m_classic, m_classicWithoutHighlights;
+    MeshRendererBlock m_block;
+    bool m_readsBlock = false;
     NShaderProgram* m_selected = this;
     _RenderMaterialApperance m_appearance = kDefaultAppearance;
     float m_alpha = 0.0f;

@@ -265,6 +265,7 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
     std::optional<PlainMapsGuard> maps;
     if (IsPhysicallyBasedRenderingEnabled() && reflectsEnvironment())
         maps.emplace();
+    const MeshRendererPrograms::Binding block(programsOf(*m_pShaderProg));
     const AttributeArray positionArray(program, m_positionLocation, positions);
     const AttributeArray normalArray(program, m_normalLocation, normals);
     const Elements elements{triCount, quadCount, triIndices, quadIndices};

@@ -91,8 +91,12 @@ int channel(std::uint32_t pixel, int c) {
 
 // --- shading -----------------------------------------------------------------------------------------------
 
-/// A triangle over the whole window, whose position and normal are linear in the pixel.
-class MeshShading : public MeshRenderer {
+decltype(epoxy_glLinkProgram) realLink;
+int linksLeft;
+
+/// A triangle over the whole window, whose position and normal are linear in the pixel. With the parameter,
+/// the program that does all draws where a faster one would.
+class MeshShading : public MeshRenderer, public ::testing::WithParamInterface<bool> {
 protected:
     void SetUp() override {
         MeshRenderer::SetUp();
@@ -127,6 +131,27 @@ protected:
         renderer.SetRenderMaterial(L"Satin");
         renderer.SetColor(70);
     }
+    static Picture flat(std::uint32_t color) {
+        Picture picture(kSize, kSize);
+        for (int i = 0; i < kSize * kSize; ++i)
+            picture.at(i % kSize, i / kSize) = color;
+        return picture;
+    }
+    /// From the first draw on no other program can be built.
+    void refuseFastPrograms() {
+        if (!GetParam())
+            return;
+        linksLeft = 1;
+        realLink = epoxy_glLinkProgram;
+        epoxy_glLinkProgram = [](GLuint program) {
+            if (linksLeft-- > 0)
+                realLink(program);
+        };
+    }
+    /// Whether the program that does all is in use.
+    static bool doesAll() {
+        return glGetUniformLocation(GLuint(integer(GL_CURRENT_PROGRAM)), "g_usepbrmat") >= 0;
+    }
     /// The rules' colour at a pixel.
     dvec4 expected(const Lighting& rules, int x, int y) const {
         const double s = (x + 0.5) / 128, t = (y + 0.5) / 128;
@@ -149,7 +174,11 @@ protected:
                     worst = std::max(worst, std::abs(channel(picture.at(x, y), c) -
                                                      255 * std::min(1.0, expected(rules, x, y)[c])));
         EXPECT_LT(worst, 0.75) << "of 255; half of it is rounding to bytes";
-        EXPECT_GT(std::abs(channel(picture.at(60, 3), 0) - channel(picture.at(3, 60), 0)), 8) << "flat";
+        EXPECT_FALSE(samePicture(picture, flat(centre(picture)), 8));
+        renderer.RenderBegin(kOpaque);
+        // The fast ones have no alpha of the model's.
+        EXPECT_EQ(doesAll(), GetParam() || record.frontMaterial.emission[3] == 0);
+        renderer.RenderEnd();
     }
     Lighting classic() const {
         Lighting rules;
@@ -163,13 +192,22 @@ protected:
     Body body;
 };
 
-TEST_F(MeshShading, ClassicPixelsFollowTheRules) {
+TEST_P(MeshShading, ClassicPixelsFollowTheRules) {
+    refuseFastPrograms();
     expectRules(classic());
     record.lights[0].enabled = 0; // and what the program has of it stays dark
     expectRules(classic());
+    for (NglLightParams& light : record.lights)
+        light.specular[0] = light.specular[1] = light.specular[2] = 0;
+    expectRules(classic());
+    record.frontMaterial.emission[3] = record.backMaterial.emission[3] = 0;
+    for (NglLightParams& light : record.lights)
+        light.ambient[3] = light.diffuse[3] = light.specular[3] = 0.1f;
+    expectRules(classic());
 }
 
-TEST_F(MeshShading, PhysicallyBasedPixelsFollowTheRulesUnderTheRig) {
+TEST_P(MeshShading, PhysicallyBasedPixelsFollowTheRulesUnderTheRig) {
+    refuseFastPrograms();
     EnablePhysicallyBasedRendering(true);
     Lighting rules;
     rules.physicallyBased = 1;
@@ -193,7 +231,8 @@ TEST_F(MeshShading, PhysicallyBasedPixelsFollowTheRulesUnderTheRig) {
     expectRules(classic());
 }
 
-TEST_F(MeshShading, UnknownMaterialsLookAsTheLastKnownOne) {
+TEST_P(MeshShading, UnknownMaterialsLookAsTheLastKnownOne) {
+    refuseFastPrograms();
     EnablePhysicallyBasedRendering(true);
     renderer.SetRenderMaterial(L"unknown");
     const Picture initial = draw(body);
@@ -209,13 +248,14 @@ TEST_F(MeshShading, UnknownMaterialsLookAsTheLastKnownOne) {
     }
 }
 
-TEST_F(MeshShading, EnvironmentLightsThroughItsMaps) {
+TEST_P(MeshShading, EnvironmentLightsThroughItsMaps) {
     EnablePhysicallyBasedRendering(true);
     EnableEnvironmentReflection(true);
     const auto drawArrays = epoxy_glDrawArrays;
     epoxy_glDrawArrays = [](GLenum, GLint, GLsizei) {}; // maps of any content
     NImageBasedLightHandler::Initialize();
     epoxy_glDrawArrays = drawArrays;
+    refuseFastPrograms();
     const float irradiance[] = {0.3f, 0.5f, 0.7f, 0}, brdf[] = {0.5f, 0.25f, 0, 0};
     glClearTexImage(NImageBasedLightHandler::GetIrradianceMapTextureID(), 0, GL_RGBA, GL_FLOAT, irradiance);
     glClearTexImage(NImageBasedLightHandler::GetBRDFLUTTextureID(), 0, GL_RGBA, GL_FLOAT, brdf);
@@ -245,6 +285,8 @@ TEST_F(MeshShading, EnvironmentLightsThroughItsMaps) {
     EXPECT_EQ(integer(GL_SAMPLER_BINDING), GLint(sampler));
     NImageBasedLightHandler::CleanUpBuffers();
 }
+
+INSTANTIATE_TEST_SUITE_P(Programs, MeshShading, ::testing::Bool());
 
 // --- what is drawn -----------------------------------------------------------------------------------------
 
