@@ -229,7 +229,8 @@ void N3DMarker::drawByProgram(NShaderProgram& program, const NgMatrix& transform
         program.SetUniformValue("g_texcoord2", look.texCoord2);
     } else {
         float* marked = look.highlighted ? markerColors().highlight : markerColors().selection;
-        program.SetVec4UniformValue(RenderUniformColorWithAlpha, look.contoured ? marked : look.rgba);
+        if (float* color = look.contoured ? marked : look.rgba)
+            program.SetVec4UniformValue(RenderUniformColorWithAlpha, color);
     }
     glDrawElements(GL_TRIANGLES, 3 * m_triangleCount, GL_UNSIGNED_INT,
                    m_indexBuffer.IsValid() ? nullptr : m_indices);

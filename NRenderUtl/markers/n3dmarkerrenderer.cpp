@@ -1,7 +1,7 @@
 // The renderer of 3D marker sections: what is constant for a section is sent once, in Begin.
-#include <algorithm>
 #include <iterator>
 #include <new>
+#include <utility>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
@@ -17,7 +17,7 @@ constexpr int kSelectionIndex = 33, kHighlightIndex = 32;
 
 /// What of the host's state a section by the program sets aside.
 struct HostState {
-    GLint vertexArray = 0;
+    GLuint vertexArray = 0;
     bool restarts = false;
 };
 
@@ -42,24 +42,27 @@ NShaderProgram* createProgram() {
     return nullptr;
 }
 
-/// The attribute belongs to no object of the host's, and every index is one of the shape.
+/// The attribute is to belong to no object of the host's, and every index is to be one of the shape.
 void setHostStateAside() {
     HostState& host = state().host;
     const int version = epoxy_gl_version();
-    host = {};
+    GLint object = 0;
     if (version >= 30)
-        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &host.vertexArray);
-    if (host.vertexArray != 0)
+        glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &object);
+    if (object != 0) {
+        host.vertexArray = static_cast<GLuint>(object);
         glBindVertexArray(0);
-    host.restarts = version >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART);
-    if (host.restarts)
+    }
+    if (version >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
+        host.restarts = true;
         glDisable(GL_PRIMITIVE_RESTART);
+    }
 }
 
 void giveHostStateBack() {
-    const HostState& host = state().host;
+    const HostState host = std::exchange(state().host, {});
     if (host.vertexArray != 0)
-        glBindVertexArray(static_cast<GLuint>(host.vertexArray));
+        glBindVertexArray(host.vertexArray);
     if (host.restarts)
         glEnable(GL_PRIMITIVE_RESTART);
 }
@@ -161,8 +164,7 @@ void N3DMarkerRenderer::Begin(_Render3DMarkerType type, _Render3DMarkerShape sha
 void N3DMarkerRenderer::beginProgram() {
     readPaletteColor(kSelectionIndex, markerColors().selection);
     readPaletteColor(kHighlightIndex, markerColors().highlight);
-    if (!m_bShaderActive)
-        setHostStateAside();
+    setHostStateAside();
     m_bShaderActive = 1;
     m_pShader->UseProgram(true);
     setSectionUniforms(*m_pShader, m_bClip);
@@ -171,7 +173,7 @@ void N3DMarkerRenderer::beginProgram() {
         glVertexAttribDivisor(static_cast<GLuint>(position), 0);
 }
 
-/// The buffers of a section by the program, which an enabled attribute would carry into what comes next.
+/// Unbinds the shape, whose enabled attribute would otherwise reach what is drawn next.
 void N3DMarkerRenderer::leaveShape() {
     if (m_bShaderActive && m_pShader && m_pMarker && state().canDraw)
         m_pMarker->End(m_pShader);

@@ -4,13 +4,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
-#include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/markers/nmarkers.h"
+#include "tests/shaders/testprogram.h"
 #include "tests/support/glsnapshot.h"
 #include "tests/support/librarytest.h"
 #include "tests/support/subprocess.h"
@@ -21,10 +21,9 @@ namespace {
 
 constexpr auto kCylinder = RENDER_3D_MARKER_CYLINDER, kSphere = RENDER_3D_MARKER_SPHERE;
 constexpr auto kSmooth = RENDER_3D_MARKER_SHAPE_SMOOTH;
-constexpr NgColorLong kRed = 0xFF2040E0, kGreen = 0xFF40C020, kHighlight = 0xFF00E0F0,
-                      kSelection = 0xFFF080E0;
-constexpr NgColorLong kLow = 0xFFF05030, kHigh = 0xFF10A0C0, kSelectionRow = 0xFF808020,
-                      kHighlightRow = 0xFFE0E0A0;
+constexpr NgColorLong kRed = 0x2040E0, kGreen = 0x40C020, kHighlight = 0x00E0F0, kSelection = 0xF080E0;
+constexpr NgColorLong kOpaque = 0xFF000000;
+constexpr NgColorLong kLow = 0xF05030, kHigh = 0x10A0C0, kSelectionRow = 0x808020, kHighlightRow = 0xE0E0A0;
 
 struct Marker {
     _Render3DMarkerType type = kCylinder;
@@ -33,8 +32,10 @@ struct Marker {
     const NgColorLong* color = &kRed;
     bool contoured = false;
     int selected = 0, highlighted = 0;
-    float values[2] = {15, 25}; ///< where the texture's two columns begin to be seen
+    float values[2] = {15, 25}; ///< of the texture's two columns
 };
+const Marker kBall{kSphere, {0, .5f, 0}, {2, 1, 1}},
+    kValuedBall{kSphere, {0, .5f, 0}, {2, 1, 1}, 1, 0, &kRed, true};
 
 int draw(const Marker& m) {
     if (m.type == kSphere)
@@ -42,6 +43,10 @@ int draw(const Marker& m) {
                                   m.highlighted);
     return RenderDraw3DMarker(&m.start, &m.vector, m.lengthScale, m.widthRatio, m.color, m.contoured,
                               m.values[0], m.values[1], m.selected, m.highlighted);
+}
+
+std::uint32_t colorAt(const Picture& p, int x, int y) {
+    return p.at(x, y) & 0xFFFFFF;
 }
 
 /// A view along -z of the square -2..2, 16 pixels a unit, with light that shows every side in its colour.
@@ -62,17 +67,8 @@ protected:
         std::copy_n(&textureMatrix[0][0], 16, &info.textureMatrix[0][0]);
         NglSetHighlightColor(kHighlight);
         NglSetSelectionColor(kSelection);
-        ngl_set_color_long(kGreen);
-        NHostServices services{};
-        services.context = &m_log;
-        services.diagnostic = [](void* log, int level, const char* text) {
-            *static_cast<std::string*>(log) += std::to_string(level) + " " + text + "\n";
-        };
-        NHostSetServices(&services);
-    }
-    void TearDown() override {
-        NHostSetServices(nullptr);
-        LibraryTest::TearDown();
+        ngl_set_color_long(kOpaque | kGreen);
+        captureHostLog();
     }
     Picture picture(const std::function<void()>& drawing) {
         clear();
@@ -89,30 +85,18 @@ protected:
     }
     /// Of both kinds of draw, in the current colour.
     void expectFixedFunction() {
-        for (const Marker& marker : {Marker{}, Marker{kSphere, {0, .5f, 0}, {2, 1, 1}}})
-            EXPECT_EQ(section(marker).at(32, 40), kGreen);
+        for (const Marker& marker : {Marker{}, kBall})
+            EXPECT_EQ(colorAt(section(marker), 32, 40), kGreen);
         EXPECT_EQ(takeLog(), "");
     }
-    std::string takeLog() { return std::exchange(m_log, ""); }
-
-private:
-    std::string m_log;
+    /// Diagnostics have negative numbers.
+    static std::string takeLog() { return std::exchange(hostLog(), ""); }
 };
 
-GLint integer(GLenum query) {
-    GLint value = 0;
-    glGetIntegerv(query, &value);
-    return value;
-}
-
-GLint attributeZero(GLenum query) {
-    GLint value = 0;
-    glGetVertexAttribiv(0, query, &value);
-    return value;
-}
-
-std::uint32_t colorAt(const Picture& p, int x, int y) {
-    return p.at(x, y) & 0xFFFFFF;
+bool attributeZeroIsEnabled() {
+    GLint enabled = 0;
+    glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+    return enabled != 0;
 }
 
 /// First and last column and row of what is drawn.
@@ -174,7 +158,7 @@ TEST_F(Markers3D, LieWhereTheirLineIsOnBothPaths) {
         const Picture drawn = section(marker);
         EXPECT_EQ(boxOf(drawn), box);
         EXPECT_NEAR(drawn.countOtherThan(kClear), pixels, .06 * pixels);
-        ngl_set_color_long(kRed);
+        ngl_set_color_long(kOpaque | kRed);
         EXPECT_TRUE(samePicture(section(marker, true), drawn));
         EnablePhysicallyBasedRendering(true);
         EXPECT_TRUE(samePicture(section(marker), drawn)) << "markers have no material";
@@ -184,9 +168,8 @@ TEST_F(Markers3D, LieWhereTheirLineIsOnBothPaths) {
 
 // The position of a vertex is its normal: light from the right shows the right end, whatever the path.
 TEST_F(Markers3D, AreLitAsRoundedShapes) {
-    NglLightParams& light = NglGetNglInfo()->lights[2];
     const float black[4] = {0, 0, 0, 1}, white[4] = {1, 1, 1, 1}, fromRight[4] = {1e6f, 0, 0, 1};
-    light = {1, {}, {2, 2, 2, 2}, {}, {1e6f, 0, 0, 1}, 1, 0, 0};
+    NglGetNglInfo()->lights[2] = {1, {}, {2, 2, 2, 2}, {}, {1e6f, 0, 0, 1}, 1, 0, 0};
     glLightfv(GL_LIGHT0, GL_POSITION, fromRight);
     glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, black);
     glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, white);
@@ -198,10 +181,9 @@ TEST_F(Markers3D, AreLitAsRoundedShapes) {
         SCOPED_TRACE(fixed);
         const Picture upright =
             section({.start = {0, -1, 0}, .vector = {0, 2, 0}, .widthRatio = .5f, .color = &color}, fixed);
-        for (int x = 33; x < 40; ++x) { // of a cylinder of radius 8 the cosine to the right grows as x does
-            EXPECT_NEAR(static_cast<double>(colorAt(upright, x, 32) & 0xFF), 255 * (x - 31.5) / 8, 14) << x;
-            EXPECT_NEAR(static_cast<double>(colorAt(upright, x, 20) & 0xFF), 255 * (x - 31.5) / 8, 14) << x;
-        }
+        for (int x = 33; x < 40; ++x) // of a cylinder of radius 8 the cosine to the right grows as x does
+            for (const int y : {20, 32})
+                EXPECT_NEAR(int(colorAt(upright, x, y) & 0xFF), 255 * (x - 31.5) / 8, 14) << x << ", " << y;
         const Picture end =
             section({.start = {0, 0, -1}, .vector = {0, 0, 2}, .widthRatio = 1, .color = &color}, fixed);
         EXPECT_LT(colorAt(end, 33, 32) & 0xFF, 60u) << "its middle looks at the viewer";
@@ -225,33 +207,29 @@ TEST_F(Markers3D, TakeTheColorOfTheirKindAndState) {
         {"highlighted", {.contoured = true, .highlighted = 1}, kHighlight, kHighlight, kHighlightRow},
         {"both", {.contoured = true, .selected = 1, .highlighted = 1}, kHighlight, kHighlight, kHighlightRow},
         {"values again", {.contoured = true, .values = {25, 15}}, kHigh, kLow, kHigh},
-        {"sphere", {kSphere, {0, .5f, 0}, {2, 1, 1}}, kRed, kRed, kGreen},
-        {"sphere's one value",
-         {.type = kSphere, .start = {0, .5f, 0}, .vector = {2, 1, 1}, .contoured = true},
-         kLow,
-         kLow,
-         kLow}};
+        {"sphere", kBall, kRed, kRed, kGreen},
+        {"sphere's one value", kValuedBall, kLow, kLow, kLow}};
     makeContourTexture();
     for (const auto& [name, marker, start, end, fixed] : rows) {
         SCOPED_TRACE(name);
         glDisable(GL_TEXTURE_2D);
-        ngl_set_color_long(kGreen);
+        ngl_set_color_long(kOpaque | kGreen);
         const Picture drawn = section(marker);
-        EXPECT_EQ(hex(colorAt(drawn, 18, 40)), hex(start & 0xFFFFFF));
-        EXPECT_EQ(hex(colorAt(drawn, 45, 40)), hex(end & 0xFFFFFF));
+        EXPECT_EQ(hex(colorAt(drawn, 18, 40)), hex(start));
+        EXPECT_EQ(hex(colorAt(drawn, 45, 40)), hex(end));
         if (marker.contoured) {
             glEnable(GL_TEXTURE_2D);
             glColor3f(1, 1, 1); // the texture's colours as they are
         }
         const Picture byFixedFunction = section(marker, true);
-        EXPECT_EQ(hex(colorAt(byFixedFunction, 18, 40)), hex(fixed & 0xFFFFFF));
-        EXPECT_EQ(hex(colorAt(byFixedFunction, 45, 40)), hex(fixed & 0xFFFFFF));
+        EXPECT_EQ(hex(colorAt(byFixedFunction, 18, 40)), hex(fixed));
+        EXPECT_EQ(hex(colorAt(byFixedFunction, 45, 40)), hex(fixed));
     }
     // The first half of an arrow's vertices ends within its neck: the head is of the second.
     const Picture arrow =
         section({.type = RENDER_3D_MARKER_ARROW_ONE_WAY, .widthRatio = .25f, .contoured = true});
-    EXPECT_EQ(hex(colorAt(arrow, 18, 40)), hex(kLow & 0xFFFFFF));
-    EXPECT_EQ(hex(colorAt(arrow, 38, 45)), hex(kHigh & 0xFFFFFF));
+    EXPECT_EQ(hex(colorAt(arrow, 18, 40)), hex(kLow));
+    EXPECT_EQ(hex(colorAt(arrow, 38, 45)), hex(kHigh));
 }
 
 TEST_F(Markers3D, AlphaIsOfTheCurrentColorOrOfBlending) {
@@ -294,8 +272,7 @@ TEST_F(Markers3D, ForcedFixedFunctionLastsUntilTheEnd) {
     const GlSnapshot before = GlSnapshot::take();
     const auto isDrawnIn = [&](NgColorLong color) {
         const NgColorLong drawn = colorAt(picture([] { draw({}); }), 32, 40);
-        return drawn == (color & 0xFFFFFF) ? testing::AssertionSuccess()
-                                           : testing::AssertionFailure() << hex(drawn);
+        return drawn == color ? testing::AssertionSuccess() : testing::AssertionFailure() << hex(drawn);
     };
     const auto begin = [](bool fixed) { RenderBegin3DMarkerDraw(kCylinder, kSmooth, fixed); };
     begin(true);
@@ -304,7 +281,7 @@ TEST_F(Markers3D, ForcedFixedFunctionLastsUntilTheEnd) {
     RenderEnd3DMarkerDraw();
     begin(false);
     const GLint program = integer(GL_CURRENT_PROGRAM);
-    EXPECT_NE(program, 0);
+    EXPECT_TRUE(program != 0 && attributeZeroIsEnabled());
     EXPECT_TRUE(isDrawnIn(kRed));
     begin(true); // without an end
     EXPECT_EQ(integer(GL_CURRENT_PROGRAM), program);
@@ -317,13 +294,13 @@ TEST_F(Markers3D, ForcedFixedFunctionLastsUntilTheEnd) {
     EXPECT_TRUE(isDrawnIn(kRed));
     RenderBegin3DMarkerDraw(RENDER_3D_MARKER_NONE, kSmooth, false);
     RenderEnd3DMarkerDraw();
-    EXPECT_EQ(attributeZero(GL_VERTEX_ATTRIB_ARRAY_ENABLED), 0);
+    EXPECT_FALSE(attributeZeroIsEnabled());
     EXPECT_TRUE(before.equals(GlSnapshot::take()));
 }
 
 TEST_F(Markers3D, WrongCallsAreToldAndDrawNothing) {
     const std::string none =
-        "1 3D marker draw is called without RenderBegin3DMarkerDraw being called! Please "
+        "-1 3D marker draw is called without RenderBegin3DMarkerDraw being called! Please "
         "check and correct.\n";
     const Marker sphere{kSphere};
     const auto nothing = [&](const Marker& marker) {
@@ -334,12 +311,13 @@ TEST_F(Markers3D, WrongCallsAreToldAndDrawNothing) {
     EXPECT_EQ(takeLog(), none + none);
     RenderBegin3DMarkerDraw(kSphere, kSmooth, false);
     EXPECT_TRUE(nothing({}));
-    EXPECT_EQ(takeLog(), "1 Failed to draw 3D sphere (RenderDraw3DMarker is not valid for 3D sphere), Please "
-                         "use RenderDraw3DSphere to draw 3D sphere markers!\n");
+    EXPECT_EQ(takeLog(),
+              "-1 Failed to draw 3D sphere (RenderDraw3DMarker is not valid for 3D sphere), Please "
+              "use RenderDraw3DSphere to draw 3D sphere markers!\n");
     RenderBegin3DMarkerDraw(RENDER_3D_MARKER_RIVET, kSmooth, false);
     EXPECT_TRUE(nothing(sphere));
     EXPECT_EQ(takeLog(),
-              "1 Failed to draw 3D markers (RenderDraw3DSphere is only valid for 3D sphere), Please "
+              "-1 Failed to draw 3D markers (RenderDraw3DSphere is only valid for 3D sphere), Please "
               "use RenderDraw3DMarker to draw other 3D markers!\n");
     for (const int unknown : {0, 6, -1}) {
         RenderBegin3DMarkerDraw(static_cast<_Render3DMarkerType>(unknown), kSmooth, false);
@@ -374,7 +352,7 @@ TEST_F(Markers3D, AreDrawnFromClientMemoryWithoutADeclaredContext) {
     glGenBuffers(1, &buffer);
     for (const GLenum target : {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER})
         glBindBuffer(target, buffer);
-    ngl_set_color_long(kRed);
+    ngl_set_color_long(kOpaque | kRed);
     for (const bool fixed : {false, true})
         EXPECT_EQ(boxOf(section({}, fixed)), (std::vector{16, 37, 47, 42})) << fixed;
     for (GLuint name = 1; name < 16; ++name)
@@ -393,7 +371,7 @@ TEST_F(Markers3D, AreDrawnByFixedFunctionWhereOptimizedRenderingIsOff) {
 
 // The host's object, buffers, arrays, restart index, divisor and program would each spoil a draw.
 TEST_F(Markers3D, HostsStateNeitherDisturbsNorChanges) {
-    ngl_set_color_long(kRed);
+    ngl_set_color_long(kOpaque | kRed);
     const Picture plain = section({});
     const float nowhere[12] = {};
     const char* source = "void main() { gl_FragColor = vec4(1); }";
@@ -423,7 +401,7 @@ TEST_F(Markers3D, HostsStateNeitherDisturbsNorChanges) {
             const GlSnapshot before = GlSnapshot::take();
             EXPECT_TRUE(samePicture(section({}, fixed), plain));
             EXPECT_TRUE(before.equals(GlSnapshot::take()));
-            EXPECT_EQ(attributeZero(GL_VERTEX_ATTRIB_ARRAY_ENABLED), fixed);
+            EXPECT_EQ(attributeZeroIsEnabled(), fixed);
             EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART));
         }
     glUseProgram(program);

@@ -15,7 +15,6 @@ namespace {
 
 /// What a shape holds, which is not public.
 struct Fields : N3DMarker {
-    static auto type() { return &Fields::m_type; }
     static auto vertexCount() { return &Fields::m_vertexCount; }
     static auto vertices() { return &Fields::m_vertices; }
     static auto triangleCount() { return &Fields::m_triangleCount; }
@@ -119,50 +118,25 @@ Triangle sphereTriangle(int, int t) {
 
 struct ShapeRow {
     const char* name;
-    _Render3DMarkerType type;
     N3DMarker* marker;
     Point (*vertex)(int n, int i);
     Triangle (*triangle)(int n, int t);
-    int vertices[4], triangles[4]; ///< of the three resolutions and of an unknown one
 };
 
+/// By their numbers, from 1 on.
 std::vector<ShapeRow> shapeRows() {
-    return {{"cylinder",
-             RENDER_3D_MARKER_CYLINDER,
-             N3DCylinder::GetInstance(),
-             cylinderVertex,
-             cylinderTriangle,
-             {34, 18, 10, 2},
-             {64, 32, 16, 0}},
-            {"rivet",
-             RENDER_3D_MARKER_RIVET,
-             N3DRivet::GetInstance(),
-             rivetVertex,
-             rivetTriangle,
-             {102, 54, 30, 6},
-             {192, 96, 48, 0}},
-            {"cone",
-             RENDER_3D_MARKER_CONE,
-             N3DCone::GetInstance(),
-             coneVertex,
-             coneTriangle,
-             {18, 10, 6, 2},
-             {32, 16, 8, 0}},
-            {"sphere",
-             RENDER_3D_MARKER_SPHERE,
-             N3DSphere::GetInstance(),
-             sphereVertex,
-             sphereTriangle,
-             {1025, 1025, 1025, 1025},
-             {1984, 1984, 1984, 1984}},
-            {"arrow",
-             RENDER_3D_MARKER_ARROW_ONE_WAY,
-             N3DArrowOneWay::GetInstance(),
-             arrowVertex,
-             arrowTriangle,
-             {51, 27, 15, 3},
-             {80, 40, 20, 0}}};
+    return {{"cylinder", N3DCylinder::GetInstance(), cylinderVertex, cylinderTriangle},
+            {"rivet", N3DRivet::GetInstance(), rivetVertex, rivetTriangle},
+            {"cone", N3DCone::GetInstance(), coneVertex, coneTriangle},
+            {"sphere", N3DSphere::GetInstance(), sphereVertex, sphereTriangle},
+            {"arrow", N3DArrowOneWay::GetInstance(), arrowVertex, arrowTriangle}};
 }
+
+// Of the three resolutions and of an unknown one, by the shape's number.
+constexpr int kVertices[][4] = {
+    {}, {34, 18, 10, 2}, {102, 54, 30, 6}, {18, 10, 6, 2}, {1025, 1025, 1025, 1025}, {51, 27, 15, 3}};
+constexpr int kTriangles[][4] = {
+    {}, {64, 32, 16, 0}, {192, 96, 48, 0}, {32, 16, 8, 0}, {1984, 1984, 1984, 1984}, {80, 40, 20, 0}};
 
 void expectGeometry(const N3DMarker& marker, const ShapeRow& row, int slices) {
     const float* vertices = marker.*Fields::vertices();
@@ -177,24 +151,27 @@ void expectGeometry(const N3DMarker& marker, const ShapeRow& row, int slices) {
 
 TEST(N3DMarker, ShapesHaveTheirVerticesAndTrianglesInOrder) {
     constexpr int kSlices[] = {16, 8, 4};
-    for (const ShapeRow& row : shapeRows())
+    int type = 0;
+    for (const ShapeRow& row : shapeRows()) {
+        N3DMarker& marker = *row.marker;
+        EXPECT_EQ(marker.GetType(), ++type);
         for (const int i : {2, 0, 1}) {
             SCOPED_TRACE(testing::Message() << row.name << ", resolution " << i);
-            N3DMarker& marker = *row.marker;
-            EXPECT_EQ(marker.GetType(), row.type);
             marker.Begin(nullptr, static_cast<_Render3DMarkerShape>(i));
-            EXPECT_EQ(marker.*Fields::vertexCount(), row.vertices[i]);
-            EXPECT_EQ(marker.*Fields::triangleCount(), row.triangles[i]);
-            EXPECT_EQ(marker.*Fields::sliceCount(), row.type == RENDER_3D_MARKER_SPHERE ? 32 : kSlices[i]);
+            EXPECT_EQ(marker.*Fields::vertexCount(), kVertices[type][i]);
+            EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][i]);
+            EXPECT_EQ(marker.*Fields::sliceCount(), type == RENDER_3D_MARKER_SPHERE ? 32 : kSlices[i]);
             expectGeometry(marker, row, kSlices[i]);
         }
+    }
 }
 
 TEST(N3DMarker, BuildsAnotherResolutionOnly) {
     for (const ShapeRow& row : shapeRows()) {
         SCOPED_TRACE(row.name);
         N3DMarker& marker = *row.marker;
-        const bool sphere = row.type == RENDER_3D_MARKER_SPHERE;
+        const int type = marker.GetType();
+        const bool sphere = type == RENDER_3D_MARKER_SPHERE;
         marker.Begin(nullptr, kUnknown);
         EXPECT_EQ(marker.*Fields::vertices() != nullptr, sphere)
             << "an unknown one of none built is as built";
@@ -205,13 +182,13 @@ TEST(N3DMarker, BuildsAnotherResolutionOnly) {
         marker.Begin(nullptr, kSmooth);
         EXPECT_EQ((marker.*Fields::vertices())[0] == 7, sphere);
         marker.Begin(nullptr, kUnknown);
-        EXPECT_EQ(marker.*Fields::vertexCount(), row.vertices[3]);
-        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangles[3]);
+        EXPECT_EQ(marker.*Fields::vertexCount(), kVertices[type][3]);
+        EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][3]);
         EXPECT_EQ(marker.*Fields::indices() != nullptr, sphere);
         if (!sphere)
             expectGeometry(marker, row, 0);
         marker.Begin(nullptr, kCoarse);
-        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangles[2]);
+        EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][2]);
     }
     EXPECT_EQ(NHostLiveBlocks(), 10u) << "two arrays a shape";
 }
