@@ -1,13 +1,11 @@
 #include "NRenderUtl/mesh/meshrendererblock.h"
 
 #include "NRenderUtl/host/hostgl.h"
-#include "NRenderUtl/shaders/blocklayout.h"
 #include "NRenderUtl/shaders/samplerunits.h"
 
 namespace {
 
-constexpr std::size_t kTexels = BlockEntries; // no colour scale
-constexpr int kBytes = static_cast<int>(kTexels * sizeof(BlockTexel));
+constexpr int kBytes = static_cast<int>(sizeof(MeshRendererBlock::Texels));
 
 } // namespace
 
@@ -37,10 +35,9 @@ bool MeshRendererBlock::isUsable() {
     return m_texture.IsValid() != 0;
 }
 
-void MeshRendererBlock::set(std::vector<BlockTexel> texels) {
-    texels.resize(kTexels);
+void MeshRendererBlock::set(const Texels& texels) {
     m_stale |= texels != m_texels;
-    m_texels = std::move(texels);
+    m_texels = texels;
 }
 
 void MeshRendererBlock::bind() {

@@ -1,9 +1,10 @@
 // Lights and materials of the mesh renderer in the texture buffer that a program of it reads.
 #pragma once
 
-#include <vector>
+#include <array>
 
 #include "NRenderUtl/mesh/parameterblock.h"
+#include "NRenderUtl/shaders/blocklayout.h"
 #include "NRenderUtl/shaders/nshaders.h"
 
 /// Makes the unit of the block active for the length of a block of code, and keeps the host's texture there.
@@ -20,15 +21,17 @@ private:
 
 class MeshRendererBlock {
 public:
+    using Texels = std::array<BlockTexel, BlockEntries>; ///< a block without a colour scale
+
     /// Whether there is a texture, which is made at the first call. It needs texture buffers and a context
     /// that the host has declared.
     bool isUsable();
-    void set(std::vector<BlockTexel> texels);
+    void set(const Texels& texels);
     /// Binds the texture to the active unit, with what was set.
     void bind();
 
 private:
     RenderGLTBO m_texture;
-    std::vector<BlockTexel> m_texels;
+    Texels m_texels{};
     bool m_stale = true;
 };

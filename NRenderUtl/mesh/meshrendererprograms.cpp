@@ -6,6 +6,7 @@
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/host/hostmath.h"
 
 namespace {
 
@@ -24,6 +25,24 @@ bool isLitOpaque(const _NglInfoStr& info) {
                 isNegative(light.specular[3]) || isNegative(light.constantAttenuation) ||
                 isNegative(light.linearAttenuation) || isNegative(light.quadraticAttenuation));
     });
+}
+
+/// Of unit length, as the program takes them, in the order of the rig.
+MeshRendererBlock::Texels lightDirections(const NglLightParams (&lights)[8]) {
+    MeshRendererBlock::Texels texels{};
+    for (std::size_t i = 0; i < std::size(lights); ++i) {
+        NgFVector3 direction{lights[i].position[0], lights[i].position[1], lights[i].position[2]};
+        direction.normalise();
+        texels[i] = {direction.x, direction.y, direction.z, 0};
+    }
+    return texels;
+}
+
+MeshRendererBlock::Texels classicTexels(const BlockLighting& lighting) {
+    const std::vector<BlockTexel> made = makeParameterBlock(lighting, nullptr);
+    MeshRendererBlock::Texels texels;
+    std::copy_n(made.begin(), texels.size(), texels.begin());
+    return texels;
 }
 
 } // namespace
@@ -72,8 +91,16 @@ NShaderProgram& MeshRendererPrograms::classic() {
         });
     if (&program == this)
         return program;
-    m_block.set(makeParameterBlock(lighting, nullptr));
+    m_block.set(classicTexels(lighting));
     m_readsBlock = true;
+    return program;
+}
+
+NShaderProgram& MeshRendererPrograms::lightRig() {
+    if (!m_block.isUsable())
+        return *this;
+    NShaderProgram& program = physical(m_rig, "LIGHT_RIG");
+    m_readsBlock = &program != this;
     return program;
 }
 
@@ -82,7 +109,7 @@ NShaderProgram& MeshRendererPrograms::choose() {
         return classic();
     if (reflectsEnvironment())
         return physical(m_environment, "ENVIRONMENT");
-    return physical(m_rig, "LIGHT_RIG");
+    return lightRig();
 }
 
 void MeshRendererPrograms::select() {
@@ -95,6 +122,12 @@ void MeshRendererPrograms::select() {
     m_selected->UseProgram(true);
     setAppearance(m_appearance);
     setAlpha(m_alpha);
+}
+
+void MeshRendererPrograms::setPbrLights(NglLightParams (&lights)[8]) {
+    m_selected->SetPBRLightUniforms(static_cast<int>(std::size(lights)), lights);
+    if (m_readsBlock)
+        m_block.set(lightDirections(lights));
 }
 
 void MeshRendererPrograms::setAppearance(const _RenderMaterialApperance& appearance) {

@@ -29,6 +29,8 @@ public:
         std::optional<BlockUnitGuard> m_unit;
     };
 
+    /// Lights of the rig.
+    void setPbrLights(NglLightParams (&lights)[8]);
     void setAppearance(const _RenderMaterialApperance& appearance);
     void setAlpha(float alpha);
 
@@ -46,6 +48,7 @@ private:
     NShaderProgram& built(Variant& variant, const Build& build);
     NShaderProgram& physical(Variant& variant, const char* define);
     NShaderProgram& classic();
+    NShaderProgram& lightRig();
     NShaderProgram& choose();
 
     Variant m_rig, m_environment;

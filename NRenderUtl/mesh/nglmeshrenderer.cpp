@@ -226,7 +226,7 @@ void NglMeshRenderer::SetPBRAndHDRUniforms() {
         return;
     }
     makePbrLights(*NglGetNglInfo(), m_pbrLights);
-    program.SetPBRLightUniforms(static_cast<int>(std::size(m_pbrLights)), m_pbrLights);
+    programsOf(*m_pShaderProg).setPbrLights(m_pbrLights);
     program.SetUniformValue(RenderUniformEnvironmentReflection, 0);
     if (reflectsEnvironment()) {
         bindMaps(program);

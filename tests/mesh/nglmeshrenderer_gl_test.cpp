@@ -5,6 +5,7 @@
 
 #include "NRenderUtl/lighting/nlighting.h"
 #include "NRenderUtl/mesh/nmesh.h"
+#include "NRenderUtl/shaders/samplerunits.h"
 #include "tests/shaders/shadertwins.h"
 #include "tests/shaders/testprogram.h"
 #include "tests/support/glsnapshot.h"
@@ -52,6 +53,7 @@ protected:
             palette[i] = 0xFF000000u | unsigned(i * 0x010307 + 0x204060);
         NglSetWindowBackGroundColor(0); // no entry is near it
         NglUpdateColor(256, palette);
+        record.frontMaterial.emission[3] = 1; // as GL's own
         // Ambient alone, of a strength that shows a colour as it is.
         record.lights[0] = {1, {1 / 1.74f, 1 / 1.74f, 1 / 1.74f, 1 / 1.74f}, {}, {}, {0, 0, 50, 1}, 1, 0, 0};
     }
@@ -372,9 +374,14 @@ TEST_F(MeshRenderer, TakesNoHarmFromTheHostsStateAndLeavesIt) {
         glVertexAttribDivisor(attribute, 1);
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(2);
-    glEnable(GL_CLIP_PLANE0); // clips nothing here
+    glEnable(GL_CLIP_PLANE0); // would clip everything
     const GLdouble nothing[] = {0, 0, 0, -1};
     glClipPlane(GL_CLIP_PLANE0, nothing);
+    GLuint texture;
+    glGenTextures(1, &texture);
+    glActiveTexture(GL_TEXTURE0 + kBlockUnit);
+    glBindTexture(GL_TEXTURE_BUFFER, texture);
+    glBindBuffer(GL_TEXTURE_BUFFER, buffer);
     glActiveTexture(GL_TEXTURE3);
     for (const bool other : {false, true}) {
         glBindVertexArray(other ? vao : 0);
@@ -384,9 +391,12 @@ TEST_F(MeshRenderer, TakesNoHarmFromTheHostsStateAndLeavesIt) {
         const GlSnapshot before = GlSnapshot::take();
         render(body);
         EXPECT_TRUE(before.equals(GlSnapshot::take()));
+        EXPECT_EQ(integer(GL_TEXTURE_BUFFER), GLint(buffer));
         renderer.RenderEnd();
         EXPECT_TRUE(samePicture(read(), plain));
     }
+    glActiveTexture(GL_TEXTURE0 + kBlockUnit);
+    EXPECT_EQ(integer(GL_TEXTURE_BINDING_BUFFER), GLint(texture));
 }
 
 // --- failures ----------------------------------------------------------------------------------------------

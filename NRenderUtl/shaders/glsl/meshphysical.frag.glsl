@@ -8,17 +8,13 @@ in VertexData {
     flat vec3 frontAlbedo;
     flat vec3 backAlbedo;
     flat vec4 material; // metalness, roughness, reflectivity of the share that is no metal, share of diffuse light
-#ifdef LIGHT_RIG
-    flat vec4 light0; // directions of four lights, and in w that of the fifth
-    flat vec4 light1;
-    flat vec4 light2;
-    flat vec3 light3;
-#endif
 } VertexIn;
 
 uniform int g_transparent;
 uniform float g_alphavalue;
-#ifndef LIGHT_RIG
+#ifdef LIGHT_RIG
+uniform samplerBuffer g_block; // directions of the five lights
+#else
 uniform samplerCube g_irradianceMap;
 uniform samplerCube g_prefilterMap;
 uniform sampler2D g_brdfLUT;
@@ -60,13 +56,12 @@ vec3 incidentLight(vec3 albedo, vec3 f0, vec3 normal, vec3 toViewer, float cosLo
     float roughness = VertexIn.material.y;
     float alpha2 = roughness * roughness * roughness * roughness;
     float k = (roughness + 1.0) * (roughness + 1.0) / 8.0;
-    vec3 light4 = vec3(VertexIn.light0.w, VertexIn.light1.w, VertexIn.light2.w);
     Sums sums = Sums(0.0, 0.0, 0.0);
-    addLight(VertexIn.light0.xyz, normal, toViewer, cosLo, k, alpha2, sums);
-    addLight(VertexIn.light1.xyz, normal, toViewer, cosLo, k, alpha2, sums);
-    addLight(VertexIn.light2.xyz, normal, toViewer, cosLo, k, alpha2, sums);
-    addLight(VertexIn.light3, normal, toViewer, cosLo, k, alpha2, sums);
-    addLight(light4, normal, toViewer, cosLo, k, alpha2, sums);
+    addLight(texelFetch(g_block, 0).xyz, normal, toViewer, cosLo, k, alpha2, sums);
+    addLight(texelFetch(g_block, 1).xyz, normal, toViewer, cosLo, k, alpha2, sums);
+    addLight(texelFetch(g_block, 2).xyz, normal, toViewer, cosLo, k, alpha2, sums);
+    addLight(texelFetch(g_block, 3).xyz, normal, toViewer, cosLo, k, alpha2, sums);
+    addLight(texelFetch(g_block, 4).xyz, normal, toViewer, cosLo, k, alpha2, sums);
     float weight = alpha2 * (kSpecularScale / kPi) * cosLo / (cosLo * (1.0 - k) + k);
     return VertexIn.material.w / kPi * sums.diffuse * albedo +
            weight * (f0 * (sums.specular - sums.grazing) + sums.grazing);

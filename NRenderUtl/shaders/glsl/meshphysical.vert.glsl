@@ -20,13 +20,6 @@ struct g_PBRMatParams {
     float amb_occlusion;
 };
 uniform g_PBRMatParams g_pbrMat;
-#ifdef LIGHT_RIG
-struct g_PBRLightParams {
-    int status;
-    vec4 position;
-};
-uniform g_PBRLightParams g_pbrlights[8];
-#endif
 
 out VertexData {
     vec3 toViewer; // not of unit length
@@ -34,19 +27,7 @@ out VertexData {
     flat vec3 frontAlbedo;
     flat vec3 backAlbedo;
     flat vec4 material; // metalness, roughness, reflectivity of the share that is no metal, share of diffuse light
-#ifdef LIGHT_RIG
-    flat vec4 light0; // directions of four lights, and in w that of the fifth
-    flat vec4 light1;
-    flat vec4 light2;
-    flat vec3 light3;
-#endif
 } VertexOut;
-
-#ifdef LIGHT_RIG
-vec3 lightDirection(int i) {
-    return normalize(g_pbrlights[i].position.xyz);
-}
-#endif
 
 void main() {
     vec4 eye = g_mvmat * vec4(g_pos_attrib, 1.0);
@@ -59,11 +40,4 @@ void main() {
     VertexOut.backAlbedo = pow(g_bfbcol == 1 ? g_bcolor.rgb : g_color, vec3(2.2));
     VertexOut.material = vec4(g_pbrMat.metalness, g_pbrMat.roughness,
                               g_pbrMat.reflectivity * (1.0 - g_pbrMat.metalness), 1.0 - g_pbrMat.metalness);
-#ifdef LIGHT_RIG
-    vec3 light4 = lightDirection(4);
-    VertexOut.light0 = vec4(lightDirection(0), light4.x);
-    VertexOut.light1 = vec4(lightDirection(1), light4.y);
-    VertexOut.light2 = vec4(lightDirection(2), light4.z);
-    VertexOut.light3 = lightDirection(3);
-#endif
 }
