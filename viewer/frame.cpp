@@ -92,6 +92,9 @@ void beginFrame(const Camera& camera, const Bounds& bounds, int width, int heigh
     setLights();
 
     NglUpdateNglInfo();
+    // Read back in perspective, the view vector is that of the ray at the window's corner.
+    const Point sight = -1.0 * camera.axes.toward;
+    NglGetNglInfo()->view = {sight[0], sight[1], sight[2]};
     NglGetNglInfo()->perspective = camera.perspective ? 1 : 0;
     const Point viewer = viewerOf(camera, view);
     _NgPoint3Str eye = {viewer[0], viewer[1], viewer[2]};

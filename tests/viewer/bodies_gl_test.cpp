@@ -179,6 +179,28 @@ TEST_F(ViewerBodies, MetalHasNoLightOfItsOwnColorBesideTheLamps) {
     EXPECT_THROW(middle(sheet(), {.physical = true, .material = "Wood"}), ViewerError);
 }
 
+TEST_F(ViewerBodies, LampsStandAboutTheAxisOfThePicture) {
+    start();
+    const ShownModel shown = showModel(block(), {});
+    const Camera camera = fitCamera(parseView("0,0,1"), shown.bounds, 1.0, true);
+    beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
+    Scene scene(shown, {}, {.physical = true, .material = "Steel Polished"});
+    scene.draw();
+    const Picture picture = read();
+    int left = 0, right = 0, lower = 0, upper = 0;
+    for (int i = 4; i < kSize / 2; ++i)
+        for (int j = 4; j < kSize / 2; ++j) {
+            const int i2 = kSize - 1 - i, j2 = kSize - 1 - j;
+            left += channels(picture.at(i, j)).green + channels(picture.at(i, j2)).green;
+            right += channels(picture.at(i2, j)).green + channels(picture.at(i2, j2)).green;
+            lower += channels(picture.at(i, j)).green + channels(picture.at(i2, j)).green;
+            upper += channels(picture.at(i, j2)).green + channels(picture.at(i2, j2)).green;
+        }
+    EXPECT_GT(left, 1000);
+    EXPECT_NEAR(left, right, 0.02 * left);
+    EXPECT_NEAR(lower, upper, 0.02 * lower);
+}
+
 // What is seen behind the model lies in the direction of sight, what its faces mirror behind the viewer.
 TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
     nrutest::takeFewSamples();
