@@ -27,10 +27,10 @@ struct Lamp {
 };
 
 constexpr Lamp kLamps[] = {
-    {{-0.75, 0.75, 0.8}, 0.55, 0.40, {9.0, 8.8, 8.4}},
-    {{1.0, 0.25, 0.35}, 0.14, 0.60, {4.5, 4.7, 5.0}},
-    {{0.1, 1.0, -0.15}, 0.70, 0.30, {3.5, 3.5, 3.5}},
-    {{0.4, 0.45, -1.0}, 0.60, 0.18, {5.0, 5.0, 5.2}},
+    {{-0.75, 0.75, 0.8}, 0.55, 0.40, {15.0, 14.6, 14.0}},
+    {{1.0, 0.25, 0.35}, 0.14, 0.60, {7.5, 7.9, 8.3}},
+    {{0.1, 1.0, -0.15}, 0.70, 0.30, {6.0, 6.0, 6.0}},
+    {{0.4, 0.45, -1.0}, 0.60, 0.18, {9.0, 9.0, 9.4}},
 };
 
 double fade(double outside) {
@@ -53,7 +53,7 @@ double cover(const Lamp& lamp, const Point& direction) {
 /// Floor, walls that brighten upward, ceiling.
 Point roomRadiance(const Point& direction) {
     const double up = direction[1];
-    const double grey = up < 0.0 ? 0.22 + 0.30 * std::exp(8.0 * up) : 0.52 + 0.35 * up;
+    const double grey = up < 0.0 ? 0.10 + 0.16 * std::exp(8.0 * up) : 0.26 + 0.20 * up;
     return {grey, grey, 1.03 * grey};
 }
 
