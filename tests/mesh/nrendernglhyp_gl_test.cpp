@@ -19,56 +19,54 @@ protected:
         GlTest::SetUp();
         loadOrtho(-32, 32, -32, 32, -32, 32);
         glColor3f(0, 1, 0);
-    }
-    void TearDown() override {
-        if (mesh)
-            NglDestroyMesh(mesh);
-        NHostFree(mesh);
-        GlTest::TearDown();
+        const float green[] = {0, 1, 0, 1}, noLight[] = {0, 0, 0, 1};
+        glMaterialfv(GL_FRONT, GL_EMISSION, green);
+        glLightModelfv(GL_LIGHT_MODEL_AMBIENT, noLight);
     }
     int draw(_NgMeshStr* drawn, double sx, double sy, int mode, int drawArg = 0) {
         return ngl_draw_ellip_ngmesh(drawn, sx, sy, &centre, &matrix, mode, drawArg);
     }
 
-    _NgMeshStr* mesh = nullptr;
     _NgPoint3Str centre{1, 2, 3};
     double matrix[4][4] = {
         {0, 2, 0, 0}, {-2, 0, 0, 0}, {0, 0, 2, 0}, {10, 0, 2, 1}}; // centre goes to 6, 2, 8
 };
 
-TEST_F(Glyphs, OutlinesTheOuterRingAboutTheTransformedCentre) {
-    double axes[2] = {2, 1};
-    for (const int rings : {1, 3}) {
-        ASSERT_EQ(ngl_create_elliptic_mesh(2, 12, rings, axes, &mesh), 0);
-        for (int i = 0; i < mesh->vertexCount; ++i)
-            mesh->coords[3 * i + 2] = 5; // not drawn with
-        std::vector<_NgPoint3Str> ring;
-        for (int k = 0; k <= 12; ++k)
-            ring.push_back(
-                {38 + 12 * std::cos(k * M_PI / 6), 34 + 5 * std::sin(k * M_PI / 6), 0.5 - 8. / 64});
-        expectChain([&] { EXPECT_EQ(draw(mesh, 6, 5, 2), 0); }, ring);
+struct EllipticMesh {
+    EllipticMesh(int n, int resolution, int rings, double a, double b) {
+        double axes[] = {a, b};
+        EXPECT_EQ(ngl_create_elliptic_mesh(n, resolution, rings, axes, &mesh), 0);
+    }
+    ~EllipticMesh() {
         NglDestroyMesh(mesh);
-        NHostFree(std::exchange(mesh, nullptr));
+        NHostFree(mesh);
+    }
+    _NgMeshStr* mesh = nullptr;
+};
+
+TEST_F(Glyphs, OutlinesTheOuterRingAboutTheTransformedCentre) {
+    std::vector<_NgPoint3Str> ring;
+    for (int k = 0; k <= 12; ++k)
+        ring.push_back({38 + 12 * std::cos(k * M_PI / 6), 34 + 5 * std::sin(k * M_PI / 6), 0.5 - 8. / 64});
+    for (const int rings : {1, 3}) {
+        const EllipticMesh made(2, 12, rings, 2, 1);
+        made.mesh->coords[3 * 12 * (rings - 1) + 2] = 5; // not drawn with
+        expectChain([&] { EXPECT_EQ(draw(made.mesh, 6, 5, 2), 0); }, ring);
     }
     // A mesh with its centre first: the outline starts there, as it is, and leaves the last vertex out.
     const TestMesh centreFirst({0, 0, 0, 4, 0, 0, 0, 4, 0, -4, 0, 0}, {{3, {0, 1, 2, 0, 2, 3, 0, 3, 1}}});
     expectChain([&] { draw(centreFirst, 1, 1, 2); },
                 {{38, 34, 0.375}, {42, 34, 0.375}, {38, 38, 0.375}, {38, 34, 0.375}});
-    const TestMesh moreElementsThanVertices({0, 0, 0, 1, 0, 0}, {{3, {0, 1, 0, 0, 1, 0}}}),
-        bare({1, 2, 3}, {});
-    for (_NgMeshStr* nothing :
-         {static_cast<_NgMeshStr*>(moreElementsThanVertices), static_cast<_NgMeshStr*>(bare)})
+    const TestMesh tooFewVertices({0, 0, 0, 1, 0, 0}, {{3, {0, 1, 0, 0, 1, 0}}}), bare({1, 2, 3}, {});
+    for (_NgMeshStr* nothing : std::initializer_list<_NgMeshStr*>{tooFewVertices, bare})
         expectChain([&] { draw(nothing, 1, 1, 2); }, {{}});
 }
 
 TEST_F(Glyphs, ModesChooseFacesAndOutline) {
-    ASSERT_EQ(ngl_create_elliptic_mesh(8, 32, 2, nullptr, &mesh), 0);
-    const NgColorLong palette[] = {kBlack};
-    nglRecord().live.palette = palette;
-    nglRecord().live.colorCount = 1;
-    const float green[] = {0, 1, 0, 1}, noLight[] = {0, 0, 0, 1};
-    glMaterialfv(GL_FRONT, GL_EMISSION, green);
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, noLight);
+    const EllipticMesh made(8, 32, 2, 1, 1);
+    _NgMeshStr* mesh = made.mesh;
+    NglGetNglInfo()->palette = &kBlack;
+    NglGetNglInfo()->colorCount = 1;
     const std::vector<double> own(mesh->coords, mesh->coords + 3 * mesh->vertexCount);
     const std::tuple<int, bool, std::uint32_t, int> rows[] = {
         // mode; whether the middle is filled; the border's colour; the colour index afterwards
@@ -108,8 +106,7 @@ TEST_F(Glyphs, ScratchGrowsByTheVerticesOfTheMesh) {
     const TestMesh small(std::vector<double>(3 * 10), {}), large(std::vector<double>(3 * 25), {}),
         huge(std::vector<double>(3 * 36), {});
     asked.clear();
-    for (_NgMeshStr* drawn :
-         {static_cast<_NgMeshStr*>(small), static_cast<_NgMeshStr*>(large), static_cast<_NgMeshStr*>(small)})
+    for (_NgMeshStr* drawn : std::initializer_list<_NgMeshStr*>{small, large, small})
         draw(drawn, 1, 1, 2);
     isFull = true;
     EXPECT_EQ(draw(huge, 1, 1, 0), 0);
@@ -117,9 +114,6 @@ TEST_F(Glyphs, ScratchGrowsByTheVerticesOfTheMesh) {
 }
 
 TEST_F(Glyphs, ShapeFillsItsSilhouette) {
-    const float green[] = {0, 1, 0, 1}, noLight[] = {0, 0, 0, 1};
-    glMaterialfv(GL_FRONT, GL_EMISSION, green);
-    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, noLight);
     glEnable(GL_CULL_FACE); // the faces that look outwards are front faces
     glRotated(30, 0, 0, 1);
     const GlSnapshot before = GlSnapshot::take();
