@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "NRenderUtl/gl/nglrecord.h"
+#include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/host/nhost.h"
 
@@ -233,6 +234,7 @@ void UtlSetSpringDrawMode(int mode) {
 void utl_symbol_draw(const double* parameters, int partCount, const utl_parametric_symbol_data_s* parts) {
     if (!parameters)
         return;
+    const MatrixModeGuard mode;
     SymbolDrawer drawer;
     walkSymbol(drawer, {parameters, std::numeric_limits<int>::max()}, partCount, parts);
 }

@@ -174,13 +174,14 @@ TEST_F(Symbols, KindsNameTheirSlots) {
         const Points points = drawn(call.draw);
         ASSERT_EQ(points.size(), slot <= 2 ? 4u : 2u) << "springs alone come with their line";
         EXPECT_NEAR(points.back().x - points[points.size() - 2].x, (slot + 1) * size, 1e-4) << call.name;
+        EXPECT_EQ(points.back().z, 0.5) << "the middle of the view's depth";
     };
     const std::pair<int, int> pointKinds[] = {{8, 6},  {16, 6},  {9, 5},   {10, 4},
                                               {17, 9}, {18, 10}, {19, 11}, {21, 13}},
                               lineKinds[] = {{1, 3},   {11, 0}, {12, 1},  {13, 2},
                                              {14, 14}, {15, 8}, {20, 12}, {22, 15}};
     for (const auto& [kind, slot] : pointKinds)
-        expectSlot(pointCall({}, kind), slot, 0.5);
+        expectSlot(pointCall({0, 0, 9}, kind), slot, 0.5);
     for (const auto& [kind, slot] : lineKinds)
         expectSlot(lineCall({}, {8, 0, 0}, kind), slot, slot == 8 ? 2 : 1);
     for (const int mode : {0, 1}) {
@@ -391,6 +392,8 @@ TEST_F(Symbols, LeaveStateAndRecordAsTheyWere) {
         call.pick(20, 20);
     }
     EXPECT_EQ(utl_disp_line_symbol_WithContour(ends, 11, 0.1f, 0.9f), 0);
+    const double parameters[] = {1, 1, 1};
+    utl_symbol_draw(parameters, 3, chain.fromStart.data());
     EXPECT_TRUE(before.equals(GlSnapshot::take()));
     EXPECT_EQ(std::memcmp(&record, NglGetNglInfo(), sizeof record), 0);
     EXPECT_EQ(NglGetPushCount(), 0);
