@@ -109,11 +109,11 @@ void drawBackFacesFirst(const Elements& elements) {
 /// ClientArraysGuard keeps.
 class AttributeArray {
 public:
-    AttributeArray(NShaderProgram& program, std::uint32_t location, const float* data)
-        : m_program(program), m_location(static_cast<int>(location)) {
+    AttributeArray(NShaderProgram& program, RenderingShaderAttributes attribute, const float* data)
+        : m_program(program), m_location(program.GetVertexAttributeLocation(attribute)) {
         program.SetVertexAttribute(m_location, 3, data);
         if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
-            glVertexAttribDivisor(location, 0);
+            glVertexAttribDivisor(static_cast<GLuint>(m_location), 0);
     }
     ~AttributeArray() { m_program.EnableDisableVertexAttribute(m_location, false); }
     AttributeArray(const AttributeArray&) = delete;
@@ -266,8 +266,9 @@ void NglMeshRenderer::Render(const float* positions, const float* normals, unsig
     if (IsPhysicallyBasedRenderingEnabled() && reflectsEnvironment())
         maps.emplace();
     const MeshRendererPrograms::Binding block(programsOf(*m_pShaderProg));
-    const AttributeArray positionArray(program, m_positionLocation, positions);
-    const AttributeArray normalArray(program, m_normalLocation, normals);
+    // Asked of the program: another renderer may have begun with another one since.
+    const AttributeArray positionArray(program, RenderAttribPosition, positions);
+    const AttributeArray normalArray(program, RenderAttribVertexNormal, normals);
     const Elements elements{triCount, quadCount, triIndices, quadIndices};
     attributes.transparency ? drawBackFacesFirst(elements) : elements.draw();
 }
