@@ -165,6 +165,8 @@ TEST_F(ViewerBodies, LightPassesTheNearerBodiesLast) {
     const Rgb two = middle(model, {}, kFront), fromBehind = middle(model, {}, kBehind);
     EXPECT_NEAR(two.green, 2 * two.red, 25) << "half, and half of the other half";
     EXPECT_NEAR(fromBehind.red, 2 * fromBehind.green, 25);
+    model.parts = {{"both", 0, 2, kRed, 0.5}}; // from behind the nearer sheet is drawn first
+    EXPECT_NEAR(middle(model, {}, kBehind).red, two.green + two.red, 25) << "all of a body shows through";
     const int opaque = middle(sheet(kRed), {}, kFront).red;
     m_opacity = 0.25;
     EXPECT_NEAR(middle(sheet(kRed), {}, kFront).red, 0.25 * opaque, 2);
