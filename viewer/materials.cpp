@@ -25,7 +25,7 @@ constexpr MaterialColor kColors[] = {
     {"Aluminium Anodized", 0x9EA4AA},
     {"Aluminium Brushed", 0xE6E8E9},
     {"Aluminium Cast", 0xC6C8CA},
-    {"Brass", 0xE8C86E},
+    {"Brass", 0xEEC266},
     {"Bronze", 0xC79A5C},
     {"Carbon Fibre Composite", 0x24262A},
     {"Cast Iron", 0x6E6E72},
