@@ -121,22 +121,20 @@ struct ShapeRow {
     N3DMarker* marker;
     Point (*vertex)(int n, int i);
     Triangle (*triangle)(int n, int t);
+    int rings, verticesBeside, trianglesAround, trianglesBeside;
+
+    int vertexCount(int n) const { return rings * n + verticesBeside; }
+    int triangleCount(int n) const { return trianglesAround * n + trianglesBeside; }
 };
 
 /// By their numbers, from 1 on.
 std::vector<ShapeRow> shapeRows() {
-    return {{"cylinder", N3DCylinder::GetInstance(), cylinderVertex, cylinderTriangle},
-            {"rivet", N3DRivet::GetInstance(), rivetVertex, rivetTriangle},
-            {"cone", N3DCone::GetInstance(), coneVertex, coneTriangle},
-            {"sphere", N3DSphere::GetInstance(), sphereVertex, sphereTriangle},
-            {"arrow", N3DArrowOneWay::GetInstance(), arrowVertex, arrowTriangle}};
+    return {{"cylinder", N3DCylinder::GetInstance(), cylinderVertex, cylinderTriangle, 2, 2, 4, 0},
+            {"rivet", N3DRivet::GetInstance(), rivetVertex, rivetTriangle, 6, 6, 12, 0},
+            {"cone", N3DCone::GetInstance(), coneVertex, coneTriangle, 1, 2, 2, 0},
+            {"sphere", N3DSphere::GetInstance(), sphereVertex, sphereTriangle, 0, 1025, 0, 1984},
+            {"arrow", N3DArrowOneWay::GetInstance(), arrowVertex, arrowTriangle, 3, 3, 5, 0}};
 }
-
-// Of the three resolutions and of an unknown one, by the shape's number.
-constexpr int kVertices[][4] = {
-    {}, {34, 18, 10, 2}, {102, 54, 30, 6}, {18, 10, 6, 2}, {1025, 1025, 1025, 1025}, {51, 27, 15, 3}};
-constexpr int kTriangles[][4] = {
-    {}, {64, 32, 16, 0}, {192, 96, 48, 0}, {32, 16, 8, 0}, {1984, 1984, 1984, 1984}, {80, 40, 20, 0}};
 
 void expectGeometry(const N3DMarker& marker, const ShapeRow& row, int slices) {
     const float* vertices = marker.*Fields::vertices();
@@ -158,8 +156,8 @@ TEST(N3DMarker, ShapesHaveTheirVerticesAndTrianglesInOrder) {
         for (const int i : {2, 0, 1}) {
             SCOPED_TRACE(testing::Message() << row.name << ", resolution " << i);
             marker.Begin(nullptr, static_cast<_Render3DMarkerShape>(i));
-            EXPECT_EQ(marker.*Fields::vertexCount(), kVertices[type][i]);
-            EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][i]);
+            EXPECT_EQ(marker.*Fields::vertexCount(), row.vertexCount(kSlices[i]));
+            EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(kSlices[i]));
             EXPECT_EQ(marker.*Fields::sliceCount(), type == RENDER_3D_MARKER_SPHERE ? 32 : kSlices[i]);
             expectGeometry(marker, row, kSlices[i]);
         }
@@ -170,8 +168,7 @@ TEST(N3DMarker, BuildsAnotherResolutionOnly) {
     for (const ShapeRow& row : shapeRows()) {
         SCOPED_TRACE(row.name);
         N3DMarker& marker = *row.marker;
-        const int type = marker.GetType();
-        const bool sphere = type == RENDER_3D_MARKER_SPHERE;
+        const bool sphere = marker.GetType() == RENDER_3D_MARKER_SPHERE;
         marker.Begin(nullptr, kUnknown);
         EXPECT_EQ(marker.*Fields::vertices() != nullptr, sphere)
             << "an unknown one of none built is as built";
@@ -182,13 +179,13 @@ TEST(N3DMarker, BuildsAnotherResolutionOnly) {
         marker.Begin(nullptr, kSmooth);
         EXPECT_EQ((marker.*Fields::vertices())[0] == 7, sphere);
         marker.Begin(nullptr, kUnknown);
-        EXPECT_EQ(marker.*Fields::vertexCount(), kVertices[type][3]);
-        EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][3]);
+        EXPECT_EQ(marker.*Fields::vertexCount(), row.vertexCount(0));
+        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(0));
         EXPECT_EQ(marker.*Fields::indices() != nullptr, sphere);
         if (!sphere)
             expectGeometry(marker, row, 0);
         marker.Begin(nullptr, kCoarse);
-        EXPECT_EQ(marker.*Fields::triangleCount(), kTriangles[type][2]);
+        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(4));
     }
     EXPECT_EQ(NHostLiveBlocks(), 10u) << "two arrays a shape";
 }
