@@ -60,7 +60,8 @@ public:
             light.enabled = 0;
         std::transform(std::begin(kRig), std::end(kRig), m_record.lights, lightOf);
         for (NglMatParams* material : {&m_record.frontMaterial, &m_record.backMaterial}) {
-            std::fill_n(material->emission, 4, 0.0f);
+            std::fill_n(material->emission, 3, 0.0f);
+            material->emission[3] = 1.0f; // GL's own, by which the programs know that bodies are opaque
             std::fill_n(material->specular, 4, 1.0f);
             material->shininess = kShininess;
         }

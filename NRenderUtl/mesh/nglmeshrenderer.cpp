@@ -147,7 +147,7 @@ void NglMeshRenderer::SetColor(int index) {
     m_attributes.color = index;
 }
 void NglMeshRenderer::SetAlpha(int transparency) {
-    m_attributes.alpha = static_cast<float>(255 - transparency) / 255.0f;
+    m_attributes.alpha = (255.0f - static_cast<float>(transparency)) / 255.0f;
 }
 void NglMeshRenderer::EnableTransparency(bool enable) {
     m_attributes.transparency = enable;
