@@ -139,11 +139,11 @@ protected:
             picture.at(i % kSize, i / kSize) = color;
         return picture;
     }
-    /// From the first draw on no other program can be built.
-    void refuseFastPrograms() {
+    /// From the first draw on no other program can be built, but for those that it needs beside.
+    void refuseFastPrograms(int others = 0) {
         if (!GetParam())
             return;
-        linksLeft = 1;
+        linksLeft = 1 + others;
         realLink = epoxy_glLinkProgram;
         epoxy_glLinkProgram = [](GLuint program) {
             if (linksLeft-- > 0)
@@ -211,6 +211,8 @@ TEST_P(MeshShading, ClassicPixelsFollowTheRules) {
 TEST_P(MeshShading, PhysicallyBasedPixelsFollowTheRulesUnderTheRig) {
     refuseFastPrograms();
     EnablePhysicallyBasedRendering(true);
+    EnableEnvironmentReflection(true); // whose maps cannot be built
+    epoxy_glCheckFramebufferStatus = [](GLenum) -> GLenum { return GL_FRAMEBUFFER_UNSUPPORTED; };
     Lighting rules;
     rules.physicallyBased = 1;
     rules.camera = {20, -70, 90};
@@ -250,42 +252,60 @@ TEST_P(MeshShading, UnknownMaterialsLookAsTheLastKnownOne) {
     }
 }
 
+/// Fills the handler's maps with those of the rules.
+void replaceMaps() {
+    using Handler = NImageBasedLightHandler;
+    const auto fill = [](GLuint cube, int level, int size) {
+        glBindTexture(GL_TEXTURE_CUBE_MAP, cube);
+        glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR);
+        glTexParameteri(GL_TEXTURE_CUBE_MAP, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+        for (int face = 0; face < 6; ++face) {
+            const vec3 color(Lighting::faceColor(face, level));
+            glClearTexSubImage(cube, level, 0, 0, face, size, size, 1, GL_RGB, GL_FLOAT, &color.x);
+        }
+    };
+    fill(Handler::GetIrradianceMapTextureID(), 0, 32);
+    for (int level = 0; level < 5; ++level)
+        fill(Handler::GetPrefilterMapTextureID(), level, 256 >> level);
+    glBindTexture(GL_TEXTURE_CUBE_MAP, 0);
+    std::vector<glm::vec2> table;
+    const float margin = 0.5f / Lighting::kTableSize;
+    for (int i = 0; i < 512 * 512; ++i)
+        table.push_back(clamp(glm::vec2(i % 512 + 0.5f, i / 512 + 0.5f) / 512.0f, margin, 1 - margin));
+    glBindTexture(GL_TEXTURE_2D, Handler::GetBRDFLUTTextureID());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 512, 512, GL_RG, GL_FLOAT, table.data());
+    glBindTexture(GL_TEXTURE_2D, 0);
+}
+
 TEST_P(MeshShading, EnvironmentLightsThroughItsMaps) {
+    refuseFastPrograms(4); // the maps' own
     EnablePhysicallyBasedRendering(true);
     EnableEnvironmentReflection(true);
     const auto drawArrays = epoxy_glDrawArrays;
     epoxy_glDrawArrays = [](GLenum, GLint, GLsizei) {}; // maps of any content
-    NImageBasedLightHandler::Initialize();
+    ASSERT_TRUE(renderer.RenderBegin(kOpaque));
     epoxy_glDrawArrays = drawArrays;
-    refuseFastPrograms();
-    const float irradiance[] = {0.3f, 0.5f, 0.7f, 0}, brdf[] = {0.5f, 0.25f, 0, 0};
-    glClearTexImage(NImageBasedLightHandler::GetIrradianceMapTextureID(), 0, GL_RGBA, GL_FLOAT, irradiance);
-    glClearTexImage(NImageBasedLightHandler::GetBRDFLUTTextureID(), 0, GL_RGBA, GL_FLOAT, brdf);
-    for (int level = 0; level < 5; ++level) {
-        const float mirrored[] = {level * 0.25f, level * 0.5f, 1, 0};
-        glClearTexImage(NImageBasedLightHandler::GetPrefilterMapTextureID(), level, GL_RGBA, GL_FLOAT,
-                        mirrored);
-    }
+    replaceMaps();
     GLuint sampler; // a host's, which would choose another level
     glGenSamplers(1, &sampler);
     glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glBindSampler(2, sampler);
     glActiveTexture(GL_TEXTURE5);
-    renderer.SetRenderMaterial(L"Metal");
-    const dvec3 albedo = pow(dvec3(channels(palette[70])), dvec3(2.2));
-    for (const double roughness : {0.5, 0.75}) { // the levels are twice as much
-        NRenderMaterialApperanceHandler::Add("Metal", {1, float(roughness), 1, 0.6f});
-        const dvec3 mirrored = dvec3(0.25, 0.5, 0) * roughness * 2.0 + dvec3(0, 0, 1);
-        const dvec3 light = (albedo * 0.5 + 0.25) * mirrored;
-        const dvec3 color = pow(light / (light + 1.0), dvec3(1 / 2.2));
-        const std::uint32_t pixel = centre(draw(body));
-        for (int c = 0; c < 3; ++c)
-            EXPECT_NEAR(channel(pixel, c), 255 * color[c], 1) << roughness;
+    Lighting rules;
+    rules.physicallyBased = rules.environment = 1;
+    rules.camera = {20, -70, 90};
+    for (const vec3& material : {vec3(1, 0.5f, 0.6f), vec3(0.25f, 0.75f, 0.5f)}) {
+        NRenderMaterialApperanceHandler::Add("Satin", {material.x, material.y, 1, material.z});
+        rules.metalness = material.x, rules.roughness = material.y, rules.reflectivity = material.z;
+        expectRules(rules);
     }
     EXPECT_EQ(integer(GL_ACTIVE_TEXTURE), GL_TEXTURE0);
     glActiveTexture(GL_TEXTURE2);
     EXPECT_EQ(integer(GL_SAMPLER_BINDING), GLint(sampler));
+    EnableEnvironmentReflection(false);
+    const Picture withoutReflection = draw(body);
     NImageBasedLightHandler::CleanUpBuffers();
+    EXPECT_TRUE(samePicture(draw(body), withoutReflection));
 }
 
 INSTANTIATE_TEST_SUITE_P(Programs, MeshShading, ::testing::Bool());
@@ -338,7 +358,10 @@ TEST_F(MeshRenderer, AlphaIsWrittenInTheTransparentPassAlone) {
     }
     renderer.EnableTransparency(false); // the value stays
     renderer.SetAlpha(0);
-    EXPECT_EQ(channel(centre(draw(tile(8, 56), kTransparent)), 3), 204);
+    for (const bool physical : {false, true}) {
+        EnablePhysicallyBasedRendering(physical);
+        EXPECT_EQ(channel(centre(draw(tile(8, 56), kTransparent)), 3), 204);
+    }
 }
 
 TEST_F(MeshRenderer, DrawsUnderTheMatrixAndAttributesOfEachCall) {
