@@ -224,7 +224,8 @@ struct _RenderAttributes {
 /// lights about the viewer, or by the environment. Blending is the host's.
 class NRENDERUTL_API NglMeshRenderer {
 public:
-    enum RenderPass { RenderPassOpaque = 0, RenderPassTransparent = 1 };
+    /// Every value but 1 is an opaque pass.
+    enum RenderPass : int { RenderPassOpaque = 0, RenderPassTransparent = 1 };
 
     NglMeshRenderer();
     NglMeshRenderer(const NglMeshRenderer&);

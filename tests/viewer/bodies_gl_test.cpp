@@ -10,6 +10,7 @@
 #include "viewer/error.h"
 #include "viewer/frame.h"
 #include "viewer/messages.h"
+#include "viewer/options.h"
 #include "viewer/scene.h"
 #include "viewer/vectors.h"
 
@@ -201,6 +202,14 @@ TEST_F(ViewerBodies, LampsStandAboutTheAxisOfThePicture) {
     EXPECT_GT(left, 1000);
     EXPECT_NEAR(left, right, 0.02 * left);
     EXPECT_NEAR(lower, upper, 0.02 * lower);
+}
+
+TEST(ViewerEnvironment, StandsUprightInTheView) {
+    for (const auto& [view, up] :
+         {std::pair{"iso", ImageUp::Y}, {"zx", ImageUp::X}, {"yz", ImageUp::Z}, {"0,1,0", ImageUp::MinusZ}}) {
+        const char* const arguments[] = {"nruview", "--sample", "flange", "--view", view};
+        EXPECT_EQ(readOptions(5, arguments)->body.environmentUp, up) << view;
+    }
 }
 
 // What is seen behind the model lies in the direction of sight, what its faces mirror behind the viewer.
