@@ -409,6 +409,7 @@ TEST_F(MeshRenderer, TakesNoHarmFromTheHostsStateAndLeavesIt) {
     glActiveTexture(GL_TEXTURE3);
     for (const bool other : {false, true}) {
         glBindVertexArray(other ? vao : 0);
+        record.lights[1] = {other, {}, {}, {}, {0, 0, 50, 1}, 1, 0, 0}; // black, but something new
         clear();
         ASSERT_TRUE(renderer.RenderBegin(kOpaque));
         renderer.EnableTransparency(other); // opaque all the same, in this pass
