@@ -1,6 +1,7 @@
 // Includes every public header of the library.
 #pragma once
 
+#include "NRenderUtl/Texture/ntexture.h"
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/lighting/nlighting.h"

@@ -6,6 +6,7 @@
 #include "NRenderUtl/host/hostutl.h"
 #include "NRenderUtl/shaders/gllabel.h"
 #include "NRenderUtl/shaders/nshaders.h"
+#include "NRenderUtl/shaders/pendingnames.h"
 
 namespace {
 
@@ -80,6 +81,10 @@ std::uint32_t makeBuffer(GLenum target, int size, const void* data, GLenum usage
 }
 
 } // namespace
+
+void deleteTextureOrQueue(std::uint32_t name) {
+    contextIsActive() ? deleteTexture(name) : pending().textures.push_back(name);
+}
 
 // --- buffer ------------------------------------------------------------------------------------------------
 
@@ -224,7 +229,7 @@ void RenderGLTBO::Unbind() {
 void RenderGLTBO::Destroy(bool reset) {
     m_buffer.Destroy(reset);
     if (IsValid()) {
-        contextIsActive() ? deleteTexture(m_texture) : pending().textures.push_back(m_texture);
+        deleteTextureOrQueue(m_texture);
         m_texture = 0;
     }
     m_unit = GL_TEXTURE0;

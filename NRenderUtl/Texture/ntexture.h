@@ -1,0 +1,78 @@
+// Pictures on top of the view: textures from files, bitmaps and pixels. Every call comes from the thread that
+// owns the current GL context.
+#pragma once
+
+#include <cstdint>
+
+#include "NRenderUtl/host/nhost.h"
+#include "NRenderUtl/shaders/nshaders.h"
+
+// --- textures ----------------------------------------------------------------------------------------------
+
+/// One picture in client memory: four bytes a pixel (red, green, blue, alpha), rows from bottom to top. Its
+/// pixels come from one kind of source, and the creators of the other kinds refuse with "NuTexture object is
+/// already created/initialized with a different source data!"; those of the same kind replace the picture.
+/// Creators return null on success; whatever they refuse or cannot load leaves the picture that was.
+class NRENDERUTL_API NuTexture {
+public:
+    NuTexture();
+    /// Without a declared context (SetRenderingContextActive) the GL texture is left to
+    /// RenderGLCleanupBuffers.
+    ~NuTexture();
+    NuTexture(const NuTexture&) = delete;
+    NuTexture& operator=(const NuTexture&) = delete;
+
+    /// Whether it has a source.
+    bool IsValid() const;
+    /// True when the width is at least 1 and the height at least 0.
+    bool GetTextureSize(int& width, int& height) const;
+
+    /// The pixels that the registered generator makes of a bitmap of the host's, which are then freed by the
+    /// host's image function. The colour 0xFFFFFFFF makes the picture opaque.
+    NErrorPtr CreateFromBitmap(void* bitmap, unsigned int colour);
+    /// A PNG or JPEG file, by the host's image functions where it has them.
+    NErrorPtr CreateFromImage(const GuStringFileName& path);
+    /// The same, with pixels of the packed colour (its alpha does not count) fully transparent.
+    NErrorPtr CreateFromImageWithTransparency(const GuStringFileName& path, unsigned int colour);
+    /// Copies width * height * 4 bytes. format is GL_RGBA, or GL_RGB for an opaque picture. Null pixels and
+    /// sizes below 0 or above 32768, or 2^28 pixels in all, are refused; a picture without pixels is not.
+    NErrorPtr CreateFromPixelData(int width, int height, unsigned char* pixels, int format);
+    /// A copy of source in which every colour but keepColour (packed, without alpha) is newColour; alpha
+    /// stays. Where nothing is to be replaced there is an error, and the texture is left without a source.
+    NErrorPtr CreateWithReplacedColor(const NuTexture& source, unsigned int newColour,
+                                      unsigned int keepColour);
+
+private:
+    enum SourceKind : std::int32_t { Empty = 0, Bitmap = 1, ImageFile = 2, PixelData = 3 };
+    struct NewPixels;
+
+    NErrorPtr RefuseOtherThan(SourceKind kind) const;
+    void ReplacePixels(SourceKind kind, NewPixels& pixels);
+    void FreePixels();
+    void Reset(bool deleteNow);
+    void DeleteGLTexture();
+
+    unsigned char* m_pixels;
+    std::int32_t m_width, m_height;
+    std::uint32_t m_pixelFormat;
+    std::uint32_t m_texture; ///< GL name, 0 = none
+    bool m_rebuildNeeded;
+    SourceKind m_sourceKind;
+    void (*m_freeImage)(void* context, void* pixels); ///< null: the library's own memory
+    void* m_freeContext;
+
+    static NShaderProgram& m_ShaderProgram; ///< draws all textures; deleted when any changes its pixels
+};
+
+// --- bitmaps -----------------------------------------------------------------------------------------------
+
+/// Makes pixels of a host's bitmap: four bytes each, rows from bottom to top, freed by the host's image
+/// function or, where it has none, NHostFree. Null on failure.
+using NuTexturePixelGeneratorFunc = unsigned char* (*)(void* bitmap, unsigned int colour, bool flag,
+                                                       int* width, int* height);
+
+/// The generator of CreateFromBitmap, which passes its colour and true; null takes it away.
+NRENDERUTL_API void NuTextureUtilRegisterPixelGeneratorFunc(NuTexturePixelGeneratorFunc func);
+/// Calls the generator; null where there is none.
+NRENDERUTL_API unsigned char* NuTextureUtilGetPixelsGivenBitmap(void* bitmap, unsigned int colour, bool flag,
+                                                                int* width, int* height);
