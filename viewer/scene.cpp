@@ -256,7 +256,7 @@ void Scene::draw() {
 
 void Scene::makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
     if (areBodies(shown, settings, body)) {
-        if (body.physical && IsFastRendererEnabled() != 0)
+        if (body.physical)
             m_environment.emplace(body);
         m_bodies.emplace(shown, body, settings.opacity);
         if (m_bodies->canDraw())

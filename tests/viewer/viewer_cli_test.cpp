@@ -110,6 +110,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --pbr --select 0 => bodies do not show --select",
         "@two.vtk --pbr --shade flat => --crease",
         "@two.vtk --pbr --hdr @none.hdr => none.hdr: Failed to load HDR image file!",
+        "@two.vtk --pbr --fixed --hdr @none.hdr => none.hdr: Failed to load HDR image file!",
         "@two.vtk --pbr --hdr @two.vtk => two.vtk: Failed to load HDR image file! "
         "(not a Radiance image)",
         "@two.vtk --legend yes => on or off"};
