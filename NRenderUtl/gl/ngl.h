@@ -703,6 +703,18 @@ NRENDERUTL_API void NglDrawSpheres(const std::vector<_NgFPoint3Str>& centers, co
 NRENDERUTL_API void NglDrawSpheres(int count, const _NgFPoint3Str* centers, float radius, const float* values,
                                    int textured, int a, int b);
 
+// --- face shading ------------------------------------------------------------------------------------------
+
+/// Until NglEndMeshRenderShader a program gives what the host draws one colour a face. Kind: 4, triangles, or
+/// 10, quads sent as GL_LINES_ADJACENCY with their corners in order. Lights 0 and 1 count, also while off, as
+/// point lights; from the material the front's emission, specular colour and shininess; ambient and diffuse
+/// light take the first corner's colour. Normals stay in object space, by the first three corners. While
+/// blending is on, alpha is the blending value. Returns 0; -1 for another kind, and, with a console message,
+/// where the driver lacks geometry stages or refuses the program.
+NRENDERUTL_API int NglInitMeshRenderShader(int kind);
+/// Makes no program current, whichever was before. Returns 0.
+NRENDERUTL_API int NglEndMeshRenderShader();
+
 // --- tubes -------------------------------------------------------------------------------------------------
 // GLE's own functions of these names, found in libgle.so.3 at the first call; GL/gle.h may be included too.
 // Without that library there is one console message, nothing is drawn and the join style is 0.
