@@ -1,5 +1,6 @@
 // Sections of 3D markers as the host calls them.
 #include "NRenderUtl/host/hostutl.h"
+#include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/markers/nmarkers.h"
 
 namespace {
@@ -37,8 +38,11 @@ bool isSphere(const N3DMarker& marker) {
     return marker.GetType() == RENDER_3D_MARKER_SPHERE;
 }
 
-/// The renderer of the open section if it has shapes of the kind, or none; else null, with a diagnostic.
-N3DMarkerRenderer* rendererOf(bool spheres) {
+} // namespace
+
+N3DMarkerRenderer* openMarkerRenderer(bool spheres) {
+    if (!isOptimized())
+        return nullptr;
     N3DMarkerRenderer* renderer = state().current;
     const N3DMarker* marker = renderer ? renderer->GetMarker() : nullptr;
     if (renderer && (!marker || isSphere(*marker) == spheres))
@@ -48,8 +52,6 @@ N3DMarkerRenderer* rendererOf(bool spheres) {
                                                     : kMarkerInSpheres);
     return nullptr;
 }
-
-} // namespace
 
 void RenderBegin3DMarkerDraw(_Render3DMarkerType type, _Render3DMarkerShape shape, bool forceFixedFunction) {
     if (!isOptimized())
@@ -62,7 +64,7 @@ void RenderBegin3DMarkerDraw(_Render3DMarkerType type, _Render3DMarkerShape shap
 int RenderDraw3DMarker(const _NgFPoint3Str* start, const _NgFPoint3Str* vector, float lengthScale,
                        float widthRatio, const NgColorLong* color, bool contoured, float texCoord1,
                        float texCoord2, int selected, int highlighted) {
-    N3DMarkerRenderer* renderer = isOptimized() ? rendererOf(false) : nullptr;
+    N3DMarkerRenderer* renderer = openMarkerRenderer(false);
     if (!renderer || !start || !vector)
         return 0;
     return renderer->Draw(start, vector, lengthScale, widthRatio, color, contoured, texCoord1, texCoord2,
@@ -71,7 +73,7 @@ int RenderDraw3DMarker(const _NgFPoint3Str* start, const _NgFPoint3Str* vector, 
 
 int RenderDraw3DSphere(const _NgFPoint3Str* centre, const _NgFPoint3Str* diameters, NgColorLong color,
                        bool contoured, float texCoord, int selected, int highlighted) {
-    N3DMarkerRenderer* renderer = isOptimized() ? rendererOf(true) : nullptr;
+    N3DMarkerRenderer* renderer = openMarkerRenderer(true);
     if (!renderer || !centre || !diameters)
         return 0;
     return renderer->Draw(centre, diameters, 0, 0, &color, contoured, texCoord, texCoord, selected,

@@ -10,6 +10,7 @@
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/markers/markercolors.h"
+#include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/markers/nmarkers.h"
 
 namespace {
@@ -40,23 +41,6 @@ template <class T>
 void freeArray(T*& array) {
     NHostFree(array);
     array = nullptr;
-}
-
-/// The frame of the line from a to a + b, z as long as the marker and x and y half as long as it is wide.
-/// False for a line without a length.
-bool axialTransform(const _NgFPoint3Str& a, const _NgFPoint3Str& b, float lengthScale, float widthRatio,
-                    NgMatrix out) {
-    const _NgFPoint3Str end = {a.x + b.x, a.y + b.y, a.z + b.z};
-    const float distance = MathFltPoint3Distance(a, end);
-    if (distance < kShortestLength || !std::isfinite(distance))
-        return false;
-    const float length = lengthScale > 0 ? distance * lengthScale : distance;
-    const float radius = length * (widthRatio == 0 ? kDefaultWidthRatio : widthRatio) * 0.5f;
-    NgMatrix align, scale;
-    NglAlignZAxisToLine({a.x, a.y, a.z}, {end.x, end.y, end.z}, 0, align);
-    NglSetScale(scale, radius, radius, length);
-    NglMultiply(align, scale, out);
-    return true;
 }
 
 void multiplyBySinglePrecision(const NgMatrix transform) {
@@ -90,6 +74,21 @@ private:
 };
 
 } // namespace
+
+bool axialTransform(const _NgFPoint3Str& a, const _NgFPoint3Str& b, float lengthScale, float widthRatio,
+                    NgMatrix out) {
+    const _NgFPoint3Str end = {a.x + b.x, a.y + b.y, a.z + b.z};
+    const float distance = MathFltPoint3Distance(a, end);
+    if (distance < kShortestLength || !std::isfinite(distance))
+        return false;
+    const float length = lengthScale > 0 ? distance * lengthScale : distance;
+    const float radius = length * (widthRatio == 0 ? kDefaultWidthRatio : widthRatio) * 0.5f;
+    NgMatrix align, scale;
+    NglAlignZAxisToLine({a.x, a.y, a.z}, {end.x, end.y, end.z}, 0, align);
+    NglSetScale(scale, radius, radius, length);
+    NglMultiply(align, scale, out);
+    return true;
+}
 
 // --- life --------------------------------------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/markers/markercolors.h"
+#include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/markers/nmarkers.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
@@ -23,6 +24,7 @@ struct HostState {
 
 struct RendererState {
     MarkerColors colors{};
+    MarkerSection section{};
     bool canDraw = false; ///< a context was current when the section began
     HostState host;
 };
@@ -72,17 +74,34 @@ void readPaletteColor(int index, float (&rgba)[4]) {
     rgba[3] = 1.0f;
 }
 
-void setSectionUniforms(NShaderProgram& program, bool clipped) {
-    _NglInfoStr& info = *NglGetNglInfo();
-    float modelView[16], projection[16];
-    glGetFloatv(GL_MODELVIEW_MATRIX, modelView);
-    glGetFloatv(GL_PROJECTION_MATRIX, projection);
-    program.SetMVPMatrices(projection, modelView, false);
-    program.SetUniform4x4Matrix(RenderUniformTextureMatrix, &info.textureMatrix[0][0]);
+/// What the section takes from the host, as it is now.
+void readSection(bool clipped) {
+    MarkerSection& section = state().section;
+    const _NglInfoStr& info = *NglGetNglInfo();
+    glGetFloatv(GL_MODELVIEW_MATRIX, section.modelView);
+    glGetFloatv(GL_PROJECTION_MATRIX, section.projection);
+    std::copy_n(&info.textureMatrix[0][0], std::size(section.textureMatrix), section.textureMatrix);
+    section.frontMaterial = info.frontMaterial;
+    section.backMaterial = info.backMaterial;
+    std::copy(std::begin(info.lights), std::end(info.lights), section.lights);
+    section.clipped = clipped;
+    ++section.number;
+}
+
+} // namespace
+
+const MarkerSection& markerSection() {
+    return state().section;
+}
+
+void setSectionUniforms(NShaderProgram& program) {
+    MarkerSection& section = state().section;
+    program.SetMVPMatrices(section.projection, section.modelView, false);
+    program.SetUniform4x4Matrix(RenderUniformTextureMatrix, section.textureMatrix);
     program.SetUniformValue(RenderUniformContourTexture, 0);
-    program.SetMateiralUniforms(&info.frontMaterial, &info.backMaterial);
-    program.SetLightUniforms(static_cast<int>(std::size(info.lights)), info.lights);
-    program.SetUniformValue(RenderUniformClipped, clipped);
+    program.SetMateiralUniforms(&section.frontMaterial, &section.backMaterial);
+    program.SetLightUniforms(static_cast<int>(std::size(section.lights)), section.lights);
+    program.SetUniformValue(RenderUniformClipped, section.clipped);
 }
 
 void setBlendingUniforms(NShaderProgram& program) {
@@ -92,8 +111,6 @@ void setBlendingUniforms(NShaderProgram& program) {
         program.SetUniformValue(RenderUniformAlpha,
                                 static_cast<float>((ngl_get_blending_value() >> 24 & 0xFF) / 255.0));
 }
-
-} // namespace
 
 MarkerColors& markerColors() {
     return state().colors;
@@ -167,7 +184,8 @@ void N3DMarkerRenderer::beginProgram() {
     setHostStateAside();
     m_bShaderActive = 1;
     m_pShader->UseProgram(true);
-    setSectionUniforms(*m_pShader, m_bClip);
+    readSection(m_bClip);
+    setSectionUniforms(*m_pShader);
     const int position = m_pShader->GetVertexAttributeLocation(RenderAttribPosition);
     if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
         glVertexAttribDivisor(static_cast<GLuint>(position), 0);
