@@ -1,10 +1,13 @@
 // 3D markers, symbols and annotations, with the state that is refreshed whenever the view record changes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "NRenderUtl/ntypes.h"
 #include "NRenderUtl/shaders/nshaders.h"
+
+class MarkerArrayDraw; // of the library's own
 
 // --- 3D marker shapes --------------------------------------------------------------------------------------
 
@@ -77,6 +80,7 @@ protected:
     RenderGLBuffer m_indexBuffer;
 
 private:
+    friend class MarkerArrayDraw;
     void drawTriangles() const;
 };
 
@@ -175,6 +179,7 @@ protected:
     static N3DMarker* GetMarkerInstance(_Render3DMarkerType type);
 
 private:
+    friend class MarkerArrayDraw;
     N3DMarkerRenderer();
     void beginProgram();
     void leaveShape();
@@ -207,6 +212,53 @@ NRENDERUTL_API int RenderDraw3DSphere(const _NgFPoint3Str* centre, const _NgFPoi
 /// Whether user clip planes cut the markers of the sections to come; nothing happens outside a section.
 NRENDERUTL_API void RenderClip3DMarkerDraw(bool clip);
 NRENDERUTL_API void RenderEnd3DMarkerDraw();
+
+// --- arrays of 3D markers ----------------------------------------------------------------------------------
+
+/// Markers that are no spheres, as RenderDraw3DMarker takes them one by one. Arrays have count entries, are
+/// read at once and never kept; where one is null, the value beside it is that of all.
+struct Render3DMarkerArray {
+    std::size_t count = 0;
+    const _NgFPoint3Str* starts = nullptr;  ///< not null
+    const _NgFPoint3Str* vectors = nullptr; ///< not null
+    const float* lengthScales = nullptr;
+    float lengthScale = 0;
+    const float* widthRatios = nullptr;
+    float widthRatio = 0;
+    const NgColorLong* colors = nullptr;
+    const NgColorLong* color = nullptr; ///< null: GL's current colour
+    bool contoured = false;
+    const float* texCoords1 = nullptr;
+    float texCoord1 = 0;
+    const float* texCoords2 = nullptr;
+    float texCoord2 = 0;
+    const std::uint8_t* selected = nullptr;    ///< null: none
+    const std::uint8_t* highlighted = nullptr; ///< null: none
+    bool exact = false;                        ///< always the triangles of the shape
+};
+
+/// Spheres, as RenderDraw3DSphere takes them one by one. Arrays as those of Render3DMarkerArray.
+struct Render3DSphereArray {
+    std::size_t count = 0;
+    const _NgFPoint3Str* centres = nullptr; ///< not null
+    const _NgFPoint3Str* diameters = nullptr;
+    _NgFPoint3Str diameter = {1, 1, 1};
+    const NgColorLong* colors = nullptr;
+    NgColorLong color = 0;
+    bool contoured = false;
+    const float* texCoords = nullptr;
+    float texCoord = 0;
+    const std::uint8_t* selected = nullptr;
+    const std::uint8_t* highlighted = nullptr;
+    bool exact = false;
+};
+
+/// Draws markers of the open section as so many single calls would, with their diagnostics, but faster. The
+/// sum of what these would return. Unless exact is set, a marker may be drawn as what it looks like, where it
+/// is opaque and no plane cuts it: its outline then lies within half a pixel of that of its triangles, and
+/// colours inside differ by no more than shading between vertices makes them.
+NRENDERUTL_API int RenderDraw3DMarkers(const Render3DMarkerArray* markers);
+NRENDERUTL_API int RenderDraw3DSpheres(const Render3DSphereArray* spheres);
 
 // --- state that follows the view record --------------------------------------------------------------------
 

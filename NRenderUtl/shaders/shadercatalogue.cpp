@@ -212,6 +212,24 @@ bool ComposedProgram::buildMarkers(SourceChanges changes) {
         std::move(changes));
 }
 
+bool ComposedProgram::buildMarkerTriangles(SourceChanges changes) {
+    return compose({"NRenderUtl marker triangles",
+                    {kMarkerTrianglesVertexMain},
+                    {},
+                    {kMarkerFragmentMain, kLightingLibrary},
+                    0},
+                   std::move(changes));
+}
+
+bool ComposedProgram::buildMarkerRays(SourceChanges changes) {
+    return compose({"NRenderUtl marker rays",
+                    {kMarkerRaysVertexMain},
+                    {},
+                    {kMarkerRaysFragmentMain, kLightingLibrary},
+                    0},
+                   std::move(changes));
+}
+
 bool ComposedProgram::compose(ProgramComposition composition, SourceChanges changes) {
     if (changes.block) {
         composition.fragment = withBlock(composition.fragment);

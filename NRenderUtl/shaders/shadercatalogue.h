@@ -30,6 +30,10 @@ public:
     bool buildMeshPhysical(SourceChanges changes = {});
     /// From those of the 3D markers.
     bool buildMarkers(SourceChanges changes = {});
+    /// The same for markers whose triangles are placed already.
+    bool buildMarkerTriangles(SourceChanges changes = {});
+    /// From those of the markers that rays find: define SPHERES for spheres, else cylinders.
+    bool buildMarkerRays(SourceChanges changes = {});
 
 private:
     bool compose(ProgramComposition composition, SourceChanges changes);

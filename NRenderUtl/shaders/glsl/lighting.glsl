@@ -86,11 +86,15 @@ void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illuminatio
 // Blinn 1977, both sides lit.
 vec4 classicColor(vec4 color, vec3 position, vec3 normal) {
     Illumination sum = Illumination(vec4(0.0), vec4(0.0));
+#ifdef ONLY_LIGHT
+    addLight(g_lights[ONLY_LIGHT], position, normal, sum);
+#else
     int last = lastLight(), i = 0;
     do {
         if (g_lights[i].status == 1)
             addLight(g_lights[i], position, normal, sum);
     } while (++i <= last);
+#endif
     color = g_frontmat.emission + g_backmat.emission + sum.ambientDiffuse * color + sum.specular;
     return clamp(color, 0.0, 1.0);
 }

@@ -8,6 +8,9 @@ in VertexData {
     vec3 normal;
     vec3 position;
     vec2 texCoord;
+#ifdef VALUES_BY_MARKER
+    flat float values; // 1 where the marker shows contour values
+#endif
 } VertexIn;
 
 uniform int g_bct;
@@ -18,9 +21,14 @@ uniform float g_alphavalue;
 vec4 classicColor(vec4 color, vec3 position, vec3 normal);
 
 void main() {
-    vec4 base = g_bct == 1 ? vec4(1.0) : VertexIn.color;
+#ifdef VALUES_BY_MARKER
+    bool values = VertexIn.values == 1.0;
+#else
+    bool values = g_bct == 1;
+#endif
+    vec4 base = values ? vec4(1.0) : VertexIn.color;
     vec4 color = classicColor(base, VertexIn.position, normalize(VertexIn.normal));
-    if (g_bct == 1)
+    if (values)
         color *= texture(g_ctt, VertexIn.texCoord);
     if (g_transparent == 1)
         color.a = g_alphavalue;

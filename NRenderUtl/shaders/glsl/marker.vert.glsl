@@ -3,22 +3,33 @@
 
 in vec3 g_pos_attrib;
 
-uniform vec4 g_colorwithalpha;
 uniform mat4 g_mvmat;
 uniform mat4 g_projmat;
-uniform mat4 g_transmat;
 uniform mat4 g_texmat;
 uniform int g_bct;
 uniform int g_halfvertcnt;
 uniform int g_clipped;
+#ifdef INSTANCES
+in mat4 g_transmat;
+in vec4 g_colorwithalpha;
+in float g_texcoord1;
+in float g_texcoord2;
+in float g_values;
+#else
+uniform vec4 g_colorwithalpha;
+uniform mat4 g_transmat;
 uniform float g_texcoord1;
 uniform float g_texcoord2;
+#endif
 
 out VertexData {
     vec4 color;
     vec3 normal; // eye space, as the position
     vec3 position;
     vec2 texCoord;
+#ifdef VALUES_BY_MARKER
+    flat float values;
+#endif
 } VertexOut;
 
 // The direction of the inverse transpose times p. By cofactors, of a matrix brought near 1: thin markers keep
@@ -43,4 +54,7 @@ void main() {
     VertexOut.color = g_colorwithalpha;
     float value = gl_VertexID < g_halfvertcnt ? g_texcoord1 : g_texcoord2;
     VertexOut.texCoord = (g_texmat * vec4(value, 0.0, 0.0, 1.0)).st;
+#ifdef VALUES_BY_MARKER
+    VertexOut.values = g_values;
+#endif
 }

@@ -1,0 +1,240 @@
+// Draws of many 3D markers in one call: which way each is drawn.
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <optional>
+
+#include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/markers/markerinstances.h"
+#include "NRenderUtl/markers/markerprograms.h"
+#include "NRenderUtl/markers/markerrays.h"
+#include "NRenderUtl/markers/markersection.h"
+#include "NRenderUtl/markers/markertriangles.h"
+#include "NRenderUtl/shaders/programinuse.h"
+
+namespace {
+
+/// Whether triangles cost the processor; then it is worth leaving out those that do not show.
+bool drawsInSoftware() {
+    const auto* name = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
+    if (!name)
+        return false;
+    for (const char* known : {"llvmpipe", "softpipe", "swrast", "Software Rasterizer", "GDI Generic"})
+        if (std::strstr(name, known))
+            return true;
+    return false;
+}
+
+/// Whether a triangle is seen from outside when its corners run counterclockwise. Sides and domes look away
+/// from the axis, and flat faces to the end that they close.
+bool looksOutward(const MarkerShape& shape, const std::array<std::uint16_t, 3>& corners) {
+    std::array<float, 3> p[3], normal, middle;
+    for (std::size_t k = 0; k < 3; ++k)
+        p[k] = {shape.x[corners[k]], shape.y[corners[k]], shape.z[corners[k]]};
+    for (std::size_t k = 0; k < 3; ++k) {
+        const std::size_t i = (k + 1) % 3, j = (k + 2) % 3;
+        normal[k] = (p[1][i] - p[0][i]) * (p[2][j] - p[0][j]) - (p[1][j] - p[0][j]) * (p[2][i] - p[0][i]);
+        middle[k] = p[0][k] + p[1][k] + p[2][k];
+    }
+    const float radial = normal[0] * middle[0] + normal[1] * middle[1];
+    if (shape.isSphere())
+        return radial + normal[2] * middle[2] > 0;
+    if (p[0][2] != p[1][2] || p[0][2] != p[2][2])
+        return radial > 0;
+    const float z = p[0][2];
+    const bool rivet = shape.type == RENDER_3D_MARKER_RIVET,
+               cylinder = shape.type == RENDER_3D_MARKER_CYLINDER;
+    const bool towardEnd = rivet ? (z > 0.05f && z < 0.5f) || z > 0.95f : cylinder && z > 0.5f;
+    return (normal[2] > 0) == towardEnd;
+}
+
+} // namespace
+
+/// What arrays may know of a section and its shape.
+class MarkerArrayDraw {
+public:
+    MarkerArrayDraw(N3DMarkerRenderer& renderer, const MarkerArray& markers)
+        : m_renderer(renderer), m_markers(markers) {}
+
+    int draw() {
+        const NShaderProgram* section = m_renderer.m_bShaderActive ? m_renderer.m_pShader : nullptr;
+        if (m_markers.count == 0 || !m_renderer.m_pMarker)
+            return 0;
+        if (section && marker().m_triangleCount > 0 && drawTogether())
+            return static_cast<int>(m_markers.count);
+        return drawSingly();
+    }
+
+private:
+    const N3DMarker& marker() const { return *m_renderer.m_pMarker; }
+
+    int drawSingly() {
+        int drawn = 0;
+        for (std::size_t i = 0; i < m_markers.count; ++i)
+            drawn += m_renderer.Draw(&m_markers.starts[i], &m_markers.vectors[i], m_markers.lengthScales[i],
+                                     m_markers.widthRatios[i],
+                                     m_markers.colors.values ? &m_markers.colors[i] : nullptr,
+                                     m_markers.contoured, m_markers.texCoords1[i], m_markers.texCoords2[i],
+                                     m_markers.selected[i], m_markers.highlighted[i]);
+        return drawn;
+    }
+
+    /// False, with nothing drawn, where the driver lacks what it takes.
+    bool drawTogether() {
+        const ProgramInUseGuard sectionProgram;
+        if (!m_markers.colors.values)
+            glGetFloatv(GL_CURRENT_COLOR, m_markers.currentColor.data());
+        const MarkerShape shape = readShape();
+        const MarkerWindow window;
+        const bool software = drawsInSoftware();
+        const bool hasRays = shape.isSphere() || shape.type == RENDER_3D_MARKER_CYLINDER;
+        const bool rays = hasRays && !m_markers.exact && window.raysWork();
+        if (!software && !rays)
+            return drawInstances(shape);
+        return drawPlaced(shape, window, rays);
+    }
+
+    bool drawInstances(const MarkerShape& shape) {
+        NShaderProgram* program = canDrawInstances()
+                                      ? useMarkerProgram(MarkerProgramKind::Instances, m_markers.contoured)
+                                      : nullptr;
+        if (!program)
+            return false;
+        program->SetUniformValue("g_halfvertcnt", marker().m_vertexCount / 2);
+        const auto name = [](const RenderGLBuffer& buffer) {
+            return buffer.IsValid() ? buffer.GetBufferID() : 0;
+        };
+        drawMarkerInstances(*program,
+                            {name(marker().m_vertexBuffer), name(marker().m_indexBuffer), marker().m_vertices,
+                             marker().m_indices, marker().m_vertexCount, 3 * marker().m_triangleCount},
+                            shape, m_markers);
+        return true;
+    }
+
+    /// Markers that are no rays, as triangles, after those that are: the nearest wins in any order.
+    bool drawPlaced(const MarkerShape& shape, const MarkerWindow& window, bool rays) {
+        std::vector<std::size_t> rest;
+        if (rays && !drawRays(shape, window, rest))
+            return false;
+        if (rays && rest.empty())
+            return true;
+        NShaderProgram* program = useMarkerProgram(MarkerProgramKind::Triangles, m_markers.contoured);
+        if (!program)
+            return false;
+        MarkerTriangles triangles(*program, window, shape, m_markers.exact);
+        const auto add = [&](std::size_t i) {
+            Matrix4 matrix;
+            if (!shape.place(m_markers, i, matrix))
+                return;
+            const Matrix4 eye = multiply(window.modelView(), matrix);
+            const MarkerExtent extent = window.extent(shape, eye);
+            if (extent != MarkerExtent::Outside)
+                triangles.add(eye, extent, m_markers.look(i));
+        };
+        for (std::size_t i = 0; !rays && i < m_markers.count; ++i)
+            add(i);
+        for (const std::size_t i : rest)
+            add(i);
+        return true;
+    }
+
+    /// Leaves the numbers of markers that are to be drawn as triangles.
+    bool drawRays(const MarkerShape& shape, const MarkerWindow& window, std::vector<std::size_t>& rest) {
+        NShaderProgram* program = useMarkerProgram(shape.isSphere() ? MarkerProgramKind::SphereRays
+                                                                    : MarkerProgramKind::CylinderRays,
+                                                   m_markers.contoured);
+        if (!program)
+            return false;
+        Plane4 viewpoint = window.viewpoint();
+        program->SetVec4UniformValue("g_viewpoint", viewpoint.data());
+        MarkerRays drawn(*program, window, shape);
+        for (std::size_t i = 0; i < m_markers.count; ++i) {
+            Matrix4 matrix;
+            if (!shape.place(m_markers, i, matrix))
+                continue;
+            const Matrix4 eye = multiply(window.modelView(), matrix);
+            const MarkerExtent extent = window.extent(shape, eye);
+            if (extent == MarkerExtent::Inside && drawn.fits(eye))
+                drawn.add(eye, m_markers.look(i));
+            else if (extent != MarkerExtent::Outside)
+                rest.push_back(i);
+        }
+        return true;
+    }
+
+    MarkerShape readShape() const {
+        MarkerShape shape{marker().m_type, marker().m_sliceCount, {}, {}, {}, {}, {}, {}};
+        std::array<std::vector<float>*, 3> axes = {&shape.x, &shape.y, &shape.z};
+        for (std::size_t k = 0; k < 3; ++k) {
+            float low = std::numeric_limits<float>::max(), high = -low;
+            for (int i = 0; i < marker().m_vertexCount; ++i) {
+                const float value = marker().m_vertices[3 * static_cast<std::size_t>(i) + k];
+                axes[k]->push_back(value);
+                low = std::min(low, value);
+                high = std::max(high, value);
+            }
+            shape.centre[k] = (low + high) / 2;
+            shape.halfSize[k] = (high - low) / 2;
+        }
+        for (int t = 0; t < marker().m_triangleCount; ++t) {
+            std::array<std::uint16_t, 3> corners;
+            for (std::size_t k = 0; k < 3; ++k)
+                corners[k] =
+                    static_cast<std::uint16_t>(marker().m_indices[3 * static_cast<std::size_t>(t) + k]);
+            shape.triangles.push_back({corners, looksOutward(shape, corners) ? 1.0f : -1.0f});
+        }
+        return shape;
+    }
+
+    N3DMarkerRenderer& m_renderer;
+    MarkerArray m_markers;
+};
+
+namespace {
+
+constexpr std::uint8_t kUnmarked = 0;
+
+int drawArray(bool spheres, const MarkerArray& markers) {
+    N3DMarkerRenderer* renderer = openMarkerRenderer(spheres);
+    if (!renderer || !markers.starts.values || !markers.vectors.values)
+        return 0;
+    return MarkerArrayDraw(*renderer, markers).draw();
+}
+
+} // namespace
+
+int RenderDraw3DMarkers(const Render3DMarkerArray* markers) {
+    const Render3DMarkerArray m = markers ? *markers : Render3DMarkerArray{};
+    return drawArray(false, {m.count,
+                             {m.starts, 1},
+                             {m.vectors, 1},
+                             PerMarker<float>::of(m.lengthScales, m.lengthScale),
+                             PerMarker<float>::of(m.widthRatios, m.widthRatio),
+                             {m.colors ? m.colors : m.color, m.colors ? 1u : 0u},
+                             m.contoured,
+                             PerMarker<float>::of(m.texCoords1, m.texCoord1),
+                             PerMarker<float>::of(m.texCoords2, m.texCoord2),
+                             PerMarker<std::uint8_t>::of(m.selected, kUnmarked),
+                             PerMarker<std::uint8_t>::of(m.highlighted, kUnmarked),
+                             m.exact,
+                             {}});
+}
+
+int RenderDraw3DSpheres(const Render3DSphereArray* spheres) {
+    const Render3DSphereArray s = spheres ? *spheres : Render3DSphereArray{};
+    constexpr float kNone = 0;
+    const PerMarker<float> values = PerMarker<float>::of(s.texCoords, s.texCoord);
+    return drawArray(true, {s.count,
+                            {s.centres, 1},
+                            PerMarker<_NgFPoint3Str>::of(s.diameters, s.diameter),
+                            {&kNone, 0},
+                            {&kNone, 0},
+                            PerMarker<NgColorLong>::of(s.colors, s.color),
+                            s.contoured,
+                            values,
+                            values,
+                            PerMarker<std::uint8_t>::of(s.selected, kUnmarked),
+                            PerMarker<std::uint8_t>::of(s.highlighted, kUnmarked),
+                            s.exact,
+                            {}});
+}

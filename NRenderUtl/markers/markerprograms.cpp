@@ -1,0 +1,78 @@
+// The programs of arrays of markers, each sent a section once.
+#include "NRenderUtl/markers/markerprograms.h"
+
+#include <compare>
+#include <iterator>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "NRenderUtl/markers/markersection.h"
+#include "NRenderUtl/shaders/shadercatalogue.h"
+
+namespace {
+
+struct Entry {
+    bool tried = false;
+    unsigned section = 0; ///< number of the one sent
+    ComposedProgram program;
+};
+
+struct Variant {
+    MarkerProgramKind kind;
+    bool contoured;
+    int onlyLight; ///< -1 for none or several
+    auto operator<=>(const Variant&) const = default;
+};
+
+/// Drivers in software loop over lights at the price of shading.
+int onlyLight() {
+    int only = -1, count = 0;
+    for (int i = 0; i < static_cast<int>(std::size(markerSection().lights)); ++i)
+        if (markerSection().lights[i].enabled == 1 && ++count == 1)
+            only = i;
+    return count == 1 ? only : -1;
+}
+
+void build(ComposedProgram& program, const Variant& variant) {
+    SourceChanges changes;
+    if (variant.onlyLight >= 0)
+        changes.defines.push_back("ONLY_LIGHT " + std::to_string(variant.onlyLight));
+    if (variant.contoured)
+        changes.defines.push_back("VALUES_BY_MARKER");
+    else
+        changes.switches.push_back({"g_bct", 0});
+    switch (variant.kind) {
+    case MarkerProgramKind::Instances:
+        changes.defines.push_back("INSTANCES");
+        program.buildMarkers(changes);
+        break;
+    case MarkerProgramKind::Triangles:
+        program.buildMarkerTriangles(changes);
+        break;
+    case MarkerProgramKind::SphereRays:
+        changes.defines.push_back("SPHERES");
+        program.buildMarkerRays(changes);
+        break;
+    case MarkerProgramKind::CylinderRays:
+        program.buildMarkerRays(changes);
+        break;
+    }
+}
+
+} // namespace
+
+NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured) {
+    static std::map<Variant, Entry> entries;
+    const Variant variant{kind, contoured, onlyLight()};
+    Entry& entry = entries[variant];
+    if (!std::exchange(entry.tried, true))
+        build(entry.program, variant);
+    if (!entry.program.IsProgramValid())
+        return nullptr;
+    entry.program.UseProgram(true);
+    if (std::exchange(entry.section, markerSection().number) != markerSection().number)
+        setSectionUniforms(entry.program);
+    setBlendingUniforms(entry.program);
+    return &entry.program;
+}

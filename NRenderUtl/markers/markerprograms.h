@@ -1,0 +1,10 @@
+// The programs of arrays of markers.
+#pragma once
+
+#include "NRenderUtl/shaders/nshaders.h"
+
+enum class MarkerProgramKind { Instances, Triangles, CylinderRays, SphereRays };
+
+/// The program of a kind, in use and with what the section has sent; null where the driver refuses it. Built
+/// when it is first asked for.
+NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured);

@@ -1,0 +1,55 @@
+// Markers drawn by those of their triangles that can show, placed here.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "NRenderUtl/markers/markerstream.h"
+#include "NRenderUtl/markers/markerwindow.h"
+
+/// Collects triangles of many markers and draws them together. For drivers in software, where a triangle that
+/// covers nothing costs as much as placing a dozen vertices here.
+class MarkerTriangles {
+public:
+    /// Unless exact, with fewer slices where that looks the same. The program in use is that of the kind
+    /// Triangles.
+    MarkerTriangles(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape,
+                    bool exact);
+    /// Draws what is left.
+    ~MarkerTriangles();
+    MarkerTriangles(const MarkerTriangles&) = delete;
+    MarkerTriangles& operator=(const MarkerTriangles&) = delete;
+
+    /// eye places the shape in eye space; not outside.
+    void add(const Matrix4& eye, MarkerExtent extent, const MarkerLook& look);
+    /// Draws what was added.
+    void flush();
+
+private:
+    struct Vertex {
+        std::array<float, 3> position, normal; ///< eye space
+        std::array<float, 4> rgba;
+        std::array<float, 2> value; ///< and 1 where it shows
+    };
+    static std::span<const VertexPart> parts();
+    const std::vector<MarkerShape::Triangle>& trianglesFor(const Matrix4& eye) const;
+    void placeVertices(const Matrix4& eye);
+    void placeInWindow();
+    bool showsNothing(const MarkerShape::Triangle& triangle, float handedness) const;
+    std::uint16_t useVertex(std::size_t vertex, const MarkerLook& look);
+    Vertex makeVertex(std::size_t vertex, const MarkerLook& look) const;
+
+    const MarkerWindow& m_window;
+    const MarkerShape& m_shape;
+    std::vector<std::vector<MarkerShape::Triangle>> m_levels; ///< of all slices, each second, each fourth
+    MarkerStream m_stream;
+    std::vector<Vertex> m_vertices;
+    std::vector<std::uint16_t> m_indices;
+
+    // Of the marker being added.
+    std::array<std::array<float, 3>, 3> m_normals; ///< the cofactors of its matrix
+    std::vector<float> m_x, m_y, m_z;              ///< eye space
+    std::vector<float> m_across, m_up;             ///< window, from the centre of pixel 0
+    std::vector<std::int32_t> m_column, m_row; ///< of the centre before a vertex; near one, the vertex's own
+    std::vector<std::int32_t> m_used;          ///< index of the vertex, -1 for none
+};

@@ -1,0 +1,58 @@
+// What of an array of markers the window shows: planes that cut, sides of triangles, and pixels.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "NRenderUtl/markers/markerarray.h"
+
+using Plane4 = std::array<float, 4>; ///< a x + b y + c z + d >= 0 stays, eye space
+
+enum class MarkerExtent {
+    Outside, ///< nothing of the marker shows
+    Inside,  ///< no plane in front, behind or of the user cuts it
+    Cut,
+};
+
+/// The view and GL state of one call.
+class MarkerWindow {
+public:
+    MarkerWindow();
+
+    const Matrix4& modelView() const { return m_modelView; }
+    const Matrix4& projection() const { return m_projection; }
+    /// Of eye space, homogeneous: the inverse of the projection.
+    const Matrix4& unprojection() const { return m_unprojection; }
+    /// Window position by normalized device coordinates times scale plus offset, in pixels.
+    std::array<float, 2> scale() const { return m_scale; }
+    std::array<float, 2> offset() const { return m_offset; }
+
+    /// Closed shapes show their fronts alone: nothing shines through, and the nearest wins.
+    bool onlyFrontsShow() const { return m_onlyFronts; }
+    /// Triangles that cover no centre of a pixel draw nothing.
+    bool onlyCentresCount() const { return m_onlyCentres; }
+    /// 1 where triangles of which the corners run counterclockwise in eye space, seen by the viewer, do so in
+    /// the window.
+    float handedness() const { return m_handedness; }
+    /// Where the viewer is, or with w = 0 the direction to the viewer.
+    const Plane4& viewpoint() const { return m_viewpoint; }
+    /// Whether rays find what triangles show: the shapes of model space are those of eye space.
+    bool raysWork() const { return m_rays; }
+
+    /// eye places the shape in eye space.
+    MarkerExtent extent(const MarkerShape& shape, const Matrix4& eye) const;
+    /// Pixels of a length in eye space at a marker, at most.
+    float pixels(const MarkerShape& shape, const Matrix4& eye, float length) const;
+
+private:
+    void readPlanes(bool clipped);
+    void readState();
+    void readViewpoint();
+
+    Matrix4 m_modelView, m_projection, m_unprojection;
+    std::array<float, 2> m_scale, m_offset;
+    std::vector<Plane4> m_cutting, m_sides;
+    bool m_onlyFronts = false, m_onlyCentres = false, m_rays = false;
+    float m_handedness = 1;
+    Plane4 m_viewpoint{};
+};

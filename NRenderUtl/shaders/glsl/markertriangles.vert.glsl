@@ -1,0 +1,38 @@
+#version 150 compatibility
+// Vertex stage of 3D markers whose vertices come in eye space, with their normals.
+
+in vec3 g_pos_attrib;
+in vec3 g_norm_attrib;
+in vec4 g_col_attrib;
+#ifdef VALUES_BY_MARKER
+in vec2 g_values; // contour value, and 1 where it shows
+#endif
+
+uniform mat4 g_projmat;
+uniform mat4 g_texmat;
+uniform int g_clipped;
+
+out VertexData {
+    vec4 color;
+    vec3 normal;
+    vec3 position;
+    vec2 texCoord;
+#ifdef VALUES_BY_MARKER
+    flat float values;
+#endif
+} VertexOut;
+
+void main() {
+    vec4 eye = vec4(g_pos_attrib, 1.0);
+    gl_Position = g_projmat * eye;
+    gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
+    VertexOut.normal = g_norm_attrib;
+    VertexOut.position = g_pos_attrib;
+    VertexOut.color = g_col_attrib;
+#ifdef VALUES_BY_MARKER
+    VertexOut.texCoord = (g_texmat * vec4(g_values.x, 0.0, 0.0, 1.0)).st;
+    VertexOut.values = g_values.y;
+#else
+    VertexOut.texCoord = vec2(0.0);
+#endif
+}
