@@ -1,4 +1,5 @@
 // The renderer of 3D marker sections: what is constant for a section is sent once, in Begin.
+#include <algorithm>
 #include <iterator>
 #include <new>
 #include <utility>
