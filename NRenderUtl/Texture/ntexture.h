@@ -15,6 +15,15 @@
 /// Creators return null on success; whatever they refuse or cannot load leaves the picture that was.
 class NRENDERUTL_API NuTexture {
 public:
+    /// How a texture is drawn. Flags are on when not 0.
+    struct RenderInfo {
+        std::int32_t roundedCorners;  ///< flag; rectangles only
+        std::int32_t cornerRadius;    ///< pixels of the texture, as all corners have it
+        std::int32_t border;          ///< flag; in circles any value but 1 leaves the filling its full size
+        std::int32_t borderThickness; ///< pixels, in rectangles those of the texture
+        unsigned char borderColor[3]; ///< red, green, blue
+    };
+
     NuTexture();
     /// Without a declared context (SetRenderingContextActive) the GL texture is left to
     /// RenderGLCleanupBuffers.
@@ -42,6 +51,14 @@ public:
     NErrorPtr CreateWithReplacedColor(const NuTexture& source, unsigned int newColour,
                                       unsigned int keepColour);
 
+    /// Draw in a rectangle or circle of the window (y upward), on top of the scene, with alpha unless the
+    /// format is GL_RGB; sizes of 0 or less are the texture's own, the smaller one for a circle. A GL
+    /// texture is made at the first draw after a change, in the current context; nothing is drawn without
+    /// one, without pixels, or beyond the driver's size of textures. GL state stays but for the current
+    /// colour, which is index 63 or, of a circle with border, the border's.
+    void RenderAsRectangle(int x, int y, int width, int height, const RenderInfo& info);
+    void RenderAsCircle(int x, int y, int diameter, const RenderInfo& info);
+
 private:
     enum SourceKind : std::int32_t { Empty = 0, Bitmap = 1, ImageFile = 2, PixelData = 3 };
     struct NewPixels;
@@ -50,7 +67,13 @@ private:
     void ReplacePixels(SourceKind kind, NewPixels& pixels);
     void FreePixels();
     void Reset(bool deleteNow);
+
+    void CreateGLTexture();
     void DeleteGLTexture();
+    static bool BuildProgram();
+    bool DrawAsRectangleWithVAMode(int width, int height, const RenderInfo& info);
+    void DrawAsRectangleWithImmediateMode(int width, int height, const RenderInfo& info);
+    static void DrawCircle(int centre, int radius, bool filled);
 
     unsigned char* m_pixels;
     std::int32_t m_width, m_height;

@@ -1,0 +1,268 @@
+// Textures on the window: their pixels one by one, corners and border against the same formula in C++,
+// circles by area, and the host's GL state.
+#include <epoxy/egl.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "NRenderUtl/NRenderUtl.h"
+#include "tests/host/testfiles.h"
+#include "tests/support/glsnapshot.h"
+#include "tests/support/librarytest.h"
+#include "tests/support/pngwriter.h"
+
+using namespace nrutest;
+using Info = NuTexture::RenderInfo;
+
+namespace {
+
+constexpr std::uint32_t kRed = 0xFF0000FF, kGreen = 0xFF00FF00, kBlue = 0xFFFF0000;
+constexpr std::uint32_t kBorder = 0xFF1E140A; // of kBordered
+constexpr Info kPlain{}, kRounded{1, 6, 0, 0, {}}, kBordered{0, 6, 1, 4, {10, 20, 30}},
+    kBoth{1, 6, 1, 4, {10, 20, 30}};
+
+void fill(NuTexture& texture, int width, int height, std::vector<std::uint32_t> pixels,
+          GLenum format = GL_RGBA) {
+    pixels.resize(std::size_t(width) * height, pixels.back());
+    const NErrorPtr error = texture.CreateFromPixelData(
+        width, height, reinterpret_cast<unsigned char*>(pixels.data()), int(format));
+    ASSERT_FALSE(error) << error->GetTextUtf8();
+}
+
+float channel(std::uint32_t color, int i) {
+    return float(color >> 8 * i & 0xFF) / 255;
+}
+
+float step(float from, float to, float x) {
+    const float t = std::clamp((x - from) / (to - from), 0.0f, 1.0f);
+    return t * t * (3 - 2 * t);
+}
+
+/// What the program makes of a sample at u, v, blended over the cleared window.
+std::uint32_t expected(std::uint32_t sample, float u, float v, float width, float height, const Info& info) {
+    const float r = info.roundedCorners ? float(info.cornerRadius) : 0;
+    const float x = std::abs(u - 0.5f) * width - width / 2 + r,
+                y = std::abs(v - 0.5f) * height - height / 2 + r;
+    const float d = std::min(std::max(x, y), 0.0f) + std::hypot(std::max(x, 0.0f), std::max(y, 0.0f)) - r;
+    const float inside = 1 - step(channel(sample, 3), 2, d), t = float(info.borderThickness);
+    const float alpha = info.roundedCorners ? std::min(channel(sample, 3), inside) : channel(sample, 3);
+    const float border = info.border ? std::min(1 - step(t - 2, t, std::abs(d)), inside) : 0;
+    const float a = std::lerp(alpha, 1.0f, border);
+    std::uint32_t result = 0xFF000000;
+    for (int i = 0; i < 3; ++i) {
+        const float color = std::lerp(channel(sample, i), float(info.borderColor[i]) / 255, border);
+        result |= std::uint32_t(std::lround(255 * std::lerp(channel(0xFF332211, i), color, a))) << 8 * i;
+    }
+    return result;
+}
+
+class TextureDrawing : public LibraryTest {
+protected:
+    Picture drawn(NuTexture& texture, int x, int y, int width, int height, const Info& info) {
+        clear();
+        texture.RenderAsRectangle(x, y, width, height, info);
+        return opaque(read());
+    }
+    Picture circle(NuTexture& texture, int x, int y, int diameter, const Info& info) {
+        clear();
+        texture.RenderAsCircle(x, y, diameter, info);
+        return opaque(read());
+    }
+    /// The window's own alpha is not looked at.
+    static Picture opaque(Picture picture) {
+        for (int i = 0; i < kSize * kSize; ++i)
+            picture.at(i % kSize, i / kSize) |= 0xFF000000;
+        return picture;
+    }
+    static int count(const Picture& picture, std::uint32_t color) {
+        return kSize * kSize - picture.countOtherThan(color);
+    }
+    static int liveTextures() {
+        int alive = 0;
+        for (GLuint name = 1; name < 100; ++name)
+            alive += glIsTexture(name);
+        return alive;
+    }
+    TestFolder folder;
+};
+
+} // namespace
+
+TEST_F(TextureDrawing, PutsEveryPixelWhereItBelongs) {
+    const std::uint32_t faint = 0x00C0C0C0;
+    const auto file =
+        folder.write("2x3.png", pngOf(2, 3, {kRed, kGreen, kBlue, 0xFF010203, 0xFFFFFFFF, faint}));
+    NuTexture image, data, keyed, recoloured;
+    ASSERT_FALSE(image.CreateFromImage(file));
+    ASSERT_FALSE(keyed.CreateFromImageWithTransparency(file, kGreen & 0xFFFFFF));
+    fill(data, 2, 3, {0xFFFFFFFF, faint, kBlue, 0xFF010203, kRed, kGreen}); // the bottom row first
+    ASSERT_FALSE(recoloured.CreateWithReplacedColor(data, 0x00554433, kBlue & 0xFFFFFF));
+    Picture wanted(kSize, kSize);
+    for (int i = 0; i < kSize * kSize; ++i)
+        wanted.at(i % kSize, i / kSize) = kClear;
+    const std::uint32_t rows[3][2] = {{0xFFFFFFFF, kClear}, {kBlue, 0xFF010203}, {kRed, kGreen}};
+    for (int i = 0; i < 6; ++i)
+        wanted.at(9 + i % 2, 20 + i / 2) = rows[i / 2][i % 2];
+    EXPECT_TRUE(samePicture(drawn(image, 9, 20, 0, -1, kPlain), wanted));
+    EXPECT_TRUE(samePicture(drawn(data, 9, 20, 0, 0, kPlain), wanted));
+    wanted.at(10, 22) = kClear;
+    EXPECT_TRUE(samePicture(drawn(keyed, 9, 20, 2, 3, kPlain), wanted));
+    for (const auto& [x, y] : {std::pair{9, 20}, {10, 21}, {9, 22}, {10, 22}})
+        wanted.at(x, y) = 0xFF554433;
+    EXPECT_TRUE(samePicture(drawn(recoloured, 9, 20, 2, 3, kPlain), wanted));
+}
+
+TEST_F(TextureDrawing, OpaqueFormatsIgnoreAlphaAndTheHostsBlendingStays) {
+    NuTexture bitmap;
+    NuTextureUtilRegisterPixelGeneratorFunc([](void*, unsigned int, bool, int* width, int* height) {
+        *width = *height = 4;
+        auto* pixels = static_cast<unsigned char*>(NHOST_ALLOCATE(64));
+        for (int i = 0; i < 64; ++i)
+            pixels[i] = "\x0A\x14\x1E\x00"[i % 4];
+        return pixels;
+    });
+    ASSERT_FALSE(bitmap.CreateFromBitmap(nullptr, 0xFFFFFFFF));
+    EXPECT_EQ(count(drawn(bitmap, 0, 0, 8, 8, kPlain), kBorder), 64);
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_ZERO, GL_ONE); // of the host's, under which nothing shows
+    EXPECT_EQ(drawn(bitmap, 0, 0, 8, 8, kPlain).countOtherThan(kClear), 0);
+    ASSERT_FALSE(bitmap.CreateFromBitmap(nullptr, 0)); // now with its alpha, which is 0
+    EXPECT_EQ(drawn(bitmap, 0, 0, 8, 8, kRounded).countOtherThan(kClear), 0);
+}
+
+// Translucent and opaque pixels, at their own size and stretched, where corners and border stretch too.
+TEST_F(TextureDrawing, CornersAndBorderAreThoseOfTheFormula) {
+    NuTexture texture;
+    fill(texture, 24, 16, {kRed});
+    const Picture plain = drawn(texture, 3, 5, 48, 16, kPlain);
+    ASSERT_EQ(plain.at(3, 5), kRed);
+    EXPECT_TRUE(samePicture(drawn(texture, 3, 5, 48, 16, Info{1, 0, 0, 0, {}}), plain))
+        << "the routes differ";
+    for (const std::uint32_t color : {0x60F08030u, 0xFF20C0E0u})
+        for (const Info& info : {kRounded, kBordered, kBoth})
+            for (const int scale : {1, 2}) {
+                fill(texture, 24, 16, {color});
+                const Picture picture = drawn(texture, 3, 5, 24 * scale, 16, info);
+                Picture wanted = picture;
+                for (int i = 0; i < 24 * scale * 16; ++i) {
+                    const int x = i % (24 * scale), y = i / (24 * scale);
+                    wanted.at(3 + x, 5 + y) =
+                        expected(color, (x + 0.5f) / (24 * scale), (y + 0.5f) / 16, 24, 16, info);
+                }
+                EXPECT_TRUE(samePicture(picture, wanted, 1))
+                    << hex(color) << " x " << scale; // 1: blending rounds
+                EXPECT_EQ(picture.countOtherThan(kClear) > 200, true);
+            }
+}
+
+TEST_F(TextureDrawing, CirclesHaveTheirAreaAndTheirHalves) {
+    NuTexture texture;
+    std::vector<std::uint32_t> halves(30, kRed);
+    halves.resize(60, kBlue);
+    fill(texture, 60, 1, halves);
+    const Picture whole = circle(texture, 2, 4, 60, kPlain);
+    EXPECT_NEAR(whole.countOtherThan(kClear), 30 * 30 * std::numbers::pi, 20);
+    EXPECT_EQ(whole.at(2 + 18, 30), kRed);
+    EXPECT_EQ(whole.at(2 + 42, 30), kBlue);
+    fill(texture, 60, 64, {kGreen});
+    const Picture framed = circle(texture, 2, 4, 0, kBordered); // the smaller side
+    // The line takes two pixels of the disc's 26 and two outside. GL measures its width along an axis.
+    const double widthAcross = 4 * std::numbers::sqrt2 / 2 / (std::numbers::pi / 4);
+    EXPECT_NEAR(count(framed, kGreen), std::pow(26 - widthAcross / 2, 2) * std::numbers::pi, 40);
+    EXPECT_NEAR(count(framed, kBorder), 2 * 26 * std::numbers::pi * widthAcross, 40);
+    const Picture overlapped = circle(texture, 2, 4, 60, Info{0, 0, 2, 20, {10, 20, 30}});
+    EXPECT_EQ(overlapped.at(32, 4 + 5), kGreen); // only 1 takes the border off the filling
+    EXPECT_EQ(overlapped.at(32, 34), kBorder);
+}
+
+TEST_F(TextureDrawing, LeavesTheHostsStateButForTheColor) {
+    const auto state = [] {
+        std::array<GLint, 4> more{};
+        glGetTexEnviv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, &more[0]);
+        glGetIntegerv(GL_BLEND_SRC_ALPHA, &more[1]);
+        glGetIntegerv(GL_BLEND_DST_ALPHA, &more[2]);
+        glGetIntegerv(GL_SAMPLER_BINDING, &more[3]);
+        return std::pair{GlSnapshot::take(), more};
+    };
+    NuTexture pictures[2], empty;
+    fill(pictures[0], 8, 8, {0xFF80FF80});
+    fill(pictures[1], 8, 8, {0xFF80FF80}, GL_RGB);
+    GLuint own = 0, array = 0, buffer = 0;
+    glGenTextures(1, &own);
+    glBindTexture(GL_TEXTURE_2D, own);
+    glGenVertexArrays(1, &array);
+    glGenBuffers(1, &buffer);
+    for (const bool on : {false, true}) {
+        for (const GLenum feature : {GL_LIGHTING, GL_BLEND, GL_DEPTH_TEST, GL_TEXTURE_2D})
+            on ? glEnable(feature) : glDisable(feature);
+        glBlendFuncSeparate(GL_ONE, GL_DST_COLOR, GL_ZERO, GL_ONE);
+        glMatrixMode(on ? GL_PROJECTION : GL_TEXTURE);
+        glTranslatef(1, 2, 3);
+        glTexCoord2f(0.5, 0.25);
+        glViewport(1, 2, 30, 20);
+        glBindVertexArray(on ? array : 0);
+        glBindBuffer(GL_ARRAY_BUFFER, on ? buffer : 0);
+        ngl_set_line_width(3);
+        for (NuTexture& picture : pictures)
+            for (const Info& info : {kPlain, kBoth}) {
+                ngl_set_color_long(kRed);
+                const auto [before, more] = state();
+                empty.RenderAsRectangle(0, 0, 64, 64, info);
+                empty.RenderAsCircle(0, 0, 64, info);
+                EXPECT_TRUE(before.equals(state().first));
+                EXPECT_EQ(read().countOtherThan(kClear), 0);
+                picture.RenderAsRectangle(4, 4, 50, 30, info);
+                EXPECT_TRUE(before.equals(state().first, {"current value"}));
+                EXPECT_EQ(ngl_get_color(), 63);
+                picture.RenderAsCircle(4, 4, 50, info);
+                EXPECT_TRUE(before.equals(state().first, {"current value"}));
+                EXPECT_EQ(state().second, more);
+                std::array<float, 4> coordinate;
+                glGetFloatv(GL_CURRENT_TEXTURE_COORDS, coordinate.data());
+                EXPECT_EQ(coordinate, (std::array<float, 4>{0.5, 0.25, 0, 1}));
+                EXPECT_GT(read().countOtherThan(kClear), 1500);
+                clear();
+            }
+    }
+}
+
+TEST_F(TextureDrawing, GoesWithoutTheProgramWhereItDoesNotLink) {
+    NuTexture texture;
+    fill(texture, 16, 16, {kGreen});
+    const auto query = epoxy_glGetProgramiv;
+    epoxy_glGetProgramiv = [](GLuint, GLenum, GLint* value) { *value = 0; };
+    EXPECT_EQ(count(drawn(texture, 0, 0, 0, 0, kBoth), kGreen), 256);
+    epoxy_glGetProgramiv = query;
+    EXPECT_LT(count(drawn(texture, 0, 0, 0, 0, kBoth), kGreen), 200); // it is tried again
+}
+
+TEST_F(TextureDrawing, MakesItsTextureOnceAgainForNewPixelsAndDeletesItUnderAContext) {
+    auto texture = std::make_unique<NuTexture>();
+    fill(*texture, 4, 4, {kRed});
+    EXPECT_EQ(liveTextures(), 0);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(count(drawn(*texture, 0, 0, 0, 0, kBoth), kRed), 0);
+    fill(*texture, 16, 2, {kGreen});
+    EXPECT_EQ(count(drawn(*texture, 0, 0, 0, 0, kPlain), kGreen), 32);
+    EXPECT_EQ(liveTextures(), 1);
+    EXPECT_TRUE(texture->CreateWithReplacedColor(*texture, 0, kGreen)); // nothing to replace: empty now
+    EXPECT_EQ(drawn(*texture, 0, 0, 0, 0, kPlain).countOtherThan(kClear), 0);
+    SetRenderingContextActive(false);
+    texture.reset();
+    EXPECT_EQ(liveTextures(), 1);
+    SetRenderingContextActive(true);
+    RenderGLCleanupBuffers();
+    EXPECT_EQ(liveTextures(), 0);
+    NuTexture large;
+    fill(large, 20000, 1, {kRed}); // more than the driver takes
+    EXPECT_EQ(drawn(large, 0, 0, 9, 9, kPlain).countOtherThan(kClear), 0);
+    fill(large, 9, 1, {kRed});
+    EGLContext context = eglGetCurrentContext();
+    EGLSurface surface = eglGetCurrentSurface(EGL_DRAW);
+    EGLDisplay display = eglGetCurrentDisplay();
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    large.RenderAsRectangle(0, 0, 0, 0, kBoth);
+    large.RenderAsCircle(0, 0, 0, kBoth);
+    eglMakeCurrent(display, surface, surface, context);
+    EXPECT_EQ(count(drawn(large, 0, 0, 0, 0, kPlain), kRed), 9);
+}
