@@ -68,20 +68,24 @@ NgColorLong ColorBands::color(int band) const {
     return m_attributes.colorScale.GetColorBands()[band].color;
 }
 
-void ColorBands::createTexture() {
+void ColorBands::createTexture(unsigned int target) {
     const int texels = m_attributes.smeared != 0 ? kSmearedTexels : m_count;
     std::vector<NgColorLong> colors;
     for (int i = 0; i < texels; ++i)
         colors.push_back(
             m_attributes.colorScale.GetColor((static_cast<float>(i) + 0.5f) / static_cast<float>(texels)));
     glGenTextures(1, &m_attributes.texture);
-    glBindTexture(GL_TEXTURE_1D, m_attributes.texture);
-    glTexImage1D(GL_TEXTURE_1D, 0, GL_RGBA8, texels, 0, GL_RGBA, GL_UNSIGNED_BYTE, colors.data());
-    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    glBindTexture(target, m_attributes.texture);
+    if (target == GL_TEXTURE_1D)
+        glTexImage1D(target, 0, GL_RGBA8, texels, 0, GL_RGBA, GL_UNSIGNED_BYTE, colors.data());
+    else
+        glTexImage2D(target, 0, GL_RGBA8, texels, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, colors.data());
+    glTexParameteri(target, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     // Values outside the range take the colour of the nearer end.
-    glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glBindTexture(GL_TEXTURE_1D, 0);
+    glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
+    glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glBindTexture(target, 0);
 }
 
 } // namespace nruview

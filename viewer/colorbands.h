@@ -29,9 +29,9 @@ public:
     const RenderColorScale& scale() const { return m_attributes.colorScale; }
 
     /// What the library asks for as the active texture. createTexture needs a current context, which then
-    /// owns it.
+    /// owns it; the target is GL_TEXTURE_1D or, for markers, GL_TEXTURE_2D.
     RenderTextureAttributes& attributes() { return m_attributes; }
-    void createTexture();
+    void createTexture(unsigned int target);
 
 private:
     int m_count;

@@ -56,19 +56,18 @@ struct PictureLabels::Layout {
     std::string title;
     int titleBase = 0;
     bool hasTriad = false;
-    std::optional<Legend> legend;
+    std::vector<Legend> legends;
     PictureArea area;
 };
 
-PictureLabels::PictureLabels(const ShownModel& shown, const std::optional<ColorBands>& bands,
+PictureLabels::PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends,
                              const LabelSettings& settings, std::string title)
-    : m_shown(shown), m_bands(bands), m_settings(settings), m_title(std::move(title)) {
-    m_settings.legend &= bands.has_value();
-    m_lacksValues = bands && std::any_of(shown.scalars->values.begin(), shown.scalars->values.end(),
-                                         [](double value) { return std::isnan(value); });
-    if (m_settings.marks && bands)
+    : m_shown(shown), m_settings(settings), m_title(std::move(title)) {
+    if (m_settings.legend)
+        m_legends.swap(legends);
+    if (m_settings.marks && shown.scalars)
         m_extremes = findExtremes(shown);
-    if (m_title.empty() && !m_settings.legend && !m_extremes && !m_settings.axes)
+    if (m_title.empty() && m_legends.empty() && !m_extremes && !m_settings.axes)
         return;
     m_text.emplace(fontFile());
     if (!m_text->problem().empty())
@@ -102,24 +101,28 @@ void PictureLabels::layOutTitle(Layout& layout) const {
     area.top = row;
 }
 
-/// The legend comes before the axes where there is no room for both.
+/// Legends come before the axes where there is no room for both, the first one before the others.
 void PictureLabels::layOutColumn(Layout& layout) const {
     PictureArea& area = layout.area;
     const int margin = layout.margin, triad = triadSize_px(layout.em_px);
     const auto widest = static_cast<int>(kWidestColumn * area.width);
     const bool fitsTriad = m_settings.axes && margin / 2 + triad <= std::min(widest, area.height / 2);
     PixelRect room = {margin, margin, widest, area.height - area.top - margin};
-    for (const bool withTriad : {fitsTriad, false}) {
-        room.bottom = margin + (withTriad ? triad : 0);
-        if (m_settings.legend && !layout.legend) {
-            layout.legend = layOutLegend({*m_bands, m_shown.scalars->label, m_lacksValues}, room,
-                                         layout.em_px, layout.style);
-            layout.hasTriad = withTriad && layout.legend;
+    for (const LegendContent& content : m_legends)
+        for (const bool withTriad : {fitsTriad, false}) {
+            if (!layout.legends.empty() && withTriad != layout.hasTriad)
+                continue;
+            room.bottom = margin + (withTriad ? triad : 0);
+            const auto legend = layOutLegend(content, room, layout.em_px, layout.style);
+            if (!legend)
+                continue;
+            layout.legends.push_back(*legend);
+            layout.hasTriad |= withTriad;
+            room.left = legend->right + margin;
+            area.left = legend->right + margin / 2;
+            break;
         }
-    }
-    layout.hasTriad |= fitsTriad && !layout.legend;
-    if (layout.legend)
-        area.left = layout.legend->right + margin / 2;
+    layout.hasTriad |= fitsTriad && layout.legends.empty();
     if (layout.hasTriad)
         area.left = std::max(area.left, margin / 2 + triad);
 }
@@ -135,8 +138,8 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
         drawMarks(m_shown, *m_extremes, camera.axes.toward,
                   {layout.area.left, 0, width, height - layout.area.top}, height, layout.em_px, layout.style,
                   background);
-    if (layout.legend)
-        drawLegend(*layout.legend, layout.style);
+    for (const Legend& legend : layout.legends)
+        drawLegend(legend, layout.style);
     if (layout.hasTriad)
         drawTriad(camera.axes, layout.margin / 2, layout.margin / 2, layout.em_px, layout.style);
     drawText(layout.margin, layout.titleBase, layout.title, layout.titleStyle);

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "viewer/camera.h"
-#include "viewer/colorbands.h"
 #include "viewer/hosttext.h"
+#include "viewer/legend.h"
 #include "viewer/marks.h"
 #include "viewer/options.h"
 #include "viewer/shownmodel.h"
@@ -21,9 +21,9 @@ std::string titleOf(const ShownModel& shown, const Options& options);
 /// that of the picture. What finds no room in a small picture is left out: the legend, the axes, the title.
 class PictureLabels {
 public:
-    /// An empty title is none. Says on standard error when there is no font.
-    PictureLabels(const ShownModel& shown, const std::optional<ColorBands>& bands,
-                  const LabelSettings& settings, std::string title);
+    /// The first legend stands at the left. An empty title is none. Says on standard error when there is no font.
+    PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends, const LabelSettings& settings,
+                  std::string title);
 
     /// The picture with a column for legend and axes at its left and a row for the title at its top.
     PictureArea area(int width, int height);
@@ -37,10 +37,9 @@ private:
     void* font(int size_px);
 
     const ShownModel& m_shown;
-    const std::optional<ColorBands>& m_bands;
+    std::vector<LegendContent> m_legends; ///< those wanted
     LabelSettings m_settings;
     std::string m_title;
-    bool m_lacksValues = false;
     std::optional<std::array<Extreme, 2>> m_extremes;
     std::optional<HostText> m_text;
 };

@@ -72,6 +72,10 @@ void listModel(std::ostream& out, const Model& model, const std::string& name) {
     out << "fields " << model.fields.size() << "\n";
     for (const Field& field : model.fields)
         listField(out, model, field);
+    if (!model.nodeSets.empty())
+        out << "node sets " << model.nodeSets.size() << "\n";
+    for (const NodeSet& set : model.nodeSets)
+        out << "  " << set.name << ", " << set.nodes.size() << (set.nodes.size() == 1 ? " node\n" : " nodes\n");
     for (const StepSeries& series : stepSeries(model))
         out << "steps " << series.numbers.size() << " of " << series.name << ", numbered "
             << series.numbers.front() << " to " << series.numbers.back() << "\n";

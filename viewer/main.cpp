@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <limits>
 #include <new>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "viewer/frame.h"
 #include "viewer/labels.h"
 #include "viewer/listing.h"
+#include "viewer/markerpick.h"
 #include "viewer/materials.h"
 #include "viewer/messages.h"
 #include "viewer/offscreen.h"
@@ -27,21 +29,31 @@ namespace nruview {
 
 namespace {
 
+/// What is picked at a pixel: a marker, unless opaque faces hide it, else the model.
+std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y) {
+    const Picked picked = pick(shown, x, y);
+    const double hidden = opaque ? picked.distance : std::numeric_limits<double>::infinity();
+    const auto marker = pickMarker(shown, markers, x, y, hidden);
+    return marker ? marker->text : describe(shown, picked);
+}
+
 /// Draws without a display, into the file and for the pick that were asked for.
-void drawOffscreen(const ShownModel& shown, const Options& options) {
+void drawOffscreen(const ShownModel& shown, const Markers& markers, const Options& options) {
     OffscreenContext context;
     if (const std::string reason = context.create(options.width, options.height); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene, options.body);
-    PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
+    Scene scene(shown, options.scene, options.body, &markers);
+    PictureLabels labels(shown, scene.legends(shown), options.labels, titleOf(shown, options));
     const PictureArea area = labels.area(options.width, options.height);
     const Camera camera = fitCamera(options.view, shown.bounds, area, options.perspective);
     beginFrame(camera, shown.bounds, options.width, options.height, options.background);
     scene.draw();
     labels.draw(camera, options.width, options.height, options.background);
     if (options.pick)
-        std::cout << describe(shown, pick(shown, (*options.pick)[0], (*options.pick)[1])) << "\n";
+        std::cout << describePixel(shown, markers, options.scene.opacity >= 1.0, (*options.pick)[0],
+                                   (*options.pick)[1])
+                  << "\n";
     if (options.output.empty())
         return;
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);
@@ -59,11 +71,13 @@ void run(const Options& options) {
         listModel(std::cout, model, options.sample.empty() ? options.file : options.sample);
     if (options.list && !offscreen)
         return;
-    const ShownModel shown = showModel(std::move(model), options.shown);
+    ShownModel shown = showModel(std::move(model), options.shown);
+    const Markers markers = makeMarkers(shown, options.markers, options.shown.step);
+    shown.bounds = boundsWith(shown.bounds, markers);
     if (offscreen)
-        drawOffscreen(shown, options);
+        drawOffscreen(shown, markers, options);
     else
-        showWindow(shown, options);
+        showWindow(shown, markers, options);
 }
 
 } // namespace

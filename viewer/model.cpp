@@ -58,6 +58,13 @@ void checkField(const Model& model, const Field& field, const std::string& subje
                                        std::to_string(tuples) + (atNodes ? " nodes" : " cells"));
 }
 
+void checkNodeSet(const Model& model, const NodeSet& set, const std::string& subject) {
+    for (const std::uint32_t node : set.nodes)
+        if (node >= model.nodes.size())
+            throw ViewerError(subject, "node set " + set.name + " has node " + std::to_string(node) + " of " +
+                                           std::to_string(model.nodes.size()));
+}
+
 void checkParts(const Model& model, const std::string& subject) {
     std::uint64_t next = 0;
     for (const ModelPart& part : model.parts) {
@@ -89,6 +96,8 @@ void checkModel(const Model& model, const std::string& subject) {
     checkCells(model, subject);
     for (const Field& field : model.fields)
         checkField(model, field, subject);
+    for (const NodeSet& set : model.nodeSets)
+        checkNodeSet(model, set, subject);
     checkParts(model, subject);
 }
 

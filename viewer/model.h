@@ -61,6 +61,12 @@ struct ModelPart {
     double opacity = 1.0;
 };
 
+/// Nodes with a name, as a rule those that are held or loaded.
+struct NodeSet {
+    std::string name;
+    std::vector<std::uint32_t> nodes;
+};
+
 /// Nodes, cells and fields. Cell i has nodes connectivity[offsets[i]] to connectivity[offsets[i + 1] - 1].
 struct Model {
     std::vector<Point> nodes;
@@ -68,6 +74,7 @@ struct Model {
     std::vector<std::uint32_t> offsets{0};
     std::vector<std::uint32_t> connectivity;
     std::vector<Field> fields;
+    std::vector<NodeSet> nodeSets;
     /// Cover all cells, one behind the other; none: the model is one part.
     std::vector<ModelPart> parts;
     /// A unit normal for each entry of connectivity, zero where the file has none; empty: it has none at all.

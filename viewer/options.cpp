@@ -14,6 +14,8 @@ namespace nruview {
 
 namespace {
 
+constexpr double kOpacityOverTensors = 0.2;
+
 std::string sampleHelp() {
     std::string text = "a built-in model instead of a file, N elements along its longest side:";
     for (const auto& [name, description] : sampleList())
@@ -47,16 +49,22 @@ CLI::Option* addRepeated(CLI::App& app, const char* name, std::vector<Value>& va
         ->option_text(form);
 }
 
-/// A list of elements; several add up.
-void addElements(CLI::App& app, const char* name, ElementList& list, const char* help) {
-    const auto take = [&list, name](const std::vector<std::string>& texts) {
+/// An option of lists; several add up.
+template <typename List, typename Parse>
+CLI::Option* addLists(CLI::App& app, const char* name, List& list, Parse parse, const char* form,
+                      const char* help) {
+    const auto take = [&list, parse, name](const std::vector<std::string>& texts) {
         for (const std::string& text : texts)
-            for (const ElementRange& range : parseElements(name, text))
-                list.push_back(range);
+            for (const auto& item : parse(name, text))
+                list.push_back(item);
     };
-    app.add_option_function<std::vector<std::string>>(name, take, help)
+    return app.add_option_function<std::vector<std::string>>(name, take, help)
         ->allow_extra_args(false)
-        ->option_text("LIST");
+        ->option_text(form);
+}
+
+void addElements(CLI::App& app, const char* name, ElementList& list, const char* help) {
+    addLists(app, name, list, parseElements, "LIST", help);
 }
 
 void addContentOptions(CLI::App& app, Options& options) {
@@ -176,6 +184,40 @@ void addBodyOptions(CLI::App& app, Options& options) {
         ->excludes(color);
 }
 
+CLI::Option* addField(CLI::App& app, const char* name, std::string& field, const char* help) {
+    return app.add_option(name, field, help)->option_text("FIELD")->check(refuseEmpty);
+}
+
+/// Loads, supports, connectors and tensors.
+void addMarkerOptions(CLI::App& app, Options& options) {
+    MarkerSettings& markers = options.markers;
+    CLI::Option* arrows =
+        addField(app, "--arrows", markers.arrows, "vector field of the nodes to show as arrows from them");
+    addParsed(app, "--arrow-scale", markers.arrowScale, parseScale, "X",
+              "model length of a vector of size 1 (default: the longest is a tenth of the model's size)")
+        ->needs(arrows);
+    CLI::Option* spheres =
+        addField(app, "--spheres", markers.spheres, "node field to show as coloured spheres at the nodes");
+    addParsed(app, "--sphere-size", markers.sphereSize, parseScale, "D",
+              "diameter in model length (default: 0.015 of the model's size)")
+        ->needs(spheres);
+    addParsed(app, "--marker-nodes", markers.nodes, parseNodes, "NODES",
+              "nodes of arrows and spheres: a list such as 0-99,120 (numbers from 0) or the name of a node set "
+              "(default: those of the faces shown)");
+    CLI::Option* connectors = addLists(
+        app, "--connectors", markers.connectors, parseConnectors, "A-B,C-D",
+        "pairs of nodes to connect, in the colours of --field at both; may be repeated");
+    addParsed(app, "--connector-shape", markers.connectorShape, parseConnectorShape, "rivet|cylinder",
+              "rivet is the default")
+        ->needs(connectors);
+    addRepeated(app, "--supports", markers.supports, parseSupports, "NODES[:KIND]",
+                "nodes to show a symbol at: clamp (default), pin, roller, diamond, cross, ring, star, frame; "
+                "axis-x, spring-y, torsion-z, damper-x and so on along an axis; may be repeated");
+    addField(app, "--tensors", markers.tensors,
+             "tensor field to show as ellipsoids in the elements, with faces of --opacity 0.2 if that is not "
+             "given");
+}
+
 void addLabelOptions(CLI::App& app, Options& options) {
     LabelSettings& labels = options.labels;
     const auto takePlain = [&labels](std::int64_t) { labels = {false, false, false, ""}; };
@@ -240,6 +282,7 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     addElementOptions(app, options);
     addPictureOptions(app, options, size);
     addBodyOptions(app, options);
+    addMarkerOptions(app, options);
     addLabelOptions(app, options);
     addReportOptions(app, options);
     try {
@@ -255,6 +298,8 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
     checkBody(options);
+    if (!options.markers.tensors.empty() && app.count("--opacity") == 0)
+        options.scene.opacity = kOpacityOverTensors;
     const ElementSettings& elements = options.shown.elements;
     if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
         throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");

@@ -15,6 +15,7 @@ struct Options {
     ShownSettings shown;
     SceneSettings scene;
     BodySettings body;
+    MarkerSettings markers;
     LabelSettings labels;
     ViewAxes view = parseView("iso");
     bool perspective = false;

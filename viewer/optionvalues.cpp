@@ -59,6 +59,43 @@ std::optional<ElementRange> parseElementRange(std::string_view text) {
     return element ? std::optional(ElementRange{*element, *element}) : std::nullopt;
 }
 
+/// Calls take(word) for what stands between commas as long as it returns true; false once it does not.
+template <typename Take>
+bool forEachWord(std::string_view text, Take take) {
+    while (const auto parts = split(text, ',')) {
+        if (!take((*parts)[0]))
+            return false;
+        text = (*parts)[1];
+    }
+    return take(text);
+}
+
+std::optional<ElementList> parseRanges(std::string_view text) {
+    ElementList list;
+    const auto take = [&list](std::string_view word) {
+        const auto range = parseElementRange(word);
+        if (range)
+            list.push_back(*range);
+        return range.has_value();
+    };
+    return forEachWord(text, take) ? std::optional(list) : std::nullopt;
+}
+
+/// "pin" or "spring-y".
+std::optional<SupportedNodes> parseSupportKind(std::string_view text) {
+    const std::size_t dash = text.rfind('-');
+    const auto found = std::find(kSupportKinds.begin(), kSupportKinds.end(), text.substr(0, dash));
+    if (found == kSupportKinds.end())
+        return {};
+    const auto kind = static_cast<SupportKind>(found - kSupportKinds.begin());
+    const std::string_view axis = dash != std::string_view::npos ? text.substr(dash + 1) : "";
+    const std::size_t place = axis.size() == 1 ? std::string_view("xyz").find(axis) : std::string_view::npos;
+    if (liesAlongAxis(kind) != (place != std::string_view::npos) ||
+        (!liesAlongAxis(kind) && dash != std::string_view::npos))
+        return {};
+    return SupportedNodes{{}, kind, liesAlongAxis(kind) ? static_cast<int>(place) : 0};
+}
+
 } // namespace
 
 std::array<double, 2> parseRange(const char* option, const std::string& text) {
@@ -161,17 +198,59 @@ double parseOpacity(const char* option, const std::string& text) {
 }
 
 ElementList parseElements(const char* option, const std::string& text) {
-    ElementList list;
-    std::optional<std::array<std::string_view, 2>> parts;
-    for (std::string_view rest = text;; rest = (*parts)[1]) {
-        parts = split(rest, ',');
-        const auto range = parseElementRange(parts ? (*parts)[0] : rest);
-        if (!range)
-            refuse(option, text, "a list of elements such as 0-99,120,200-300");
-        list.push_back(*range);
-        if (!parts)
-            return list;
-    }
+    const auto list = parseRanges(text);
+    if (!list)
+        refuse(option, text, "a list of elements such as 0-99,120,200-300");
+    return *list;
+}
+
+NodeChoice parseNodes(const char* option, const std::string& text) {
+    if (text.empty())
+        refuse(option, text, "a list of nodes such as 0-99,120 or the name of a node set");
+    if (const auto list = parseRanges(text))
+        return {*list, ""};
+    return {{}, text};
+}
+
+SupportedNodes parseSupports(const char* option, const std::string& text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string::npos)
+        return {parseNodes(option, text)};
+    auto support = parseSupportKind(std::string_view(text).substr(colon + 1));
+    if (!support)
+        refuse(option, text,
+               "NODES:KIND with clamp, pin, roller, diamond, cross, ring, star, frame, or axis, spring, torsion "
+               "or damper and -x, -y or -z");
+    support->nodes = parseNodes(option, text.substr(0, colon));
+    return *support;
+}
+
+std::vector<std::array<std::uint32_t, 2>> parseConnectors(const char* option, const std::string& text) {
+    std::vector<std::array<std::uint32_t, 2>> list;
+    const auto take = [&list](std::string_view word) {
+        const auto pair = parsePair<std::uint32_t>(word, '-');
+        if (pair)
+            list.push_back(*pair);
+        return pair && (*pair)[0] != (*pair)[1];
+    };
+    if (!forEachWord(text, take))
+        refuse(option, text, "a list of pairs of nodes such as 3-40,7-12");
+    return list;
+}
+
+ConnectorShape parseConnectorShape(const char* option, const std::string& text) {
+    if (text == "rivet")
+        return ConnectorShape::Rivet;
+    if (text == "cylinder")
+        return ConnectorShape::Cylinder;
+    refuse(option, text, "rivet or cylinder");
+}
+
+double parseScale(const char* option, const std::string& text) {
+    const auto scale = parseNumber<double>(text);
+    if (!scale || !(*scale > 0.0))
+        refuse(option, text, "a number above 0");
+    return *scale;
 }
 
 ColoredElements parseColored(const char* option, const std::string& text) {

@@ -28,6 +28,15 @@ ColoredElements parseColored(const char* option, const std::string& text);
 ElementClip parseClip(const char* option, const std::string& text);
 /// "on" or "off".
 bool parseSwitch(const char* option, const std::string& text);
+/// A list of nodes as of elements, else the name of a node set.
+NodeChoice parseNodes(const char* option, const std::string& text);
+/// Nodes, or nodes, ":" and a kind.
+SupportedNodes parseSupports(const char* option, const std::string& text);
+/// "3-40,7-12"
+std::vector<std::array<std::uint32_t, 2>> parseConnectors(const char* option, const std::string& text);
+ConnectorShape parseConnectorShape(const char* option, const std::string& text);
+/// A number above 0.
+double parseScale(const char* option, const std::string& text);
 int parseLevel(const char* option, const std::string& text);
 
 } // namespace nruview

@@ -10,6 +10,7 @@
 
 #include "viewer/facemesh.h"
 #include "viewer/meshbuilder.h"
+#include "viewer/sight.h"
 #include "viewer/vectors.h"
 
 namespace nruview {
@@ -22,16 +23,6 @@ using Index = std::uint32_t;
 constexpr double kNodeReach_px = 4.0;
 constexpr double kEdgeReach_px = 3.0;
 constexpr double kNever = std::numeric_limits<double>::infinity();
-
-struct Ray {
-    Point origin, direction;
-};
-
-Ray rayThrough(int x, int y) {
-    Point p, q;
-    NglGetViewVector(x, y, &p[0], &p[1], &p[2], &q[0], &q[1], &q[2]);
-    return {p, unit(q - p)};
-}
 
 /// A spot of the drawn model: weighted points of an element.
 struct Spot {
@@ -96,19 +87,9 @@ Spot faceAround(const ShownModel& shown, ngl::NglElementMesh& faces, int x, int 
     return {};
 }
 
-/// Model length of one pixel at a point.
-double pixelLength(const Point& point) {
-    constexpr int kPixels = 16;
-    _NgPoint3Str at = {point[0], point[1], point[2]}, from, to;
-    ngl_get_offset_pt_in_screen(&at, 0, 0, &from);
-    ngl_get_offset_pt_in_screen(&at, kPixels, 0, &to);
-    return length(Point{to.x - from.x, to.y - from.y, to.z - from.z}) / kPixels;
-}
-
 /// Distance in the window between a point and the middle of a pixel.
 double screenDistance(const Point& point, int x, int y) {
-    double sx = 0.0, sy = 0.0;
-    ngl_transform_32(point[0], point[1], point[2], &sx, &sy);
+    const auto [sx, sy] = windowPosition(point);
     return std::hypot(sx - x, sy - y);
 }
 
@@ -191,14 +172,6 @@ Outline outlineOf(const ShownModel& shown, std::size_t face) {
     return outline;
 }
 
-/// Where the segment of two points comes nearest to the ray, as a part of its length.
-double nearestPart(const ShownModel& shown, const Ray& ray, Index from, Index to) {
-    const Point edge = shown.points[to] - shown.points[from];
-    const Point across = edge - dot(edge, ray.direction) * ray.direction;
-    const double size = dot(across, across);
-    return size > 0.0 ? std::clamp(dot(ray.origin - shown.points[from], across) / size, 0.0, 1.0) : 0.0;
-}
-
 Picked pickedAt(const ShownModel& shown, Kind kind, const Spot& spot, std::array<Index, 2> nodes) {
     Picked picked{kind, spot.cell, nodes, {}, 0.0};
     for (int i = 0; i < 3; ++i)
@@ -217,7 +190,7 @@ Picked pickFace(const ShownModel& shown, const Ray& ray, const Spot& face, bool 
         screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
         return pickedAt(shown, Kind::Node, {0.0, 0, face.cell, {near[0]}, {1.0}}, {near[0], near[0]});
     if (near.size() == 2 && outline.nearest(ray, kEdgeReach_px * pixel).size() == 2) {
-        const double part = nearestPart(shown, ray, near[0], near[1]);
+        const double part = nearestPart(ray, shown.points[near[0]], shown.points[near[1]]);
         const Spot spot = {0.0, 0, face.cell, {near[0], near[1]}, {1.0 - part, part}};
         return pickedAt(shown, Kind::Edge, spot, {std::min(near[0], near[1]), std::max(near[0], near[1])});
     }
@@ -263,7 +236,7 @@ Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& 
     if (near.empty())
         return {};
     const Index cell = looseCell(shown, near);
-    const double part = near.size() == 2 ? nearestPart(shown, ray, near[0], near[1]) : 0.0;
+    const double part = near.size() == 2 ? nearestPart(ray, shown.points[near[0]], shown.points[near[1]]) : 0.0;
     const Spot spot = {0.0, 0, cell, {near[0], near.back()}, {1.0 - part, part}};
     distance = dot(drawnPosition(shown, spot) - ray.origin, ray.direction);
     if (screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
@@ -283,7 +256,9 @@ Picked pick(const ShownModel& shown, int x, int y) {
         return loose;
     const bool hit = direct.distance < kNever;
     const Spot face = hit ? direct : faceAround(shown, faces, x, y);
-    return face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};
+    Picked picked = face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};
+    picked.distance = direct.distance;
+    return picked;
 }
 
 std::string describe(const ShownModel& shown, const Picked& picked) {

@@ -1,6 +1,7 @@
 // What lies under a pixel: an element, one of its edges or a node.
 #pragma once
 
+#include <limits>
 #include <string>
 
 #include "viewer/shownmodel.h"
@@ -14,6 +15,8 @@ struct Picked {
     std::array<std::uint32_t, 2> nodes{}; ///< the node, or the ends of the edge
     Point position{};                     ///< in the undeformed model
     double value = 0.0;                   ///< NaN where there is none
+    /// From the origin of the pixel's ray to the face there; infinite beside all faces.
+    double distance = std::numeric_limits<double>::infinity();
 };
 
 /// What is seen at a window pixel, y counted from the top, with the view of the last beginFrame: of the face

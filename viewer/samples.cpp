@@ -51,6 +51,35 @@ void checkSize(const std::string& selector, std::uint64_t cells) {
                                                     " are made");
 }
 
+/// The part of a parabolic load over the height, 1 in all, that the node j of n + 1 takes: integral of its
+/// hat function times 3/2 (1 - t^2) / 2 over t in [-1, 1], by Simpson's rule, which is exact for cubics.
+double parabolicShare(Index j, Index n) {
+    const double size = 2.0 / n, at = -1.0 + size * j;
+    const auto load = [](double t) { return 0.75 * (1.0 - t * t); };
+    const auto beside = [&](double way) { // hat 1, 1/2, 0 at the node, the middle and the far end
+        return size / 6.0 * (load(at) + 4.0 * 0.5 * load(at + 0.5 * way * size));
+    };
+    return (j > 0 ? beside(-1.0) : 0.0) + (j < n ? beside(1.0) : 0.0);
+}
+
+/// The node field F, the force at the free end as the shear stress there spreads it over the nodes, and the
+/// node sets of both ends.
+void addLoadAndSupports(Model& model, Index nx, Index ny, Index nz) {
+    Field force{"F", FieldLocation::Node, 3, std::vector<double>(3 * model.nodes.size())};
+    NodeSet fixed{"fixed", {}}, loaded{"loaded", {}};
+    for (Index k = 0; k <= nz; ++k)
+        for (Index j = 0; j <= ny; ++j) {
+            const Index first = (k * (ny + 1) + j) * (nx + 1), last = first + nx;
+            const double acrossWidth = (k == 0 || k == nz ? 0.5 : 1.0) / nz;
+            force.values[3 * std::size_t{last} + 1] =
+                -Cantilever::kForce * acrossWidth * parabolicShare(j, ny);
+            fixed.nodes.push_back(first);
+            loaded.nodes.push_back(last);
+        }
+    model.fields.push_back(std::move(force));
+    model.nodeSets = {std::move(fixed), std::move(loaded)};
+}
+
 Model makeCantilever(const std::string& selector, Index n) {
     const Index nx = n, ny = std::max<Index>(1, (n + 2) / 5), nz = std::max<Index>(1, (n + 5) / 10);
     checkSize(selector, std::uint64_t{nx} * ny * nz);
@@ -70,6 +99,7 @@ Model makeCantilever(const std::string& selector, Index n) {
                                          node(i, j + 1, k), node(i, j, k + 1), node(i + 1, j, k + 1),
                                          node(i + 1, j + 1, k + 1), node(i, j + 1, k + 1)});
     addFields<Cantilever>(model);
+    addLoadAndSupports(model, nx, ny, nz);
     return model;
 }
 

@@ -8,6 +8,7 @@
 #include <map>
 #include <new>
 
+#include "viewer/contour.h"
 #include "viewer/facemesh.h"
 #include "viewer/messages.h"
 
@@ -15,18 +16,10 @@ namespace nruview {
 
 namespace {
 
-constexpr NgColorLong kWhite = 0xFFFFFFFF;
 constexpr NgColorLong kNeutral = 0xFFCDB9A8; ///< a model without a field: light steel blue
 constexpr NgColorLong kEdgeColor = 0xFF303030;
 constexpr float kBeamWidth_px = 3.0f;
 constexpr float kPointSize_px = 6.0f;
-
-RenderTextureAttributes* activeAttributes = nullptr;
-
-/// The library asks here for the contour texture.
-RenderTextureAttributes* provideAttributes(unsigned int, float, float) {
-    return activeAttributes;
-}
 
 std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings& settings) {
     if (!shown.scalars)
@@ -219,7 +212,8 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 
 } // namespace
 
-Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body)
+Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body,
+             const Markers* markers)
     : m_bands(makeBands(shown, settings)), m_edgeMode(edgesOf(shown, settings, body)),
       m_edgeReach_px(edgeReach_px()), m_transparent(settings.opacity < 1.0) {
     makeFaces(shown, settings, body);
@@ -230,17 +224,14 @@ Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodyS
     if (m_edgeMode == EdgeMode::Feature && hasFaces(surface))
         m_edges = featureMesh(shown);
     if (m_bands)
-        m_bands->createTexture();
-    activeAttributes = m_bands ? &m_bands->attributes() : nullptr;
-    NglRegisterGetActiveTextureAttribProc(provideAttributes);
+        m_bands->createTexture(GL_TEXTURE_1D);
+    if (markers)
+        m_markers.emplace(*markers, settings, m_bands);
 }
 
 Scene::~Scene() {
-    if (m_bands) {
-        if (activeAttributes == &m_bands->attributes())
-            activeAttributes = nullptr;
+    if (m_bands)
         glDeleteTextures(1, &m_bands->attributes().texture);
-    }
 }
 
 /// Transparent faces come last: they tint what is behind them.
@@ -251,7 +242,22 @@ void Scene::draw() {
     drawBeams();
     drawPoints();
     drawEdges();
+    if (m_markers)
+        m_markers->drawSolids();
     drawTransparentFaces();
+    if (m_markers)
+        m_markers->drawSymbols();
+}
+
+std::vector<LegendContent> Scene::legends(const ShownModel& shown) const {
+    std::vector<LegendContent> legends;
+    if (m_bands)
+        legends.push_back({*m_bands, shown.scalars->label,
+                           std::any_of(shown.scalars->values.begin(), shown.scalars->values.end(),
+                                       [](double value) { return std::isnan(value); })});
+    if (m_markers)
+        m_markers->addLegends(legends);
+    return legends;
 }
 
 void Scene::makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
@@ -282,27 +288,11 @@ void Scene::makeLoose(const ShownModel& shown) {
     m_points = finish(points);
 }
 
-/// Contour colours are white light through the texture: lighting shades them, their hue stays.
-void Scene::beginContour() {
-    NglSetActiveTextureInfo(0, 0.0f, 0.0f);
-    NglEnableTexture(GL_TEXTURE_1D);
-    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    ngl_set_color_long(kWhite);
-}
-
-void Scene::endContour() {
-    NglDisableTexture(GL_TEXTURE_1D);
-    glMatrixMode(GL_TEXTURE); // NglEnableTexture has put the value range there
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-}
-
 template <typename Draw>
 void Scene::drawPart(Part& part, Draw draw) {
     if (part.colored.mesh) {
-        beginContour();
+        const ContourInForce contour(*m_bands, GL_TEXTURE_1D);
         draw(part.colored.mesh.get(), part.colored.values.data());
-        endContour();
     }
     for (const auto& [color, mesh] : part.plain) {
         ngl_set_color_long(color);

@@ -6,24 +6,25 @@
 #include "viewer/bodies.h"
 #include "viewer/colorbands.h"
 #include "viewer/environment.h"
+#include "viewer/markerscene.h"
 #include "viewer/meshbuilder.h"
 #include "viewer/shownmodel.h"
 
 namespace nruview {
 
-/// Needs a current context from its making on, and for drawing the view that beginFrame sets. One scene at a
-/// time is the library's source of the active contour texture: the one that was made last.
+/// Needs a current context from its making on, and for drawing the view that beginFrame sets.
 class Scene {
 public:
-    Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body = {});
+    /// Null markers: none. They are read for as long as the scene is drawn.
+    Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body = {},
+          const Markers* markers = nullptr);
     ~Scene();
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
     void draw();
-    /// The contour colours; nothing without a field.
-    const std::optional<ColorBands>& bands() const { return m_bands; }
-
+    /// What the colours of the faces and of the markers mean, for as long as the scene is there.
+    std::vector<LegendContent> legends(const ShownModel& shown) const;
     /// Beams or single points: those with values, and the others by their colour.
     struct Part {
         ContourMesh colored;
@@ -41,8 +42,6 @@ private:
     void drawEdges();
     template <typename Draw>
     void drawPart(Part& part, Draw draw);
-    void beginContour();
-    void endContour();
 
     std::optional<ColorBands> m_bands;
     EdgeMode m_edgeMode;
@@ -53,6 +52,7 @@ private:
     ngl::NglElementMesh m_coloredFaces, m_plainFaces;
     Part m_beams, m_points;
     MeshPtr m_edges;
+    std::optional<MarkerScene> m_markers;
 };
 
 } // namespace nruview

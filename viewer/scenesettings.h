@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nruview {
@@ -81,6 +82,42 @@ struct SceneSettings {
     std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of bodies
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
+};
+
+/// Nodes by their numbers, or those of a node set.
+struct NodeChoice {
+    ElementList nodes = {};
+    std::string set = {}; ///< empty: the numbers count
+};
+
+/// The symbol of a support.
+enum class SupportKind { Clamp, Pin, Roller, Diamond, Cross, Ring, Star, Frame, Axis, Spring, Torsion, Damper };
+/// Their names, in the same order.
+inline constexpr std::array<std::string_view, 12> kSupportKinds = {
+    "clamp", "pin", "roller", "diamond", "cross", "ring", "star", "frame", "axis", "spring", "torsion", "damper"};
+constexpr bool liesAlongAxis(SupportKind kind) {
+    return kind >= SupportKind::Axis;
+}
+
+struct SupportedNodes {
+    NodeChoice nodes = {};
+    SupportKind kind = SupportKind::Clamp;
+    int axis = 0; ///< of the kinds that have one
+};
+
+enum class ConnectorShape { Rivet, Cylinder };
+
+/// Markers at nodes, between them and at elements. Empty fields and lists draw none.
+struct MarkerSettings {
+    std::string arrows = {};               ///< vector field of the nodes
+    std::optional<double> arrowScale = {}; ///< model length of a vector of size 1; nothing: automatic
+    std::string spheres = {};              ///< as selectScalars takes it
+    std::optional<double> sphereSize = {}; ///< diameter in model length; nothing: automatic
+    std::optional<NodeChoice> nodes = {};  ///< of arrows and spheres; nothing: those of the faces shown
+    std::vector<std::array<std::uint32_t, 2>> connectors = {};
+    ConnectorShape connectorShape = ConnectorShape::Rivet;
+    std::vector<SupportedNodes> supports = {};
+    std::string tensors = {}; ///< tensor field
 };
 
 /// What is written on the picture. Legend and marks need a field.

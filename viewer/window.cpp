@@ -103,12 +103,12 @@ void connect(GLFWwindow* window, Interaction& state) {
 
 } // namespace
 
-void showWindow(const ShownModel& shown, const Options& options) {
+void showWindow(const ShownModel& shown, const Markers& markers, const Options& options) {
     const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene, options.body);
-    PictureLabels labels(shown, scene.bands(), options.labels, titleOf(shown, options));
+    Scene scene(shown, options.scene, options.body, &markers);
+    PictureLabels labels(shown, scene.legends(shown), options.labels, titleOf(shown, options));
     Interaction state{shown, options, labels,
                       fitCamera(options.view, shown.bounds, areaOf(window, labels), options.perspective)};
     connect(window, state);

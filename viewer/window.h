@@ -2,6 +2,7 @@
 #pragma once
 
 #include "viewer/camera.h"
+#include "viewer/markers.h"
 #include "viewer/options.h"
 #include "viewer/shownmodel.h"
 
@@ -9,6 +10,6 @@ namespace nruview {
 
 /// Shows a model until the window is closed. Dragging turns it, the wheel zooms, F fits it, Esc closes.
 /// Throws ViewerError when there is no display or no OpenGL.
-void showWindow(const ShownModel& shown, const Options& options);
+void showWindow(const ShownModel& shown, const Markers& markers, const Options& options);
 
 } // namespace nruview

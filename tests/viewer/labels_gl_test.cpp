@@ -79,7 +79,7 @@ struct Shown {
     Shown(Model read, const ShownSettings& settings, const SceneSettings& look, const LabelSettings& label,
           const char* view = "iso", bool perspective = false)
         : model(showModel(std::move(read), settings)), scene(model, look),
-          labels(model, scene.bands(), label, label.title.value_or("Title")),
+          labels(model, scene.legends(model), label, label.title.value_or("Title")),
           camera(fitCamera(parseView(view), model.bounds, labels.area(kWidth, kHeight), perspective)) {}
     std::array<Picture, 2> draw(NgColorLong background = kWhite) {
         beginFrame(camera, model.bounds, kWidth, kHeight, background);

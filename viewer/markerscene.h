@@ -1,0 +1,43 @@
+// Markers in the picture: solids with values in contour colours, and symbols.
+#pragma once
+
+#include <optional>
+
+#include "viewer/colorbands.h"
+#include "viewer/legend.h"
+#include "viewer/markers.h"
+#include "viewer/meshbuilder.h"
+
+namespace nruview {
+
+/// Needs the current context from its making on. The markers must outlive it.
+class MarkerScene {
+public:
+    /// Values that colour the faces too take their bands.
+    MarkerScene(const Markers& markers, const SceneSettings& settings,
+                const std::optional<ColorBands>& faceBands);
+    ~MarkerScene();
+    MarkerScene(const MarkerScene&) = delete;
+    MarkerScene& operator=(const MarkerScene&) = delete;
+
+    /// Arrows, spheres, connectors and ellipsoids.
+    void drawSolids();
+    void drawSymbols() const;
+    /// Adds what the colours mean, where the faces do not tell it.
+    void addLegends(std::vector<LegendContent>& legends) const;
+
+private:
+    struct ColoredLayer {
+        const MarkerLayer* layer = nullptr;
+        std::optional<ColorBands> bands; ///< nothing without values
+    };
+    void drawLines(ColoredLayer& layer, _Render3DMarkerType type, double widthRatio, double widest);
+    void drawSpheres();
+    void drawEllipsoids();
+
+    const Markers& m_markers;
+    ColoredLayer m_arrows, m_spheres, m_connectors, m_ellipsoids;
+    MeshPtr m_ball; ///< of radius 1
+};
+
+} // namespace nruview
