@@ -21,7 +21,8 @@ std::string titleOf(const ShownModel& shown, const Options& options);
 /// that of the picture. What finds no room in a small picture is left out: the legend, the axes, the title.
 class PictureLabels {
 public:
-    /// The first legend stands at the left. An empty title is none. Says on standard error when there is no font.
+    /// The first legend stands at the left. An empty title is none. Says on standard error when there is no
+    /// font.
     PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends, const LabelSettings& settings,
                   std::string title);
 

@@ -75,7 +75,8 @@ void listModel(std::ostream& out, const Model& model, const std::string& name) {
     if (!model.nodeSets.empty())
         out << "node sets " << model.nodeSets.size() << "\n";
     for (const NodeSet& set : model.nodeSets)
-        out << "  " << set.name << ", " << set.nodes.size() << (set.nodes.size() == 1 ? " node\n" : " nodes\n");
+        out << "  " << set.name << ", " << set.nodes.size()
+            << (set.nodes.size() == 1 ? " node\n" : " nodes\n");
     for (const StepSeries& series : stepSeries(model))
         out << "steps " << series.numbers.size() << " of " << series.name << ", numbered "
             << series.numbers.front() << " to " << series.numbers.back() << "\n";

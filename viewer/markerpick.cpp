@@ -23,7 +23,8 @@ std::string number(double value) {
 
 std::string nodeText(const ShownModel& shown, std::uint32_t node) {
     const Point& at = shown.model.nodes[node];
-    return "node " + std::to_string(node) + " at " + number(at[0]) + " " + number(at[1]) + " " + number(at[2]);
+    return "node " + std::to_string(node) + " at " + number(at[0]) + " " + number(at[1]) + " " +
+           number(at[2]);
 }
 
 std::string valueText(const MarkerLayer& layer, double value) {
@@ -93,15 +94,17 @@ void offerSolids(Nearest& nearest, const ShownModel& shown, const Markers& marke
             return "arrow at " + nodeText(shown, marker.ids[0]) + valueText(markers.arrows, marker.values[0]);
         });
     for (const Marker& marker : markers.connectors.markers)
-        nearest.offer(distanceToLine(ray, marker, std::min(0.5 * markers.widest, length(marker.axes[0]) / 12)),
-                      [&] { return connectorText(markers.connectors, marker); });
-    const double radius = 0.5 * markers.sphereSize;
-    for (const Marker& marker : markers.spheres.markers)
+        nearest.offer(
+            distanceToLine(ray, marker, std::min(0.5 * markers.widest, length(marker.axes[0]) / 12)),
+            [&] { return connectorText(markers.connectors, marker); });
+    for (const Marker& marker : markers.spheres.markers) {
+        const double radius = std::max(0.5 * markers.sphereSize, kReach_px * pixelLength(marker.at));
         nearest.offer(distanceToEllipsoid(ray, marker.at, {{{radius, 0, 0}, {0, radius, 0}, {0, 0, radius}}}),
                       [&] {
                           return "sphere at " + nodeText(shown, marker.ids[0]) +
                                  valueText(markers.spheres, marker.values[0]);
                       });
+    }
     for (const Marker& marker : markers.ellipsoids.markers)
         nearest.offer(distanceToEllipsoid(ray, marker.at, marker.axes), [&] {
             return "ellipsoid of element " + std::to_string(marker.ids[0]) +

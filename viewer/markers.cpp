@@ -78,8 +78,8 @@ std::vector<Index> markerNodes(const ShownModel& shown, const MarkerSettings& se
 MarkerLayer layerOf(const ShownModel& shown, const Scalars& scalars) {
     MarkerLayer layer;
     layer.label = scalars.label;
-    layer.ofFaces = shown.scalars && shown.scalars->label == scalars.label &&
-                    shown.scalars->location == scalars.location;
+    layer.ofFaces =
+        shown.scalars && shown.scalars->label == scalars.label && shown.scalars->location == scalars.location;
     return layer;
 }
 

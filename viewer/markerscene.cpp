@@ -16,7 +16,7 @@ namespace nruview {
 
 namespace {
 
-constexpr NgColorLong kPlain = 0xFF3C5078; ///< connectors without values: brown
+constexpr NgColorLong kPlain = 0xFF3C5078;                       ///< connectors without values: brown
 constexpr double kArrowWidth = 0.1, kConnectorWidth = 1.0 / 6.0; ///< diameter of the shaft by the length
 constexpr int kBallResolution = 24;
 
@@ -57,6 +57,7 @@ public:
         glPushAttrib(GL_LIGHTING_BIT);
         glLightfv(GL_LIGHT0, GL_AMBIENT, kHalf);
         glLightfv(GL_LIGHT0, GL_DIFFUSE, kHalf);
+        glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_FALSE);
         glEnable(GL_LIGHTING);
     }
     ~FixedLight() { glPopAttrib(); }
@@ -135,7 +136,8 @@ void MarkerScene::drawLines(ColoredLayer& colored, _Render3DMarkerType type, dou
             const _NgFPoint3Str start = singlePoint(marker.at), vector = singlePoint(marker.axes[0]);
             const double ratio = std::min(widthRatio, widest / length(marker.axes[0]));
             const auto coordinate = [&](int end) {
-                return contoured ? colored.bands->coordinate(marker.values[static_cast<std::size_t>(end)]) : 0.0f;
+                return contoured ? colored.bands->coordinate(marker.values[static_cast<std::size_t>(end)])
+                                 : 0.0f;
             };
             RenderDraw3DMarker(&start, &vector, 1.0f, static_cast<float>(ratio), &kPlain, contoured,
                                coordinate(0), coordinate(1), 0, 0);

@@ -201,12 +201,13 @@ void addMarkerOptions(CLI::App& app, Options& options) {
     addParsed(app, "--sphere-size", markers.sphereSize, parseScale, "D",
               "diameter in model length (default: 0.015 of the model's size)")
         ->needs(spheres);
-    addParsed(app, "--marker-nodes", markers.nodes, parseNodes, "NODES",
-              "nodes of arrows and spheres: a list such as 0-99,120 (numbers from 0) or the name of a node set "
-              "(default: those of the faces shown)");
-    CLI::Option* connectors = addLists(
-        app, "--connectors", markers.connectors, parseConnectors, "A-B,C-D",
-        "pairs of nodes to connect, in the colours of --field at both; may be repeated");
+    addParsed(
+        app, "--marker-nodes", markers.nodes, parseNodes, "NODES",
+        "nodes of arrows and spheres: a list such as 0-99,120 (numbers from 0) or the name of a node set "
+        "(default: those of the faces shown)");
+    CLI::Option* connectors =
+        addLists(app, "--connectors", markers.connectors, parseConnectors, "A-B,C-D",
+                 "pairs of nodes to connect, in the colours of --field at both; may be repeated");
     addParsed(app, "--connector-shape", markers.connectorShape, parseConnectorShape, "rivet|cylinder",
               "rivet is the default")
         ->needs(connectors);

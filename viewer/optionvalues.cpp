@@ -218,9 +218,10 @@ SupportedNodes parseSupports(const char* option, const std::string& text) {
         return {parseNodes(option, text)};
     auto support = parseSupportKind(std::string_view(text).substr(colon + 1));
     if (!support)
-        refuse(option, text,
-               "NODES:KIND with clamp, pin, roller, diamond, cross, ring, star, frame, or axis, spring, torsion "
-               "or damper and -x, -y or -z");
+        refuse(
+            option, text,
+            "NODES:KIND with clamp, pin, roller, diamond, cross, ring, star, frame, or axis, spring, torsion "
+            "or damper and -x, -y or -z");
     support->nodes = parseNodes(option, text.substr(0, colon));
     return *support;
 }

@@ -236,7 +236,8 @@ Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& 
     if (near.empty())
         return {};
     const Index cell = looseCell(shown, near);
-    const double part = near.size() == 2 ? nearestPart(ray, shown.points[near[0]], shown.points[near[1]]) : 0.0;
+    const double part =
+        near.size() == 2 ? nearestPart(ray, shown.points[near[0]], shown.points[near[1]]) : 0.0;
     const Spot spot = {0.0, 0, cell, {near[0], near.back()}, {1.0 - part, part}};
     distance = dot(drawnPosition(shown, spot) - ray.origin, ray.direction);
     if (screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)

@@ -91,10 +91,24 @@ struct NodeChoice {
 };
 
 /// The symbol of a support.
-enum class SupportKind { Clamp, Pin, Roller, Diamond, Cross, Ring, Star, Frame, Axis, Spring, Torsion, Damper };
+enum class SupportKind {
+    Clamp,
+    Pin,
+    Roller,
+    Diamond,
+    Cross,
+    Ring,
+    Star,
+    Frame,
+    Axis,
+    Spring,
+    Torsion,
+    Damper
+};
 /// Their names, in the same order.
-inline constexpr std::array<std::string_view, 12> kSupportKinds = {
-    "clamp", "pin", "roller", "diamond", "cross", "ring", "star", "frame", "axis", "spring", "torsion", "damper"};
+inline constexpr std::array<std::string_view, 12> kSupportKinds = {"clamp", "pin",    "roller",  "diamond",
+                                                                   "cross", "ring",   "star",    "frame",
+                                                                   "axis",  "spring", "torsion", "damper"};
 constexpr bool liesAlongAxis(SupportKind kind) {
     return kind >= SupportKind::Axis;
 }

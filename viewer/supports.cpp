@@ -17,6 +17,7 @@ namespace {
 constexpr NgColorLong kColor = 0xFF2A6A0A; ///< a dark green that contours do not have
 constexpr float kWidth_px = 1.5f;
 constexpr double kLift_px = 24.0, kSnap_px = 3.0;
+constexpr double kNearly = 0.9;
 constexpr double kEndOn_px = 0.5; ///< a shorter line is seen as a point and has no symbol
 constexpr int kDegPerRad = 180;
 
@@ -32,9 +33,36 @@ _NgPoint3Str pointOf(const Point& p) {
     return {p[0], p[1], p[2]};
 }
 
-Point lifted(const Point& p) {
-    return p - (kLift_px * pixelLength(p)) * sightAt(p);
+double depthOf(const Point& p) {
+    double x = 0.0, y = 0.0, depth = 0.0;
+    ngl_transform_33(p[0], p[1], p[2], &x, &y, &depth);
+    return depth;
 }
+
+/// Nearer to the viewer, but not before the near plane.
+Point lifted(const Point& p) {
+    const Point lift = -kLift_px * pixelLength(p) * sightAt(p);
+    const double from = depthOf(p), to = depthOf(p + lift);
+    return p + (to < 0.0 && from > 0.0 ? kNearly * from / (from - to) : 1.0) * lift;
+}
+
+/// What of a symbol lies before the near plane is drawn too, for the length of a block.
+class DrawnToTheEye {
+public:
+    DrawnToTheEye() {
+        if (m_isThere)
+            glEnable(GL_DEPTH_CLAMP);
+    }
+    ~DrawnToTheEye() {
+        if (m_isThere)
+            glDisable(GL_DEPTH_CLAMP);
+    }
+    DrawnToTheEye(const DrawnToTheEye&) = delete;
+    DrawnToTheEye& operator=(const DrawnToTheEye&) = delete;
+
+private:
+    const bool m_isThere = epoxy_gl_version() >= 32 || epoxy_has_gl_extension("GL_ARB_depth_clamp");
+};
 
 /// The library scales symbols by the length of a pixel, which in perspective is that at the near plane.
 void scaleAt(const Point& p) {
@@ -53,11 +81,11 @@ bool placeLine(const Point& from, const Point& to, int kind, const Pixel* pixel)
                   : utl_disp_line_symbol(ends, kind)) == 0;
 }
 
-bool isOnLine(const Point& from, const Point& to, const Pixel& pixel) {
-    auto a = windowPosition(from), b = windowPosition(to);
-    if (a[0] > b[0])
-        std::swap(a, b); // the snap test wants it so
-    return UtlCheckLineSnap(kSnap_px, pixel[0], pixel[1], a[0], a[1], b[0], b[1], nullptr, nullptr) == 0;
+/// Of a pixel from the line between two points, in pixels.
+double distanceFromLine(const Point& from, const Point& to, const Pixel& pixel) {
+    const double part = nearestPart(rayThrough(pixel[0], pixel[1]), from, to);
+    const auto [x, y] = windowPosition(from + part * (to - from));
+    return std::hypot(x - pixel[0], y - pixel[1]);
 }
 
 /// A spring's symbol is drawn about the middle of its line, but picked from its start.
@@ -68,8 +96,8 @@ bool placeSpring(const Point& from, const Point& to, int kind, const Pixel* pixe
     if (!pixel)
         return placeLine(from, to, kind, nullptr) && placeLine(to, from, GroundSymbol, nullptr);
     const Point middle = 0.5 * (from + to);
-    return isOnLine(from, to, *pixel) || placeLine(middle, middle + (to - from), kind, pixel) ||
-           placeLine(to, from, GroundSymbol, pixel);
+    return distanceFromLine(from, to, *pixel) <= kSnap_px ||
+           placeLine(middle, middle + (to - from), kind, pixel) || placeLine(to, from, GroundSymbol, pixel);
 }
 
 bool placeAxis(const Point& at, int axis, const Pixel* pixel) {
@@ -115,7 +143,9 @@ int pointKind(SupportKind kind) {
 }
 
 int springKind(SupportKind kind) {
-    return kind == SupportKind::Spring ? SpringSymbol : kind == SupportKind::Torsion ? TorsionSymbol : DamperSymbol;
+    return kind == SupportKind::Spring    ? SpringSymbol
+           : kind == SupportKind::Torsion ? TorsionSymbol
+                                          : DamperSymbol;
 }
 
 /// Draws, or tests the pixel.
@@ -136,6 +166,13 @@ bool place(const Support& support, const Pixel* pixel) {
     }
 }
 
+/// How far from its points a symbol reaches.
+double extent_px(SupportKind kind) {
+    return kSnap_px + (kind == SupportKind::Frame || kind == SupportKind::Axis ? 33.0
+                       : kind >= SupportKind::Spring                           ? 13.0
+                                                                               : 24.0);
+}
+
 void useSymbols() {
     const std::span<utl_symbols> list = symbolList();
     UtlSetSymbolList(list.data(), static_cast<std::uint16_t>(list.size()));
@@ -149,6 +186,7 @@ void drawSupports(const std::vector<Support>& supports) {
     if (supports.empty())
         return;
     useSymbols();
+    const DrawnToTheEye clamp;
     ngl_set_color_long(kColor);
     glLineWidth(kWidth_px);
     for (const Support& support : supports)
@@ -156,10 +194,12 @@ void drawSupports(const std::vector<Support>& supports) {
     glLineWidth(1.0f);
 }
 
+/// The library's snap test follows steep segments far beyond their ends.
 bool isSupportAt(const Support& support, int x, int y) {
     useSymbols();
     const Pixel pixel = {x, y};
-    return place(support, &pixel);
+    return distanceFromLine(lifted(support.at), lifted(support.ground), pixel) <= extent_px(support.kind) &&
+           place(support, &pixel);
 }
 
 Point symbolPlace(const Support& support) {

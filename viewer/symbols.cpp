@@ -1,6 +1,7 @@
 // Plane drawings about (0, 0), which is where a symbol's point is. Point symbols are in half pixels, for the
 // library draws them with a scale of 0.5, the others in pixels. Horizontal lines run from left to right: so
-// the library hits them when it picks.
+// the library hits them when it picks. It picks outlines: a shape too large to be hit all over has lines
+// inside.
 #include "viewer/symbols.h"
 
 #include <array>
@@ -74,14 +75,8 @@ constexpr std::array<Point3, 9> octagon(double x, double y, double radius) {
 constexpr double kLead = 8.0;
 
 /// Slot 0: a spring, a coil seen from the side.
-constexpr std::array<Point3, 8> kCoil = {{{-12, 0, 0},
-                                          {-10, 6, 0},
-                                          {-6, -6, 0},
-                                          {-2, 6, 0},
-                                          {2, -6, 0},
-                                          {6, 6, 0},
-                                          {10, -6, 0},
-                                          {12, 0, 0}}};
+constexpr std::array<Point3, 8> kCoil = {
+    {{-12, 0, 0}, {-10, 6, 0}, {-6, -6, 0}, {-2, 6, 0}, {2, -6, 0}, {6, 6, 0}, {10, -6, 0}, {12, 0, 0}}};
 constexpr std::array kSpringBody = {polyline(kCoil)};
 constexpr std::array kSpring = {emptyPart(0, kLead), part(1, 0, kSpringBody, 24.0)};
 
@@ -126,43 +121,41 @@ constexpr std::array kFrame = {part(0, 0, kFrameAxes, 16.0), part(1, 1, kFrameHe
 
 // --- points: slots 4, 5, 6, 9, 10, 11 and 13 ---------------------------------------------------------------
 
-constexpr std::array<Point3, 4> kTriangle = {{{-13, -20, 0}, {13, -20, 0}, {0, 0, 0}, {-13, -20, 0}}};
+constexpr std::array<Point3, 4> kTriangle = {{{-18, -28, 0}, {18, -28, 0}, {0, 0, 0}, {-18, -28, 0}}};
 
 /// Slot 4: a roller, a triangle on wheels, which may move along the ground.
-constexpr auto kLeftWheel = octagon(-7, -24, 4), kRightWheel = octagon(7, -24, 4);
+constexpr auto kLeftWheel = octagon(-10, -34, 6), kRightWheel = octagon(10, -34, 6);
 constexpr std::array kRollerBody = {polyline(kTriangle), polyline(kLeftWheel), polyline(kRightWheel),
-                                    line(-16, -28, 16, -28)};
+                                    line(-22, -41, 22, -41)};
 constexpr std::array kRoller = {part(0, 0, kRollerBody)};
 
 /// Slot 5: a pin, a triangle on hatched ground, which may turn.
-constexpr std::array kPinBody = {
-    polyline(kTriangle),       line(-16, -20, 16, -20),   line(-12, -20, -18, -27),
-    line(-4, -20, -10, -27),   line(4, -20, -2, -27),     line(12, -20, 6, -27),
-};
+constexpr std::array kPinBody = {polyline(kTriangle),     line(-22, -28, 22, -28), line(-24, -38, -14, -28),
+                                 line(-14, -38, -4, -28), line(-4, -38, 6, -28),   line(6, -38, 16, -28)};
 constexpr std::array kPin = {part(0, 0, kPinBody)};
 
 /// Slot 6: a clamp, a block with crossed corners, which holds everything.
-constexpr std::array<Point3, 5> kBlock = {{{-7, -7, 0}, {7, -7, 0}, {7, 7, 0}, {-7, 7, 0}, {-7, -7, 0}}};
-constexpr std::array kClampBody = {filled(kBlock), line(-12, -12, 12, 12), line(-12, 12, 12, -12)};
+constexpr std::array<Point3, 5> kBlock = {{{-8, -8, 0}, {8, -8, 0}, {8, 8, 0}, {-8, 8, 0}, {-8, -8, 0}}};
+constexpr std::array kClampBody = {filled(kBlock), line(-15, -15, 15, 15), line(-15, 15, 15, -15)};
 constexpr std::array kClamp = {part(0, 0, kClampBody)};
 
 /// Slot 9: a diamond.
-constexpr std::array<Point3, 5> kRhomb = {{{0, -12, 0}, {12, 0, 0}, {0, 12, 0}, {-12, 0, 0}, {0, -12, 0}}};
-constexpr std::array kDiamondBody = {filled(kRhomb)};
+constexpr std::array<Point3, 5> kRhomb = {{{0, -14, 0}, {14, 0, 0}, {0, 14, 0}, {-14, 0, 0}, {0, -14, 0}}};
+constexpr std::array kDiamondBody = {filled(kRhomb), line(-14, 0, 14, 0), line(0, -14, 0, 14)};
 constexpr std::array kDiamond = {part(0, 0, kDiamondBody)};
 
 /// Slot 10: a cross.
-constexpr std::array kCrossBody = {line(-10, -10, 10, 10), line(-10, 10, 10, -10)};
+constexpr std::array kCrossBody = {line(-13, -13, 13, 13), line(-13, 13, 13, -13)};
 constexpr std::array kCross = {part(0, 0, kCrossBody)};
 
 /// Slot 11: a ring.
-constexpr auto kCircle = octagon(0, 0, 11);
+constexpr auto kCircle = octagon(0, 0, 14);
 constexpr std::array kRingBody = {polyline(kCircle)};
 constexpr std::array kRing = {part(0, 0, kRingBody)};
 
 /// Slot 13: a star.
-constexpr std::array kStarBody = {line(-12, 0, 12, 0), line(0, -12, 0, 12), line(-9, -9, 9, 9),
-                                  line(-9, 9, 9, -9)};
+constexpr std::array kStarBody = {line(-15, 0, 15, 0), line(0, -15, 0, 15), line(-11, -11, 11, 11),
+                                  line(-11, 11, 11, -11)};
 constexpr std::array kStar = {part(0, 0, kStarBody)};
 
 // --- other lines: slots 8, 12, 14 and 15 -------------------------------------------------------------------
@@ -199,10 +192,10 @@ utl_symbols symbol(const std::array<Part, n>& parts) {
 } // namespace
 
 std::span<utl_symbols> symbolList() {
-    static std::array list = {symbol(kSpring),  symbol(kTorsion), symbol(kDamper),      symbol(kSmallAxis),
-                              symbol(kRoller),  symbol(kPin),     symbol(kClamp),       symbol(kFrame),
-                              symbol(kLink),    symbol(kDiamond), symbol(kCross),       symbol(kRing),
-                              symbol(kGround),  symbol(kStar),    symbol(kModelSpring), symbol(kHinge)};
+    static std::array list = {symbol(kSpring), symbol(kTorsion), symbol(kDamper),      symbol(kSmallAxis),
+                              symbol(kRoller), symbol(kPin),     symbol(kClamp),       symbol(kFrame),
+                              symbol(kLink),   symbol(kDiamond), symbol(kCross),       symbol(kRing),
+                              symbol(kGround), symbol(kStar),    symbol(kModelSpring), symbol(kHinge)};
     return list;
 }
 

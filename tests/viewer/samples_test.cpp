@@ -101,6 +101,37 @@ TEST(Samples, MeshesHaveTheSizesAskedForAndTurnTheRightWay) {
     EXPECT_EQ(selectScalars(beam, "U:y", {}).values[10], Cantilever::at({100, -10, -5}).displacement[1]);
 }
 
+// The nodes' forces do the work of the exact shear stress on any displacement that is linear over elements.
+TEST(Samples, TheCantileverHasItsLoadAndItsSupports) {
+    for (const char* selector : {"cantilever:1", "cantilever:10", "cantilever"}) {
+        SCOPED_TRACE(selector);
+        const Model beam = makeSample(selector);
+        const Field& force = findField(beam, "F", {});
+        double sum = 0.0, moment = 0.0, others = 0.0;
+        for (std::size_t i = 0; i < beam.nodes.size(); ++i) {
+            const double* f = &force.values[3 * i];
+            sum += f[1];
+            moment += f[1] * (beam.nodes[i][1] + beam.nodes[i][2]);
+            others += std::abs(f[0]) + std::abs(f[2]) + (beam.nodes[i][0] < 100 ? std::abs(f[1]) : 0.0);
+        }
+        EXPECT_NEAR(sum, -1000.0, 1e-9);
+        EXPECT_NEAR(moment, 0.0, 1e-9) << "as much above the axis as below";
+        EXPECT_EQ(others, 0.0);
+        ASSERT_EQ(beam.nodeSets.size(), 2u);
+        for (const auto& [set, x] : {std::pair(beam.nodeSets[0], 0.0), {beam.nodeSets[1], 100.0}}) {
+            EXPECT_EQ(set.nodes.size(),
+                      static_cast<std::size_t>(std::count_if(beam.nodes.begin(), beam.nodes.end(),
+                                                             [&](const Point& p) { return p[0] == x; })));
+            for (const std::uint32_t node : set.nodes)
+                EXPECT_EQ(beam.nodes[node][0], x) << set.name;
+        }
+    }
+    const Model beam = makeSample("cantilever:10"); // heights -10, 0, 10: 3/16, 10/16, 3/16 by integration
+    const Field& force = findField(beam, "F", {});
+    EXPECT_NEAR(force.values[3 * 10 + 1], -500.0 * 3 / 16, 1e-9);
+    EXPECT_NEAR(force.values[3 * 21 + 1], -500.0 * 10 / 16, 1e-9);
+}
+
 TEST(Samples, TheFlangeIsClosedAndFacesOutward) {
     for (const char* selector : {"flange:3", "flange:17", "flange"}) {
         const Model model = makeSample(selector);

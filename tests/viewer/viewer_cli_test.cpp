@@ -113,7 +113,25 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --pbr --fixed --hdr @none.hdr => none.hdr: Failed to load HDR image file!",
         "@two.vtk --pbr --hdr @two.vtk => two.vtk: Failed to load HDR image file! "
         "(not a Radiance image)",
-        "@two.vtk --legend yes => on or off"};
+        "@two.vtk --legend yes => on or off",
+        "@two.vtk --arrows T => field T: has 1 components; the vector of an arrow has 3",
+        "@two.vtk --arrows none => field none: not there",
+        "@two.vtk --arrows T@cell => field T: has values of elements; arrows stand at nodes",
+        "@two.vtk --arrows disp --arrow-scale 0 => --arrow-scale: '0' is not a number above 0",
+        "@two.vtk --arrow-scale 1 => --arrow-scale requires --arrows",
+        "@two.vtk --spheres T@cell => field T: has values of elements; spheres stand at nodes",
+        "@two.vtk --spheres T --marker-nodes 3,6 => --marker-nodes: node 6 is not there; the model has 6 "
+        "nodes",
+        "@two.vtk --connectors 0-1,3 => --connectors: '0-1,3' is not a list of pairs of nodes such as "
+        "3-40,7-12",
+        "@two.vtk --connectors 2-2 => --connectors: '2-2' is not a list",
+        "@two.vtk --connectors 0-6 => --connectors: node 6 is not there",
+        "@two.vtk --connectors 0-1 --connector-shape bolt => 'bolt' is not rivet or cylinder",
+        "@two.vtk --supports fixed => --supports: there is no node set fixed; the model has none",
+        "--sample cantilever:5 --supports free:pin => there is no node set free; the model has fixed, loaded",
+        "@two.vtk --supports 0:spring => '0:spring' is not NODES:KIND with clamp, pin",
+        "@two.vtk --supports 0:pin-x => '0:pin-x' is not NODES:KIND",
+        "@two.vtk --tensors disp => field disp: has 3 components; a tensor has 6 or 9"};
     // Options that the message names.
     std::istringstream options(
         "--field '';--sample hole;--colour;--bands 65 --field T;--bands 3x --field T;--range 2,1 --field T;"
@@ -236,6 +254,10 @@ TEST_F(ViewerProgram, PicksWithoutAWindow) {
               "element 1 (quad) at 1.5 0.5 0.5: T = 2.25\n");
     EXPECT_EQ(nruview(command + "105,54 --field T").output, "node 4 at 1 1 0.5: T = 5\n");
     EXPECT_EQ(nruview(command + "1,1").output, "nothing\n");
+    EXPECT_EQ(nruview(command + "105,54 --field T --supports 4:ring").output, "node 4 at 1 1 0.5: T = 5\n")
+        << "inside the ring";
+    EXPECT_EQ(nruview(command + "112,54 --field T --supports 4:ring").output,
+              "support 0 (ring) at node 4 at 1 1 0.5\n");
 }
 
 TEST_F(ViewerProgram, ShowsSurfacesWithTheirPartsAndWithoutTheirTriangles) {
