@@ -1,5 +1,5 @@
-// Pictures on top of the view: textures from files, bitmaps and pixels. Every call comes from the thread that
-// owns the current GL context.
+// Pictures and boxes on top of the view: textures from files, bitmaps and pixels. Every call comes from the
+// thread that owns the current GL context.
 #pragma once
 
 #include <cstdint>
@@ -85,6 +85,41 @@ private:
     void* m_freeContext;
 
     static NShaderProgram& m_ShaderProgram; ///< draws all textures; deleted when any changes its pixels
+};
+
+// --- boxes -------------------------------------------------------------------------------------------------
+
+/// Draws boxes in window pixels on top of the view, for labels and panels. It holds no state.
+class NRENDERUTL_API N2DBoxDrawer {
+public:
+    /// One box. Pixels, y upward. By default a white rectangle without size.
+    struct RenderInfo {
+        std::int32_t x = 0, y = 0; ///< lower left corner
+        std::int32_t width = 0, height = 0;
+        NgColorLong fillColor = 0xFFFFFFFF; ///< 0xFFFFFFFF: not filled, drawn white
+        std::int32_t roundedCorners = 0;    ///< non-zero: cornerRadii count
+        float cornerRadii[4] = {};          ///< right top, right bottom, left top, left bottom
+        std::int32_t border = 0;            ///< non-zero: a border along the edge
+        std::int32_t borderThickness = 0;
+        std::uint8_t borderColor[3] = {}; ///< red, green, blue; opaque
+    };
+
+    N2DBoxDrawer();
+    N2DBoxDrawer(const N2DBoxDrawer&) = default;
+    ~N2DBoxDrawer();
+    N2DBoxDrawer& operator=(const N2DBoxDrawer&);
+
+    /// Draws a box by its alpha over what is there, without depth test and lighting, else as the host's state
+    /// has it (clip planes, scissor, polygon mode, ...). Sizes of 0 or less draw nothing. Corners and border
+    /// need GLSL 1.50; without it the box is plain. Only the current colour may be another afterwards.
+    void Render(const RenderInfo& info);
+    /// The two ways of drawing, in the matrices and the viewport that are current: by the program, which is
+    /// made at the first call (false where it cannot be), and as a plain quad.
+    bool DrawWithVAMode(const RenderInfo& info);
+    void DrawWithImmediateMode(const RenderInfo& info);
+
+private:
+    void CreateShaderProgram();
 };
 
 // --- bitmaps -----------------------------------------------------------------------------------------------

@@ -1,0 +1,184 @@
+// Boxes pixel by pixel against the signed distance in C++, by the program and by fixed function, and what
+// they leave of the host's state.
+#include <epoxy/egl.h>
+
+#include <utility>
+#include <vector>
+
+#include <glm/glm.hpp>
+
+#include "NRenderUtl/Texture/ntexture.h"
+#include "tests/shaders/testprogram.h"
+#include "tests/support/glsnapshot.h"
+#include "tests/support/subprocess.h"
+
+using namespace nrutest;
+
+namespace {
+
+using Info = N2DBoxDrawer::RenderInfo;
+
+glm::vec4 unpacked(std::uint32_t color) {
+    return glm::vec4(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF, color >> 24) / 255.0f;
+}
+
+/// Colour of a box at a point in pixels from its lower left corner.
+glm::vec4 colorOfBox(const Info& box, const glm::vec2& p) {
+    glm::vec4 color = unpacked(box.fillColor);
+    if (!box.roundedCorners && !box.border)
+        return color;
+    const glm::vec2 half = glm::vec2(box.width, box.height) / 2.0f, c = p - half;
+    const float border = box.border ? static_cast<float>(box.borderThickness) : 0;
+    const float radius = box.roundedCorners ? box.cornerRadii[(c.x > 0 ? 0 : 2) + (c.y > 0 ? 0 : 1)] : 0;
+    const glm::vec2 q = glm::abs(c) - (half - border / 2 - 1.0f) + radius;
+    const float d = std::min(std::max(q.x, q.y), 0.0f) + glm::length(glm::max(q, 0.0f)) - radius;
+    const float inside = 1 - glm::smoothstep(color.a, 2.0f, d);
+    if (box.roundedCorners)
+        color.a = std::min(color.a, inside);
+    if (!box.border)
+        return color;
+    const float edge = 1 - glm::smoothstep(border - 2, border, std::abs(d));
+    const glm::vec4 ink(glm::vec3(box.borderColor[0], box.borderColor[1], box.borderColor[2]) / 255.0f, 1);
+    return glm::mix(color, ink, std::min(edge, inside));
+}
+
+class Box : public GlTest {
+protected:
+    Picture draw(const Info& info) {
+        clear();
+        N2DBoxDrawer().Render(info);
+        return read();
+    }
+    /// Only the pixels of the box are drawn: its colour, blended.
+    void expectBox(const Picture& drawn, const Info& box) {
+        const glm::vec4 behind = unpacked(kClear);
+        ASSERT_GT(drawn.countOtherThan(kClear), 100);
+        for (int y = 0; y < kSize; ++y)
+            for (int x = 0; x < kSize; ++x) {
+                const glm::ivec2 p(x - box.x, y - box.y);
+                const bool isInside = p.x >= 0 && p.x < box.width && p.y >= 0 && p.y < box.height;
+                const glm::vec4 color = isInside ? colorOfBox(box, glm::vec2(p) + 0.5f) : glm::vec4(0);
+                const glm::vec4 off = 255.0f * (unpacked(drawn.at(x, y)) - glm::mix(behind, color, color.a));
+                for (int channel = 0; channel < 4; ++channel)
+                    ASSERT_NEAR(off[channel], 0, 2) // blending rounds colour and factors
+                        << x << ", " << y << " channel " << channel;
+            }
+    }
+};
+
+constexpr NgColorLong kBlue = 0xFFE06020, kFaint = 0x50E06020, kClearFill = 0x0010A0F0, kNone = 0xFFFFFFFF;
+
+TEST_F(Box, HasTheColorOfItsDistance) {
+    const std::pair<const char*, Info> rows[] = {
+        {"plain", {5, 7, 48, 40, kBlue}},
+        {"plain, translucent", {5, 7, 48, 40, kFaint}},
+        {"white", {5, 7, 37, 23, kNone}},
+        {"four radii", {5, 7, 48, 40, kBlue, 1, {16, 4, 0, 9}}},
+        {"one radius", {5, 7, 37, 23, kBlue, 7, {10, 0, 0, 0}}},
+        {"faint fills fade earlier", {9, 3, 40, 50, kFaint, 1, {12, 6, 20, 3}}},
+        {"white, rounded", {0, 0, 64, 64, kNone, 1, {32, 32, 32, 32}}},
+        {"border alone", {5, 7, 48, 40, kBlue, 0, {16, 16, 16, 16}, 1, 8, {250, 200, 30}}},
+        {"border about nothing", {5, 7, 48, 40, kClearFill, 0, {}, 1, 3, {250, 200, 30}}},
+        {"rounded border", {5, 7, 47, 41, kFaint, 1, {16, 4, 0, 9}, 2, 5, {250, 20, 130}}},
+        {"thin border", {5, 7, 48, 40, kNone, 1, {8, 8, 8, 8}, 1, 1, {250, 20, 130}}},
+        {"border without width", {5, 7, 48, 40, kFaint, 1, {8, 8, 8, 8}, 1, 0, {250, 20, 130}}},
+        {"partly outside the window", {-9, 40, 48, 40, kBlue, 1, {16, 4, 0, 9}, 1, 4, {250, 20, 130}}}};
+    for (const auto& [name, box] : rows) {
+        SCOPED_TRACE(name);
+        expectBox(draw(box), box);
+    }
+    const Picture bordered = draw(rows[8].second);
+    EXPECT_EQ(hex(bordered.at(5 + 24, 7 + 2)), "0xFF1EC8FA") << "opaque whatever the fill";
+    EXPECT_EQ(draw({5, 7, 0, 40, kBlue}).countOtherThan(kClear), 0);
+    EXPECT_EQ(draw({5, 7, 48, -1, kBlue, 1}).countOtherThan(kClear), 0);
+}
+
+// Square corners lie within the softness of the edge, so that the program too leaves them as they are.
+TEST_F(Box, IsTheSameByBothRoutes) {
+    for (const NgColorLong fill : {kBlue, NgColorLong(0xC0E06020), kNone}) {
+        const Info plain{5, 7, 37, 40, fill};
+        Info rounded = plain;
+        rounded.roundedCorners = 1;
+        const Picture expected = draw(plain);
+        EXPECT_TRUE(samePicture(draw(rounded), expected));
+        rounded.cornerRadii[0] = 10;
+        const Picture corner = draw(rounded);
+        int missing = 0;
+        for (int y = 0; y < kSize; ++y)
+            for (int x = 0; x < kSize; ++x)
+                if (const bool differs = corner.at(x, y) != expected.at(x, y)) {
+                    missing += differs;
+                    EXPECT_TRUE(x >= 5 + 27 && y >= 7 + 30) << x << ", " << y;
+                }
+        EXPECT_NEAR(missing, 10 * 10 * (1 - 3.1416 / 4), 8) << "about what a quarter circle leaves";
+    }
+}
+
+TEST_F(Box, LeavesTheHostsState) {
+    const char* source = "void main() { discard; }";
+    GLuint array, buffer;
+    glGenVertexArrays(1, &array);
+    glGenBuffers(1, &buffer);
+    glEnableVertexAttribArray(0);
+    glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 12, source);
+    glEnableClientState(GL_NORMAL_ARRAY); // from address 0, which nothing may read
+    glUseProgram(glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source));
+    glBlendFuncSeparate(GL_ONE, GL_DST_COLOR, GL_ZERO, GL_SRC_ALPHA);
+    glActiveTexture(GL_TEXTURE1);
+    glViewport(3, 4, 20, 30);
+    glDepthRange(0.2, 0.7);
+    glTranslated(1, 2, 3);
+    glMatrixMode(GL_TEXTURE);
+    const Info plain{5, 7, 48, 40, kBlue}, rounded{5, 7, 48, 40, kBlue, 1, {8, 8, 8, 8}, 1, 4};
+    for (unsigned bits = 0; bits < 16; ++bits) {
+        (bits & 1 ? glEnable : glDisable)(GL_BLEND);
+        (bits & 2 ? glEnable : glDisable)(GL_DEPTH_TEST);
+        (bits & 4 ? glEnable : glDisable)(GL_LIGHTING);
+        glBindVertexArray(bits & 8 ? array : 0);
+        glBindBuffer(GL_ARRAY_BUFFER, bits & 8 ? buffer : 0);
+        for (const Info& box : {plain, rounded}) {
+            GLdouble color[4];
+            glGetDoublev(GL_CURRENT_COLOR, color);
+            const GlSnapshot before = GlSnapshot::take();
+            EXPECT_GT(draw(box).countOtherThan(kClear), 1600);
+            glColor4dv(color); // which may change
+            EXPECT_TRUE(before.equals(GlSnapshot::take())) << bits;
+        }
+    }
+    GLdouble range[2];
+    glGetDoublev(GL_DEPTH_RANGE, range);
+    EXPECT_NEAR(range[0], 0.2, 1e-6);
+    EXPECT_EQ(std::pair(integer(GL_BLEND_SRC_ALPHA), integer(GL_BLEND_DST_ALPHA)),
+              std::pair(GL_ZERO, GL_SRC_ALPHA));
+    glBindVertexArray(0);
+    GLint enabled, stride;
+    glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+    glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_STRIDE, &stride);
+    EXPECT_EQ(std::pair(enabled, stride), std::pair(1, 12));
+}
+
+TEST_F(Box, IsPlainWithoutTheProgram) {
+    if (ranInSubprocess({{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_shader -GL_ARB_fragment_shader"}}))
+        return;
+    const Info plain{5, 7, 48, 40, kFaint}, rounded{5, 7, 48, 40, kFaint, 1, {8, 8, 8, 8}, 1, 4};
+    EXPECT_FALSE(N2DBoxDrawer().DrawWithVAMode(rounded));
+    expectBox(draw(rounded), plain);
+}
+
+TEST_F(Box, ProgramIsBuiltOnceAndTriedAgain) {
+    static int built;
+    const Info plain{5, 7, 48, 40, kFaint}, rounded{5, 7, 48, 40, kFaint, 1, {8, 8, 8, 8}};
+    epoxy_glCreateProgram = [] { return GLuint(0 * ++built); };
+    expectBox(draw(rounded), plain);
+    expectBox(draw(rounded), plain);
+    EXPECT_EQ(std::exchange(built, 0), 2);
+    epoxy_glCreateProgram = [] {
+        ++built;
+        return reinterpret_cast<PFNGLCREATEPROGRAMPROC>(eglGetProcAddress("glCreateProgram"))();
+    };
+    expectBox(draw(rounded), rounded);
+    expectBox(draw(rounded), rounded);
+    EXPECT_EQ(built, 1);
+}
+
+} // namespace
