@@ -3,6 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
 #include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/shaders/nshaders.h"
@@ -51,6 +56,11 @@ public:
     NErrorPtr CreateWithReplacedColor(const NuTexture& source, unsigned int newColour,
                                       unsigned int keepColour);
 
+    /// A copy of source in another size, from 1 pixel to the limits of pixel data: averaged where it shrinks,
+    /// interpolated where it grows. Colours of transparent pixels do not bleed. A source without pixels is
+    /// refused.
+    NErrorPtr CreateScaledTexture(const NuTexture& source, int width, int height);
+
     /// Draw in a rectangle or circle of the window (y upward), on top of the scene, with alpha unless the
     /// format is GL_RGB; sizes of 0 or less are the texture's own, the smaller one for a circle. A GL
     /// texture is made at the first draw after a change, in the current context; nothing is drawn without
@@ -85,6 +95,45 @@ private:
     void* m_freeContext;
 
     static NShaderProgram& m_ShaderProgram; ///< draws all textures; deleted when any changes its pixels
+};
+
+// --- image files -------------------------------------------------------------------------------------------
+
+/// The process-wide cache of textures of image files. They stay the manager's, at their addresses. Copies of
+/// the manager share the textures.
+class NRENDERUTL_API NuImageTextureManager {
+public:
+    static NuImageTextureManager* GetInstance();
+    NuImageTextureManager(const NuImageTextureManager&);
+    NuImageTextureManager(NuImageTextureManager&&) noexcept;
+    NuImageTextureManager& operator=(const NuImageTextureManager&);
+    NuImageTextureManager& operator=(NuImageTextureManager&&) noexcept;
+    ~NuImageTextureManager();
+
+    /// The texture of a file, loaded at the first call and, into the same object, when the file's date has
+    /// changed. A name that is no file is looked for in the folder Images under the setting
+    /// "NU_RESOURCES_PATH"; both separators are accepted. Null where there is no file or it cannot be loaded;
+    /// a texture that the manager had of it is then destroyed, with its variants.
+    NuTexture* GetNuTexture(const GuStringFileName& name);
+    /// A texture of the manager's with every colour but keepColour replaced by newColour (see NuTexture). It
+    /// is made once for a new colour, whatever the other colour and later pictures of the file. Null for any
+    /// other texture, and where nothing is to be replaced.
+    NuTexture* CreateFromTextureWithReplacedColor(NuTexture* base, unsigned int newColour,
+                                                  unsigned int keepColour);
+
+private:
+    struct Entry {
+        std::shared_ptr<NuTexture> texture;
+        std::optional<std::int64_t> date; ///< of the file when it was loaded
+        std::vector<std::pair<std::shared_ptr<NuTexture>, unsigned int>> variants; ///< with their new colours
+    };
+
+    NuImageTextureManager();
+    GuStringFileName BuildFullPath(const GuStringFileName& name);
+    NuTexture* Insert(const GuStringFileName& path, std::optional<std::int64_t> date);
+
+    std::map<GuStringFileName, Entry, GuStringPredicate> m_entries; ///< by full path
+    static NuImageTextureManager m_Instance;
 };
 
 // --- boxes -------------------------------------------------------------------------------------------------

@@ -148,8 +148,8 @@ bool NuTexture::BuildProgram() {
     if (m_ShaderProgram.IsProgramValid())
         return true;
     m_ShaderProgram = NShaderProgram(); // without the locations of the program before
-    const char* fragment = kTextureFragmentMain;
-    return m_ShaderProgram.CompileProgram(kTextureVertexMain, 1, &fragment, 0, nullptr, 0);
+    const char* fragment[] = {kTextureFragmentMain, kRoundedEdgeLibrary};
+    return m_ShaderProgram.CompileProgram(kTextureVertexMain, 2, fragment, 0, nullptr, 0);
 }
 
 void NuTexture::RenderAsRectangle(int x, int y, int width, int height, const RenderInfo& info) {
