@@ -16,8 +16,8 @@ using Index = std::uint32_t;
 
 // Lengths as parts of the model's size.
 constexpr double kLongestArrow = 0.1, kSphere = 0.015, kWidestConnector = 0.03, kGround = 0.07;
-/// The longest semi-axis of ellipsoids, as a part of the mean distance from an element's middle to its nodes,
-/// and the thinnest of one, as a part of its longest.
+/// The semi-axis of the largest value, as a part of the mean distance from the element's middle to its nodes;
+/// and the thinnest one of an ellipsoid, as a part of its longest.
 constexpr double kLongestAxis = 0.55, kThinnestAxis = 0.25;
 
 double sizeOf(const ShownModel& shown) {
@@ -197,7 +197,7 @@ MarkerLayer makeEllipsoids(const ShownModel& shown, const MarkerSettings& settin
                                                      "; a tensor has 6 or 9");
     MarkerLayer layer;
     layer.label = settings.tensors + ":principal";
-    double largest = 0.0, reach = 0.0;
+    double largest = 0.0;
     for (Index cell = 0; cell < shown.model.cellCount(); ++cell) {
         const std::array<double, 6> tensor = tensorOf(field, shown.model, cell);
         if (!shown.elements.isShown(cell) || shown.model.cellNodes(cell).empty() ||
@@ -205,17 +205,17 @@ MarkerLayer makeEllipsoids(const ShownModel& shown, const MarkerSettings& settin
             continue;
         const PrincipalValues principal = principalValues(tensor);
         const double value = signedLargest(principal), thinnest = kThinnestAxis * largestOf(principal);
+        const double size = kLongestAxis * reachOf(shown, cell, middleOf(shown, cell));
         Marker marker{{cell, cell}, middleOf(shown, cell), principal.directions, {value, value}};
         for (std::size_t k = 0; k < 3; ++k)
-            marker.axes[k] = std::max(std::abs(principal.values[k]), thinnest) * marker.axes[k];
+            marker.axes[k] = size * std::max(std::abs(principal.values[k]), thinnest) * marker.axes[k];
         largest = std::max(largest, largestOf(principal));
-        reach += reachOf(shown, cell, marker.at);
         if (value != 0.0)
             layer.markers.push_back(marker);
     }
     for (Marker& marker : layer.markers)
         for (Point& axis : marker.axes)
-            axis = (kLongestAxis * reach / static_cast<double>(layer.markers.size()) / largest) * axis;
+            axis = (1.0 / largest) * axis;
     return layer;
 }
 

@@ -18,6 +18,8 @@ namespace {
 
 constexpr NgColorLong kPlain = 0xFF3C5078;                       ///< connectors without values: brown
 constexpr double kArrowWidth = 0.1, kConnectorWidth = 1.0 / 6.0; ///< diameter of the shaft by the length
+constexpr double kThinnestArrow = 0.02; ///< by the length of the longest: short ones remain to be seen
+constexpr double kWidestRatio = 0.4;
 constexpr int kBallResolution = 24;
 
 std::vector<double> valuesOf(const MarkerLayer& layer) {
@@ -79,6 +81,32 @@ private:
     const FixedLight m_light;
 };
 
+/// What the library takes of many arrows or connectors at once.
+struct LineArrays {
+    std::vector<_NgFPoint3Str> starts, vectors;
+    std::vector<float> widthRatios, fromCoordinates, toCoordinates;
+
+    void add(const Marker& marker, double widthRatio, float from, float to) {
+        starts.push_back(singlePoint(marker.at));
+        vectors.push_back(singlePoint(marker.axes[0]));
+        widthRatios.push_back(static_cast<float>(widthRatio));
+        fromCoordinates.push_back(from);
+        toCoordinates.push_back(to);
+    }
+    void draw(_Render3DMarkerType type, bool contoured) const {
+        Render3DMarkerArray markers;
+        markers.count = starts.size();
+        markers.starts = starts.data();
+        markers.vectors = vectors.data();
+        markers.widthRatios = widthRatios.data();
+        markers.contoured = contoured;
+        markers.texCoords1 = fromCoordinates.data();
+        markers.texCoords2 = toCoordinates.data();
+        const Section section(type);
+        RenderDraw3DMarkers(&markers);
+    }
+};
+
 } // namespace
 
 MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
@@ -106,12 +134,14 @@ MarkerScene::~MarkerScene() {
 }
 
 void MarkerScene::drawSolids() {
-    drawLines(m_arrows, RENDER_3D_MARKER_ARROW_ONE_WAY, kArrowWidth, HUGE_VAL);
+    double longest = 0.0;
+    for (const Marker& arrow : m_markers.arrows.markers)
+        longest = std::max(longest, length(arrow.axes[0]));
+    drawLines(m_arrows, {RENDER_3D_MARKER_ARROW_ONE_WAY, kArrowWidth, kThinnestArrow * longest, HUGE_VAL});
     drawSpheres();
-    drawLines(m_connectors,
-              m_markers.connectorShape == ConnectorShape::Rivet ? RENDER_3D_MARKER_RIVET
-                                                                : RENDER_3D_MARKER_CYLINDER,
-              kConnectorWidth, m_markers.widest);
+    const bool rivets = m_markers.connectorShape == ConnectorShape::Rivet;
+    drawLines(m_connectors, {rivets ? RENDER_3D_MARKER_RIVET : RENDER_3D_MARKER_CYLINDER, kConnectorWidth,
+                             0.0, m_markers.widest});
     drawEllipsoids();
 }
 
@@ -126,45 +156,47 @@ void MarkerScene::addLegends(std::vector<LegendContent>& legends) const {
 }
 
 /// Markers with values in contour colours, then the others.
-void MarkerScene::drawLines(ColoredLayer& colored, _Render3DMarkerType type, double widthRatio,
-                            double widest) {
-    const auto draw = [&](bool contoured) {
-        const Section section(type);
-        for (const Marker& marker : colored.layer->markers) {
-            if ((colored.bands && hasValues(marker)) != contoured)
-                continue;
-            const _NgFPoint3Str start = singlePoint(marker.at), vector = singlePoint(marker.axes[0]);
-            const double ratio = std::min(widthRatio, widest / length(marker.axes[0]));
-            const auto coordinate = [&](int end) {
-                return contoured ? colored.bands->coordinate(marker.values[static_cast<std::size_t>(end)])
-                                 : 0.0f;
-            };
-            RenderDraw3DMarker(&start, &vector, 1.0f, static_cast<float>(ratio), &kPlain, contoured,
-                               coordinate(0), coordinate(1), 0, 0);
-        }
-    };
-    if (colored.layer->markers.empty())
-        return;
-    if (colored.bands) {
-        const ContourInForce contour(*colored.bands, GL_TEXTURE_2D);
-        draw(true);
+void MarkerScene::drawLines(ColoredLayer& colored, const LineShape& shape) {
+    LineArrays contoured, plain;
+    for (const Marker& marker : colored.layer->markers) {
+        const double size = length(marker.axes[0]);
+        const double ratio = std::min(std::max(shape.widthRatio, shape.thinnest / size),
+                                      std::min(shape.widest / size, kWidestRatio));
+        if (colored.bands && hasValues(marker))
+            contoured.add(marker, ratio, colored.bands->coordinate(marker.values[0]),
+                          colored.bands->coordinate(marker.values[1]));
+        else
+            plain.add(marker, ratio, 0.0f, 0.0f);
     }
-    ngl_set_color_long(kPlain);
-    draw(false);
+    if (!contoured.starts.empty()) {
+        const ContourInForce contour(*colored.bands, GL_TEXTURE_2D);
+        contoured.draw(shape.type, true);
+    }
+    if (!plain.starts.empty()) {
+        ngl_set_color_long(kPlain);
+        plain.draw(shape.type, false);
+    }
 }
 
 void MarkerScene::drawSpheres() {
     if (!m_spheres.bands)
         return;
+    std::vector<_NgFPoint3Str> centres;
+    std::vector<float> coordinates;
+    for (const Marker& sphere : m_spheres.layer->markers) {
+        centres.push_back(singlePoint(sphere.at));
+        coordinates.push_back(m_spheres.bands->coordinate(sphere.values[0]));
+    }
+    const double size = m_markers.sphereSize;
+    Render3DSphereArray spheres;
+    spheres.count = centres.size();
+    spheres.centres = centres.data();
+    spheres.diameter = singlePoint({size, size, size});
+    spheres.contoured = true;
+    spheres.texCoords = coordinates.data();
     const ContourInForce contour(*m_spheres.bands, GL_TEXTURE_2D);
     const Section section(RENDER_3D_MARKER_SPHERE);
-    const double size = m_markers.sphereSize;
-    const _NgFPoint3Str diameters = singlePoint({size, size, size});
-    for (const Marker& sphere : m_spheres.layer->markers) {
-        const _NgFPoint3Str centre = singlePoint(sphere.at);
-        RenderDraw3DSphere(&centre, &diameters, kPlain, true, m_spheres.bands->coordinate(sphere.values[0]),
-                           0, 0);
-    }
+    RenderDraw3DSpheres(&spheres);
 }
 
 /// The ball's axes become the semi-axes. Normals turn with the inverse of that and are made unit again.

@@ -31,7 +31,12 @@ private:
         const MarkerLayer* layer = nullptr;
         std::optional<ColorBands> bands; ///< nothing without values
     };
-    void drawLines(ColoredLayer& layer, _Render3DMarkerType type, double widthRatio, double widest);
+    /// How wide the lines of a layer are: a part of their length, between two widths.
+    struct LineShape {
+        _Render3DMarkerType type;
+        double widthRatio, thinnest, widest;
+    };
+    void drawLines(ColoredLayer& layer, const LineShape& shape);
     void drawSpheres();
     void drawEllipsoids();
 
