@@ -90,12 +90,13 @@ private:
 
 void offerSolids(Nearest& nearest, const ShownModel& shown, const Markers& markers, const Ray& ray) {
     for (const Marker& marker : markers.arrows.markers)
-        nearest.offer(distanceToLine(ray, marker, 0.0), [&] {
+        nearest.offer(distanceToLine(ray, marker, 0.5 * kArrowWidth * length(marker.axes[0])), [&] {
             return "arrow at " + nodeText(shown, marker.ids[0]) + valueText(markers.arrows, marker.values[0]);
         });
     for (const Marker& marker : markers.connectors.markers)
         nearest.offer(
-            distanceToLine(ray, marker, std::min(0.5 * markers.widest, length(marker.axes[0]) / 12)),
+            distanceToLine(ray, marker,
+                           0.5 * std::min(markers.widest, kConnectorWidth * length(marker.axes[0]))),
             [&] { return connectorText(markers.connectors, marker); });
     for (const Marker& marker : markers.spheres.markers) {
         const double radius = std::max(0.5 * markers.sphereSize, kReach_px * pixelLength(marker.at));

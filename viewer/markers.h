@@ -29,6 +29,9 @@ struct Support {
     Point at{}, ground{}; ///< its other end, if it has one
 };
 
+/// Diameters of the shafts of arrows and connectors, as parts of their length.
+constexpr double kArrowWidth = 0.1, kConnectorWidth = 1.0 / 6.0;
+
 struct Markers {
     MarkerLayer arrows, spheres, connectors, ellipsoids;
     std::vector<Support> supports;

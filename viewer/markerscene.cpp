@@ -16,9 +16,8 @@ namespace nruview {
 
 namespace {
 
-constexpr NgColorLong kPlain = 0xFF3C5078;                       ///< connectors without values: brown
-constexpr double kArrowWidth = 0.1, kConnectorWidth = 1.0 / 6.0; ///< diameter of the shaft by the length
-constexpr double kThinnestArrow = 0.02; ///< by the length of the longest: short ones remain to be seen
+constexpr NgColorLong kPlain = 0xFF3C5078; ///< connectors without values: brown
+constexpr double kThinnestArrow = 0.02;    ///< by the length of the longest: short ones remain to be seen
 constexpr double kWidestRatio = 0.4;
 constexpr int kBallResolution = 24;
 
