@@ -9,6 +9,7 @@
 #include "viewer/markerpick.h"
 #include "viewer/pick.h"
 #include "viewer/scene.h"
+#include "viewer/sight.h"
 #include "viewer/supports.h"
 #include "viewer/vectors.h"
 
@@ -231,6 +232,54 @@ TEST_F(ViewerMarkers, SymbolsArePickedWhereTheyAreDrawn) {
                         }
                     }
             }
+}
+
+// The strokes of a frame lie, with their lengths, along the model's axes, also where x and z turn about one
+// axis.
+TEST_F(ViewerMarkers, FramesShowTheAxesOfTheModel) {
+    const ShownModel shown = shownSheet();
+    const Support frame{0, SupportKind::Frame, 0, {}, {}};
+    for (const char* view : {"1,0.7,0.8", "-0.3,-1,0.5", "xy", "yz", "zy", "zx"}) {
+        SCOPED_TRACE(view);
+        begin(shown, view);
+        const Picture empty = read();
+        drawSupports({frame});
+        const Picture drawn = read();
+        const auto isLit = [&](const Point& p) {
+            const auto [u, v] = windowPosition(p);
+            const int x = std::clamp(static_cast<int>(u), 1, kSize - 1);
+            const int y = std::clamp(kSize - 1 - static_cast<int>(v), 0, kSize - 2);
+            return drawn.at(x, y) != empty.at(x, y) || drawn.at(x - 1, y) != empty.at(x - 1, y) ||
+                   drawn.at(x, y + 1) != empty.at(x, y + 1);
+        };
+        for (int axis = 0; axis < 3; ++axis) {
+            constexpr double kLengths_px[] = {24.0, 21.0, 12.0}; // of x, y, z; x has its head beyond
+            Point end{};
+            end[axis] = kLengths_px[axis] * pixelLength({});
+            const auto [x, y] = windowPosition(end);
+            if (std::hypot(x - kSize / 2, y - kSize / 2) < 3.0)
+                continue; // seen end on
+            EXPECT_TRUE(isLit(0.9 * end)) << "xyz"[axis];
+            EXPECT_EQ(isLit(1.2 * end), axis == 0) << "xyz"[axis];
+            EXPECT_FALSE(isLit(-0.5 * end)) << "-"
+                                            << "xyz"[axis];
+        }
+    }
+}
+
+TEST_F(ViewerMarkers, SymbolsAreNotCutByTheFacesAboutTheirNode) {
+    const ShownModel shown = shownSheet();
+    for (const SupportKind kind : {SupportKind::Clamp, SupportKind::Pin, SupportKind::Ring}) {
+        const Markers markers = makeMarkers(shown, {.supports = {{{{{0, 2}}, ""}, kind}}}, {});
+        for (const char* view : {"xy", "1,0.7,0.8", "-0.2,-1,1.2"}) {
+            const auto lit = [&](double opacity) {
+                return changeOf(picture(shown, {}, view, false, opacity),
+                                picture(shown, markers, view, false, opacity))
+                    .count;
+            };
+            EXPECT_EQ(lit(1.0), lit(0.0)) << view;
+        }
+    }
 }
 
 TEST_F(ViewerMarkers, ArePickedBySightUnlessHidden) {
