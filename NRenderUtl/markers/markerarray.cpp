@@ -2,8 +2,6 @@
 #include "NRenderUtl/markers/markerarray.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numbers>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/markers/markercolors.h"
@@ -15,16 +13,6 @@ std::array<float, 4> opaque(NgColorLong color) {
     std::array<float, 4> rgba = {0, 0, 0, 1};
     ngl_get_floats_from_color_long(color, rgba[0], rgba[1], rgba[2]);
     return rgba;
-}
-
-/// Slice of a vertex about the axis; -1 on the axis itself.
-int sliceOf(const MarkerShape& shape, std::uint16_t vertex) {
-    const float x = shape.x[vertex], y = shape.y[vertex];
-    if (x == 0 && y == 0)
-        return -1;
-    const float turn = std::atan2(y, x) / (2 * std::numbers::pi_v<float>);
-    return (static_cast<int>(std::lround(turn * static_cast<float>(shape.sliceCount))) + shape.sliceCount) %
-           shape.sliceCount;
 }
 
 } // namespace
@@ -68,26 +56,4 @@ bool MarkerShape::place(const MarkerArray& markers, std::size_t i, Matrix4& matr
     std::transform(&placed[0][0], &placed[0][0] + 16, matrix.begin(),
                    [](double x) { return static_cast<float>(x); });
     return true;
-}
-
-std::vector<MarkerShape::Triangle> coarserTriangles(const MarkerShape& shape, int step) {
-    const int n = shape.sliceCount;
-    std::vector<MarkerShape::Triangle> kept;
-    for (MarkerShape::Triangle triangle : shape.triangles) {
-        std::array<int, 3> slices;
-        std::transform(triangle.corners.begin(), triangle.corners.end(), slices.begin(),
-                       [&](std::uint16_t vertex) { return sliceOf(shape, vertex); });
-        const auto isFirst = [&](int slice) {
-            return slice >= 0 && std::find(slices.begin(), slices.end(), (slice + 1) % n) != slices.end();
-        };
-        const int first = *std::find_if(slices.begin(), slices.end(), isFirst);
-        if (first % step != 0)
-            continue;
-        for (std::size_t k = 0; k < 3; ++k)
-            if (slices[k] >= 0 && slices[k] != first)
-                triangle.corners[k] =
-                    static_cast<std::uint16_t>(triangle.corners[k] - slices[k] + (first + step) % n);
-        kept.push_back(triangle);
-    }
-    return kept;
 }

@@ -62,6 +62,3 @@ struct MarkerShape {
     /// The matrix that places the unit instance; false for a marker without a length.
     bool place(const MarkerArray& markers, std::size_t i, Matrix4& transform) const;
 };
-
-/// The triangles of an axial shape with only each step-th slice.
-std::vector<MarkerShape::Triangle> coarserTriangles(const MarkerShape& shape, int step);

@@ -121,7 +121,7 @@ private:
         NShaderProgram* program = useMarkerProgram(MarkerProgramKind::Triangles, m_markers.contoured);
         if (!program)
             return false;
-        MarkerTriangles triangles(*program, window, shape, m_markers.exact);
+        MarkerTriangles triangles(*program, window, shape);
         const auto add = [&](std::size_t i) {
             Matrix4 matrix;
             if (!shape.place(m_markers, i, matrix))

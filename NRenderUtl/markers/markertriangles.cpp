@@ -4,14 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <numbers>
 
 namespace {
 
 constexpr std::size_t kMostVertices = 65536; // of one draw
 constexpr float kSubpixel = 1.0f / 64;       // more than drivers move a vertex by
 constexpr float kFarOutside = 32768;         // pixels; beyond any window
-constexpr float kLevelTolerance = 0.5f;      // pixels
 
 using Vector3 = std::array<float, 3>;
 
@@ -51,12 +49,8 @@ std::span<const VertexPart> MarkerTriangles::parts() {
 }
 
 MarkerTriangles::MarkerTriangles(const NShaderProgram& program, const MarkerWindow& window,
-                                 const MarkerShape& shape, bool exact)
-    : m_window(window), m_shape(shape), m_levels{shape.triangles},
-      m_stream(program, sizeof(Vertex), parts()) {
-    for (const int step : {2, 4})
-        if (!exact && window.onlyFrontsShow() && !shape.isSphere() && shape.sliceCount / step >= 4)
-            m_levels.push_back(coarserTriangles(shape, step));
+                                 const MarkerShape& shape)
+    : m_window(window), m_shape(shape), m_stream(program, sizeof(Vertex), parts()) {
     const std::size_t count = shape.x.size();
     for (std::vector<float>* values : {&m_x, &m_y, &m_z, &m_across, &m_up})
         values->resize(count);
@@ -86,26 +80,12 @@ void MarkerTriangles::add(const Matrix4& eye, MarkerExtent extent, const MarkerL
     const float handedness =
         std::copysign(m_window.handedness(), dot(x, cross(y, z)) * m_window.handedness());
     std::fill(m_used.begin(), m_used.end(), -1);
-    for (const MarkerShape::Triangle& triangle : trianglesFor(eye)) {
+    for (const MarkerShape::Triangle& triangle : m_shape.triangles) {
         if (!all && showsNothing(triangle, handedness))
             continue;
         for (const std::uint16_t corner : triangle.corners)
             m_indices.push_back(useVertex(corner, look));
     }
-}
-
-/// The coarsest whose outline is within the tolerance of that of all slices.
-const std::vector<MarkerShape::Triangle>& MarkerTriangles::trianglesFor(const Matrix4& eye) const {
-    if (m_levels.size() == 1)
-        return m_levels[0];
-    const float widest = m_shape.halfSize[0] * std::hypot(eye[0], eye[1], eye[2]);
-    const float radius = m_window.pixels(m_shape, eye, widest);
-    for (std::size_t level = m_levels.size() - 1; level > 0; --level) {
-        const auto slices = static_cast<float>(m_shape.sliceCount >> level);
-        if (radius * (1 - std::cos(std::numbers::pi_v<float> / slices)) <= kLevelTolerance)
-            return m_levels[level];
-    }
-    return m_levels[0];
 }
 
 void MarkerTriangles::placeVertices(const Matrix4& m) {

@@ -11,10 +11,8 @@
 /// covers nothing costs as much as placing a dozen vertices here.
 class MarkerTriangles {
 public:
-    /// Unless exact, with fewer slices where that looks the same. The program in use is that of the kind
-    /// Triangles.
-    MarkerTriangles(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape,
-                    bool exact);
+    /// The program in use is that of the kind Triangles.
+    MarkerTriangles(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape);
     /// Draws what is left.
     ~MarkerTriangles();
     MarkerTriangles(const MarkerTriangles&) = delete;
@@ -32,7 +30,6 @@ private:
         std::array<float, 2> value; ///< and 1 where it shows
     };
     static std::span<const VertexPart> parts();
-    const std::vector<MarkerShape::Triangle>& trianglesFor(const Matrix4& eye) const;
     void placeVertices(const Matrix4& eye);
     void placeInWindow();
     bool showsNothing(const MarkerShape::Triangle& triangle, float handedness) const;
@@ -41,7 +38,6 @@ private:
 
     const MarkerWindow& m_window;
     const MarkerShape& m_shape;
-    std::vector<std::vector<MarkerShape::Triangle>> m_levels; ///< of all slices, each second, each fourth
     MarkerStream m_stream;
     std::vector<Vertex> m_vertices;
     std::vector<std::uint16_t> m_indices;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostmath.h"
@@ -167,6 +168,8 @@ float MarkerWindow::pixels(const MarkerShape& shape, const Matrix4& eye, float l
     for (std::size_t k = 0; k < 3; ++k)
         w -=
             shape.halfSize[k] * std::fabs(p[3] * eye[4 * k] + p[7] * eye[4 * k + 1] + p[11] * eye[4 * k + 2]);
+    if (!(w > 0))
+        return std::numeric_limits<float>::infinity();
     const float deep = std::hypot(p[3], p[7], p[11]); // what is nearer is larger
     const float across = std::hypot(std::hypot(p[0], p[4], p[8]), deep) * m_scale[0];
     const float upward = std::hypot(std::hypot(p[1], p[5], p[9]), deep) * m_scale[1];

@@ -1,9 +1,11 @@
 // Arrays of 3D markers against as many single calls, by their pixels: exact on every path, and otherwise
 // within half a pixel of outline; and what they leave as it was.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -120,7 +122,6 @@ protected:
         glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA8, 4, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, texels);
         const float textureMatrix[4][4] = {{.9f}, {0, 1}, {0, 0, 1}, {.05f, .5f, 0, 1}};
         std::copy_n(&textureMatrix[0][0], 16, &info.textureMatrix[0][0]);
-        glClipPlane(GL_CLIP_PLANE0, (const double[]){.5, .7, .3, .1});
         glDisable(GL_DITHER);
         NHostServices services{};
         services.context = &m_log;
@@ -146,6 +147,7 @@ protected:
         if (perspective)
             glTranslatef(0, 0, -6);
         glRotatef(30, 1, 2, 3);
+        glClipPlane(GL_CLIP_PLANE0, std::array{.5, .7, .3, .1}.data());
     }
     /// A section of one draw, which is to return count.
     Picture picture(_Render3DMarkerType type, bool fixed, int count, const std::function<int()>& draw) {
@@ -251,4 +253,258 @@ TEST_F(MarkerArrays, AreSingleCallsWhereTheDriverHasNoInstances) {
     expectAllSame();
     EXPECT_EQ(instancedDraws, 0);
     EXPECT_GT(draws, 5 * 7 * 2 * 30);
+}
+
+namespace {
+
+/// Colours and depths of a square window.
+struct Image {
+    explicit Image(int side)
+        : side(side), depths(static_cast<std::size_t>(side) * side), colors(side, side) {}
+    static Image read(int side) {
+        Image image(side);
+        image.colors = Picture::read(side, side);
+        glReadPixels(0, 0, side, side, GL_DEPTH_COMPONENT, GL_FLOAT, image.depths.data());
+        return image;
+    }
+    bool shows(int x, int y) const { return depths[static_cast<std::size_t>(y) * side + x] < 1; }
+    /// Channel 3 is the depth, in pixels of the views below.
+    float value(int x, int y, int channel) const {
+        return channel == 3
+                   ? depths[static_cast<std::size_t>(y) * side + x] * 6 / 4 * static_cast<float>(side)
+                   : static_cast<float>(colors.at(x, y) >> 8 * channel & 0xFF);
+    }
+    int side;
+    std::vector<float> depths;
+    Picture colors;
+};
+
+/// How far one image of markers is from another.
+struct Deviation {
+    int lit = 0;     ///< pixels that both show
+    int outline = 0; ///< pixels that only one shows
+    int beyond = 0;  ///< of both, that lie beyond their neighbourhood by more than shading or outline explain
+    float color = 0; ///< by which a channel lies beyond those of the pixel and its neighbours, at most
+    float depth = 0; ///< the same, of the depth in pixels
+};
+
+/// By how much a channel of a pixel lies beyond the other image's in the pixel and its neighbours.
+float beyondNeighbours(const Image& one, const Image& other, int x, int y, int channel) {
+    float low = std::numeric_limits<float>::max(), high = -low;
+    for (int k = 0; k < 9; ++k) {
+        const int i = x + k % 3 - 1, j = y + k / 3 - 1;
+        if (!other.shows(i, j))
+            continue;
+        low = std::min(low, other.value(i, j, channel));
+        high = std::max(high, other.value(i, j, channel));
+    }
+    const float value = one.value(x, y, channel);
+    return std::max({0.0f, low - value, value - high});
+}
+
+Deviation deviation(const Image& one, const Image& other) {
+    Deviation d;
+    for (int y = 1; y < one.side - 1; ++y)
+        for (int x = 1; x < one.side - 1; ++x) {
+            d.outline += one.shows(x, y) != other.shows(x, y);
+            if (!one.shows(x, y) || !other.shows(x, y))
+                continue;
+            float color = 0;
+            for (int channel = 0; channel < 3; ++channel)
+                color = std::max(color, beyondNeighbours(one, other, x, y, channel));
+            const float depth = beyondNeighbours(one, other, x, y, 3);
+            ++d.lit;
+            d.beyond += color > 20 || depth > 1;
+            d.color = std::max(d.color, color);
+            d.depth = std::max(d.depth, depth);
+        }
+    return d;
+}
+
+/// A window of side x side pixels.
+class LargeWindow {
+public:
+    explicit LargeWindow(int side) {
+        glGenFramebuffers(1, &m_framebuffer);
+        glGenRenderbuffers(2, m_renderbuffers);
+        glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffer);
+        glBindRenderbuffer(GL_RENDERBUFFER, m_renderbuffers[0]);
+        glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, side, side);
+        glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_renderbuffers[0]);
+        glBindRenderbuffer(GL_RENDERBUFFER, m_renderbuffers[1]);
+        glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24, side, side);
+        glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, m_renderbuffers[1]);
+        glViewport(0, 0, side, side);
+    }
+    ~LargeWindow() {
+        glDeleteFramebuffers(1, &m_framebuffer);
+        glDeleteRenderbuffers(2, m_renderbuffers);
+    }
+    LargeWindow(const LargeWindow&) = delete;
+    LargeWindow& operator=(const LargeWindow&) = delete;
+
+private:
+    GLuint m_framebuffer = 0, m_renderbuffers[2] = {};
+};
+
+} // namespace
+
+// Outline, colour and depth of what is not exact, from 2 to 400 pixels.
+TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
+    constexpr int kSide = 512;
+    const LargeWindow window(kSide);
+    std::mt19937 random(3);
+    std::normal_distribution<float> normal;
+    bool sawOther = false;
+    /// Side by side, each in a direction of its own.
+    const auto spread = [&](float pixels, bool spheres) {
+        Markers m;
+        m.exact = false;
+        float view[16];
+        glGetFloatv(GL_MODELVIEW_MATRIX, view);
+        const int side = std::clamp(static_cast<int>(kSide / (1.6f * pixels)), 1, 12);
+        const float unit = 4.f / kSide;
+        for (int i = 0; i < side * side; ++i) {
+            std::array<float, 3> d = {normal(random), normal(random), normal(random)};
+            const float scale = pixels * unit / std::hypot(d[0], d[1], d[2]);
+            const float x = 4 * ((i % side + .5f) / side - .5f), y = 4 * ((i / side + .5f) / side - .5f);
+            std::array<float, 3> start;
+            for (std::size_t k = 0; k < 3; ++k) {
+                d[k] *= scale;
+                start[k] = view[4 * k] * x + view[4 * k + 1] * y - (spheres ? 0 : d[k] / 2);
+            }
+            m.starts.push_back({start[0], start[1], start[2]});
+            const float diameter = pixels * unit;
+            m.vectors.push_back(spheres ? _NgFPoint3Str{diameter, diameter, diameter}
+                                        : _NgFPoint3Str{d[0], d[1], d[2]});
+            m.lengthScales.push_back(1);
+            m.widthRatios.push_back(i % 3 == 0 ? .5f : .25f);
+            m.colors.push_back(0xFFFFFF);
+            m.texCoords1.push_back(.1f);
+            m.texCoords2.push_back(.9f);
+        }
+        return m;
+    };
+    for (const auto type : {kCylinder, kSphere})
+        for (const char* state :
+             {"ortho", "perspective", "ortho clipped", "perspective clipped", "ortho values"})
+            for (const float pixels :
+                 {2.f, 3.f, 5.f, 8.f, 13.f, 21.f, 34.f, 55.f, 90.f, 150.f, 240.f, 400.f}) {
+                const auto has = [&](const char* word) { return std::strstr(state, word) != nullptr; };
+                setView(has("perspective"));
+                has("clipped") ? glEnable(GL_CLIP_PLANE0) : glDisable(GL_CLIP_PLANE0);
+                RenderBegin3DMarkerDraw(type, kSmooth, false);
+                RenderClip3DMarkerDraw(has("clipped"));
+                RenderEnd3DMarkerDraw();
+                Markers m = spread(pixels, type == kSphere);
+                m.contoured = has("values");
+                const auto image = [&](bool singly) {
+                    clear();
+                    RenderBegin3DMarkerDraw(type, kSmooth, false);
+                    singly ? m.drawSingly(type == kSphere) : m.draw(type == kSphere);
+                    RenderEnd3DMarkerDraw();
+                    return Image::read(kSide);
+                };
+                const Image exact = image(true), other = image(false);
+                const Deviation d = deviation(other, exact);
+                SCOPED_TRACE(testing::Message()
+                             << "shape " << type << " " << state << " " << pixels << " px: " << d.lit
+                             << " lit, " << d.outline << " of one, " << d.beyond << " beyond, colour "
+                             << d.color << ", depth " << d.depth);
+                EXPECT_GT(d.lit, 80);
+                EXPECT_LE(d.outline, 1 + d.lit / 50);
+                EXPECT_LE(d.beyond, 1 + d.lit / 100);
+                EXPECT_LE(d.color, 50);
+                EXPECT_LE(d.depth, 10);
+                sawOther |= d.color > 0;
+            }
+    EXPECT_TRUE(sawOther) << "nothing was drawn in another way";
+}
+
+TEST_F(MarkerArrays, MixWithSingleCallsAndLeaveTheStateOfTheSection) {
+    const Markers array = strew(30, 1.2f, true);
+    for (const bool gpu : {false, true}) {
+        if (gpu)
+            pretendGpu();
+        for (const bool exact : {false, true}) {
+            SCOPED_TRACE(testing::Message() << gpu << exact);
+            Markers drawn = array;
+            drawn.exact = exact;
+            const Picture single = picture(kCylinder, false, 30, [&] { return array.drawSingly(false); });
+            RenderBegin3DMarkerDraw(kCylinder, kSmooth, false);
+            const GlSnapshot before = GlSnapshot::take();
+            GLint program, sectionProgram, enabled;
+            glGetIntegerv(GL_CURRENT_PROGRAM, &sectionProgram);
+            EXPECT_EQ(drawn.draw(false), 30);
+            EXPECT_TRUE(before.equals(GlSnapshot::take()));
+            glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+            EXPECT_EQ(program, sectionProgram);
+            for (GLuint i = 0; i < 16; ++i) {
+                glGetVertexAttribiv(i, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
+                EXPECT_EQ(enabled, i == 0) << i;
+            }
+            clear();
+            array.drawSingly(false);
+            EXPECT_TRUE(samePicture(read(), single));
+            RenderEnd3DMarkerDraw();
+        }
+    }
+}
+
+TEST_F(MarkerArrays, TakeMatricesOfTheBeginningAndBlendingOfNow) {
+    const Markers array = strew(30, 1.2f, true);
+    const auto drawLate = [&](bool singly) {
+        return picture(kCylinder, false, 30, [&] {
+            glTranslatef(1, 0, 0);
+            glEnable(GL_BLEND);
+            const int drawn = singly ? array.drawSingly(false) : array.draw(false);
+            glDisable(GL_BLEND);
+            glTranslatef(-1, 0, 0);
+            return drawn;
+        });
+    };
+    ngl_set_blending_value(90);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    const Picture first = picture(kCylinder, false, 30, [&] { return array.draw(false); });
+    const Picture single = drawLate(true);
+    EXPECT_GT(compare(single, first).pixels, 100);
+    EXPECT_TRUE(samePicture(drawLate(false), single));
+}
+
+TEST_F(MarkerArrays, WrongCallsAreToldAndDrawNothing) {
+    const Markers markers = strew(5, 1, false);
+    const auto nothing = [&](int expected, bool spheres) {
+        clear();
+        EXPECT_EQ(markers.draw(spheres), expected);
+        EXPECT_EQ(read().countOtherThan(kClear), 0);
+    };
+    nothing(0, false);
+    nothing(0, true);
+    RenderBegin3DMarkerDraw(kSphere, kSmooth, false);
+    nothing(0, false);
+    RenderBegin3DMarkerDraw(kCylinder, kSmooth, false);
+    nothing(0, true);
+    const std::string log = takeLog();
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 4);
+    EXPECT_EQ(log.find("3D marker draw is called without"), 2u);
+    EXPECT_NE(log.find("RenderDraw3DMarker is not valid"), std::string::npos);
+    EXPECT_NE(log.find("RenderDraw3DSphere is only valid"), std::string::npos);
+    Render3DMarkerArray array = markers.array();
+    EXPECT_EQ(RenderDraw3DMarkers(nullptr), 0);
+    array.count = 0;
+    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
+    array.count = 5;
+    array.starts = nullptr;
+    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
+    array = markers.array();
+    array.vectors = nullptr;
+    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
+    RenderBegin3DMarkerDraw(RENDER_3D_MARKER_NONE, kSmooth, false);
+    nothing(0, false);
+    RenderBegin3DMarkerDraw(kCylinder, static_cast<_Render3DMarkerShape>(7), false);
+    nothing(5, false); // as single calls: a shape without triangles
+    RenderEnd3DMarkerDraw();
+    EXPECT_EQ(takeLog(), "");
+    EXPECT_EQ(RenderDraw3DSpheres(nullptr), 0);
+    EXPECT_NE(takeLog(), "");
 }
