@@ -78,7 +78,8 @@ N2DBoxDrawer& N2DBoxDrawer::operator=(const N2DBoxDrawer&) {
 
 void N2DBoxDrawer::CreateShaderProgram() {
     const char* fragment[] = {kBoxFragmentMain, kRoundedEdgeLibrary};
-    box().program.CompileProgram(kBoxVertexMain, 2, fragment, 0, nullptr, 0);
+    if (!box().program.IsProgramValid())
+        box().program.CompileProgram(kBoxVertexMain, 2, fragment, 0, nullptr, 0);
 }
 
 void N2DBoxDrawer::Render(const RenderInfo& info) {
@@ -92,8 +93,7 @@ void N2DBoxDrawer::Render(const RenderInfo& info) {
 
 bool N2DBoxDrawer::DrawWithVAMode(const RenderInfo& info) {
     auto& [program, corners] = box();
-    if (!program.IsProgramValid())
-        CreateShaderProgram();
+    CreateShaderProgram();
     if (!program.IsProgramValid())
         return false;
     resize(corners, info.width, info.height);

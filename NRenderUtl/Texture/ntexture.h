@@ -166,8 +166,7 @@ public:
     /// made at the first call (false where it cannot be), and as a plain quad.
     bool DrawWithVAMode(const RenderInfo& info);
     void DrawWithImmediateMode(const RenderInfo& info);
-
-private:
+    /// Makes the program of all boxes, unless there is one. It lives as long as the process.
     void CreateShaderProgram();
 };
 
