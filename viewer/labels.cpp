@@ -140,9 +140,18 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
                   background);
     for (const Legend& legend : layout.legends)
         drawLegend(legend, layout.style);
-    if (layout.hasTriad)
-        drawTriad(camera.axes, layout.margin / 2, layout.margin / 2, layout.em_px, layout.style);
-    drawText(layout.margin, layout.titleBase, layout.title, layout.titleStyle);
+    // An environment behind the model may be bright here and dark there.
+    if (layout.hasTriad) {
+        const int corner = layout.margin / 2, end = corner + triadSize_px(layout.em_px);
+        drawTriad(camera.axes, corner, corner, layout.em_px,
+                  {layout.style.font, colorOver({corner, corner, end, end})});
+    }
+    if (!layout.title.empty()) {
+        const int right = layout.margin + textSize(layout.title, layout.titleStyle).width;
+        drawText(
+            layout.margin, layout.titleBase, layout.title,
+            {layout.titleStyle.font, colorOver({layout.margin, height - layout.area.top, right, height})});
+    }
 }
 
 } // namespace nruview

@@ -1,8 +1,13 @@
 // Texts are given to the library in model space: here that of a view of one unit a pixel.
 #include "viewer/screen.h"
 
+#include <epoxy/gl.h>
+
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <numeric>
 #include <vector>
 
 namespace nruview {
@@ -50,6 +55,17 @@ void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, 
 void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color) {
     ngl_set_color_long(color);
     ngl_draw_circle_on_screen(&center, static_cast<float>(radius), true, false, nullptr);
+}
+
+NgColorLong colorOver(const PixelRect& rect) {
+    constexpr int kHalf = 128;
+    std::vector<std::uint8_t> greys(std::size_t{4} * std::max(rect.width(), 0) * std::max(rect.height(), 0));
+    glReadPixels(rect.left, rect.bottom, rect.width(), rect.height(), GL_RGBA, GL_UNSIGNED_BYTE,
+                 greys.data());
+    for (std::size_t i = 3; i < greys.size(); i += 4)
+        greys[i] = greys[i - 2]; // green, which counts most in brightness, in place of alpha
+    const auto sum = std::accumulate(greys.begin(), greys.end(), std::uint64_t{0});
+    return sum < kHalf * greys.size() ? 0xFFFFFFFF : 0xFF000000;
 }
 
 TextSize textSize(const std::string& utf8, const TextStyle& style) {

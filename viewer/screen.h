@@ -33,6 +33,9 @@ void drawLine(const _NgPoint2Str& from, const _NgPoint2Str& to, NgColorLong colo
 void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, NgColorLong color);
 void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color);
 
+/// Black or white, whichever stands out from what the picture shows in a rectangle of the window.
+NgColorLong colorOver(const PixelRect& rect);
+
 /// A text and how it is set: what the library's text functions take.
 struct TextStyle {
     void* font = nullptr;

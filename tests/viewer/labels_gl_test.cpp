@@ -316,6 +316,34 @@ TEST_F(ViewerLabels, NothingElseOfThePictureChanges) {
         }
 }
 
+// As over an environment, which the window's background says nothing of.
+TEST_F(ViewerLabels, LettersStandOutFromWhatIsBehindThem) {
+    Shown shown(makeSample("flange:4"), {}, {}, {.legend = false});
+    for (const int dark : {0, kHeight / 2}) { // the darker half of the picture
+        beginEmpty(kWhite);
+        glEnable(GL_SCISSOR_TEST);
+        glScissor(0, dark, kWidth, kHeight / 2);
+        glClearColor(0.2f, 0.2f, 0.2f, 1.0f);
+        glClear(GL_COLOR_BUFFER_BIT);
+        glDisable(GL_SCISSOR_TEST);
+        shown.labels.draw(shown.camera, kWidth, kHeight, kWhite);
+        const Picture picture = read();
+        const bool darkTop = dark != 0;
+        const auto letters = [&](bool white, bool top) {
+            return inkWhere([&](int x, int y) {
+                       const NgColorLong pixel = picture.at(x, y);
+                       const auto stands = [&](int shift) {
+                           return white ? (pixel >> shift & 0xFF) > 180 : (pixel >> shift & 0xFF) < 80;
+                       };
+                       return (y >= kHeight / 2) == top && stands(0) && stands(8) && stands(16);
+                   })
+                .count;
+        };
+        EXPECT_GT(letters(darkTop, true), 20) << "title";
+        EXPECT_GT(letters(!darkTop, false), 3) << "axes";
+    }
+}
+
 TEST_F(ViewerLabels, SmallPicturesKeepTheirModel) {
     Shown shown(makeSample("cantilever:10"), {.field = "S:xx"}, {.bands = 64}, {});
     for (const auto& [width, height] :
