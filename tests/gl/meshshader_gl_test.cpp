@@ -164,6 +164,7 @@ TEST_F(MeshShader, QuadsAreTwoTrianglesAboutCorners0And2) {
     const double plane[] = {-1, 0.5, 0, 0.4};
     glClipPlane(GL_CLIP_PLANE0, plane);
     glEnable(GL_CLIP_PLANE0);
+    loadOrtho(-1.5, 1.2, -1.1, 1, -9, 9);
     glRotated(10, 0, 0, 1);
     const Picture quad = draw(kQuads, dart);
     clear();
