@@ -24,6 +24,13 @@ double sizeOf(const ShownModel& shown) {
     return length(shown.bounds.high - shown.bounds.low);
 }
 
+/// Where a node is drawn. Nodes without an element, as those that forces and springs hang on, have no place
+/// among the model's points.
+Point placeOf(const ShownModel& shown, Index node) {
+    const Point& point = shown.points[node];
+    return point == Point{} ? shown.drawn(shown.model.nodes[node]) : point;
+}
+
 std::vector<Index> numbersOf(const ElementList& list, std::size_t count, const char* option) {
     std::vector<Index> numbers;
     for (const ElementRange& range : list) {
@@ -102,7 +109,7 @@ MarkerLayer makeArrows(const ShownModel& shown, const MarkerSettings& settings, 
         const double size = sizes.values[node];
         if (!std::isfinite(size) || size == 0.0)
             continue;
-        layer.markers.push_back({{node, node}, shown.points[node], {{{v[0], v[1], v[2]}}}, {size, size}});
+        layer.markers.push_back({{node, node}, placeOf(shown, node), {{{v[0], v[1], v[2]}}}, {size, size}});
         longest = std::max(longest, size);
     }
     const double automatic = longest > 0.0 ? kLongestArrow * sizeOf(shown) / longest : 0.0;
@@ -118,7 +125,7 @@ MarkerLayer makeSpheres(const ShownModel& shown, const MarkerSettings& settings,
     MarkerLayer layer = layerOf(shown, scalars);
     for (const Index node : markerNodes(shown, settings))
         if (const double value = scalars.values[node]; std::isfinite(value))
-            layer.markers.push_back({{node, node}, shown.points[node], {}, {value, value}});
+            layer.markers.push_back({{node, node}, placeOf(shown, node), {}, {value, value}});
     return layer;
 }
 
@@ -130,7 +137,8 @@ MarkerLayer makeConnectors(const ShownModel& shown, const MarkerSettings& settin
     const std::size_t count = shown.model.nodes.size();
     for (const auto& [from, to] : settings.connectors) {
         numbersOf({{from, from}, {to, to}}, count, "--connectors");
-        Marker marker{{from, to}, shown.points[from], {{shown.points[to] - shown.points[from]}}, {}};
+        const Point start = placeOf(shown, from);
+        Marker marker{{from, to}, start, {{placeOf(shown, to) - start}}, {}};
         if (hasValues)
             marker.values = {shown.scalars->values[from], shown.scalars->values[to]};
         layer.markers.push_back(marker);
@@ -196,7 +204,7 @@ MarkerLayer makeEllipsoids(const ShownModel& shown, const MarkerSettings& settin
                                                      (field.components == 1 ? " component" : " components") +
                                                      "; a tensor has 6 or 9");
     MarkerLayer layer;
-    layer.label = settings.tensors + ":principal";
+    layer.label = field.name + ":principal";
     double largest = 0.0;
     for (Index cell = 0; cell < shown.model.cellCount(); ++cell) {
         const std::array<double, 6> tensor = tensorOf(field, shown.model, cell);
@@ -233,7 +241,7 @@ std::vector<Support> makeSupports(const ShownModel& shown, const MarkerSettings&
     std::vector<Support> supports;
     for (const SupportedNodes& supported : settings.supports)
         for (const Index node : nodesOf(shown.model, supported.nodes, "--supports")) {
-            const Point& at = shown.points[node];
+            const Point at = placeOf(shown, node);
             const bool reachesGround = supported.kind >= SupportKind::Spring;
             supports.push_back({node, supported.kind, supported.axis, at,
                                 reachesGround ? groundOf(shown, at, supported.axis) : at});

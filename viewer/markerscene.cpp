@@ -19,7 +19,11 @@ namespace {
 constexpr NgColorLong kPlain = 0xFF3C5078; ///< connectors without values: brown
 constexpr double kThinnestArrow = 0.02;    ///< by the length of the longest: short ones remain to be seen
 constexpr double kWidestRatio = 0.4;
-constexpr int kBallResolution = 24;
+
+/// Segments about a ball: many are small in the picture.
+int ballResolution(std::size_t balls) {
+    return balls > 20'000 ? 8 : balls > 2'000 ? 12 : 24;
+}
 
 std::vector<double> valuesOf(const MarkerLayer& layer) {
     std::vector<double> values;
@@ -80,32 +84,6 @@ private:
     const FixedLight m_light;
 };
 
-/// What the library takes of many arrows or connectors at once.
-struct LineArrays {
-    std::vector<_NgFPoint3Str> starts, vectors;
-    std::vector<float> widthRatios, fromCoordinates, toCoordinates;
-
-    void add(const Marker& marker, double widthRatio, float from, float to) {
-        starts.push_back(singlePoint(marker.at));
-        vectors.push_back(singlePoint(marker.axes[0]));
-        widthRatios.push_back(static_cast<float>(widthRatio));
-        fromCoordinates.push_back(from);
-        toCoordinates.push_back(to);
-    }
-    void draw(_Render3DMarkerType type, bool contoured) const {
-        Render3DMarkerArray markers;
-        markers.count = starts.size();
-        markers.starts = starts.data();
-        markers.vectors = vectors.data();
-        markers.widthRatios = widthRatios.data();
-        markers.contoured = contoured;
-        markers.texCoords1 = fromCoordinates.data();
-        markers.texCoords2 = toCoordinates.data();
-        const Section section(type);
-        RenderDraw3DMarkers(&markers);
-    }
-};
-
 } // namespace
 
 MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
@@ -119,11 +97,33 @@ MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
     prepare(m_spheres, markers.spheres);
     prepare(m_connectors, markers.connectors);
     prepare(m_ellipsoids, markers.ellipsoids);
+    double longest = 0.0;
+    for (const Marker& arrow : markers.arrows.markers)
+        longest = std::max(longest, length(arrow.axes[0]));
+    fillArrays(m_arrows, {kArrowWidth, kThinnestArrow * longest, HUGE_VAL});
+    fillArrays(m_spheres, {});
+    fillArrays(m_connectors, {kConnectorWidth, 0.0, markers.widest});
     if (markers.ellipsoids.markers.empty())
         return;
-    m_ball.reset(ngl_hyper_ellipsoid(1.0, 1.0, 1.0, 2, kBallResolution));
+    m_ball.reset(ngl_hyper_ellipsoid(1.0, 1.0, 1.0, 2, ballResolution(markers.ellipsoids.markers.size())));
     if (!m_ball)
         throw std::bad_alloc();
+}
+
+/// Markers with values apart from the others.
+void MarkerScene::fillArrays(ColoredLayer& colored, const LineWidth& width) {
+    for (const Marker& marker : colored.layer->markers) {
+        const bool hasColors = colored.bands && hasValues(marker);
+        LineArrays& lines = hasColors ? colored.contoured : colored.plain;
+        const double size = length(marker.axes[0]);
+        const double ratio = std::min(std::max(width.ratio, width.thinnest / size),
+                                      std::min(width.widest / size, kWidestRatio));
+        lines.starts.push_back(singlePoint(marker.at));
+        lines.vectors.push_back(singlePoint(marker.axes[0]));
+        lines.widthRatios.push_back(static_cast<float>(ratio));
+        lines.fromCoordinates.push_back(hasColors ? colored.bands->coordinate(marker.values[0]) : 0.0f);
+        lines.toCoordinates.push_back(hasColors ? colored.bands->coordinate(marker.values[1]) : 0.0f);
+    }
 }
 
 MarkerScene::~MarkerScene() {
@@ -133,14 +133,10 @@ MarkerScene::~MarkerScene() {
 }
 
 void MarkerScene::drawSolids() {
-    double longest = 0.0;
-    for (const Marker& arrow : m_markers.arrows.markers)
-        longest = std::max(longest, length(arrow.axes[0]));
-    drawLines(m_arrows, {RENDER_3D_MARKER_ARROW_ONE_WAY, kArrowWidth, kThinnestArrow * longest, HUGE_VAL});
+    drawLines(m_arrows, RENDER_3D_MARKER_ARROW_ONE_WAY);
     drawSpheres();
-    const bool rivets = m_markers.connectorShape == ConnectorShape::Rivet;
-    drawLines(m_connectors, {rivets ? RENDER_3D_MARKER_RIVET : RENDER_3D_MARKER_CYLINDER, kConnectorWidth,
-                             0.0, m_markers.widest});
+    drawLines(m_connectors, m_markers.connectorShape == ConnectorShape::Rivet ? RENDER_3D_MARKER_RIVET
+                                                                              : RENDER_3D_MARKER_CYLINDER);
     drawEllipsoids();
 }
 
@@ -155,44 +151,40 @@ void MarkerScene::addLegends(std::vector<LegendContent>& legends) const {
 }
 
 /// Markers with values in contour colours, then the others.
-void MarkerScene::drawLines(ColoredLayer& colored, const LineShape& shape) {
-    LineArrays contoured, plain;
-    for (const Marker& marker : colored.layer->markers) {
-        const double size = length(marker.axes[0]);
-        const double ratio = std::min(std::max(shape.widthRatio, shape.thinnest / size),
-                                      std::min(shape.widest / size, kWidestRatio));
-        if (colored.bands && hasValues(marker))
-            contoured.add(marker, ratio, colored.bands->coordinate(marker.values[0]),
-                          colored.bands->coordinate(marker.values[1]));
-        else
-            plain.add(marker, ratio, 0.0f, 0.0f);
-    }
-    if (!contoured.starts.empty()) {
+void MarkerScene::drawLines(ColoredLayer& colored, _Render3DMarkerType type) {
+    const auto draw = [type](const LineArrays& lines, bool contoured) {
+        Render3DMarkerArray markers;
+        markers.count = lines.starts.size();
+        markers.starts = lines.starts.data();
+        markers.vectors = lines.vectors.data();
+        markers.widthRatios = lines.widthRatios.data();
+        markers.contoured = contoured;
+        markers.texCoords1 = lines.fromCoordinates.data();
+        markers.texCoords2 = lines.toCoordinates.data();
+        const Section section(type);
+        RenderDraw3DMarkers(&markers);
+    };
+    if (!colored.contoured.starts.empty()) {
         const ContourInForce contour(*colored.bands, GL_TEXTURE_2D);
-        contoured.draw(shape.type, true);
+        draw(colored.contoured, true);
     }
-    if (!plain.starts.empty()) {
+    if (!colored.plain.starts.empty()) {
         ngl_set_color_long(kPlain);
-        plain.draw(shape.type, false);
+        draw(colored.plain, false);
     }
 }
 
 void MarkerScene::drawSpheres() {
-    if (!m_spheres.bands)
+    const LineArrays& lines = m_spheres.contoured;
+    if (lines.starts.empty())
         return;
-    std::vector<_NgFPoint3Str> centres;
-    std::vector<float> coordinates;
-    for (const Marker& sphere : m_spheres.layer->markers) {
-        centres.push_back(singlePoint(sphere.at));
-        coordinates.push_back(m_spheres.bands->coordinate(sphere.values[0]));
-    }
     const double size = m_markers.sphereSize;
     Render3DSphereArray spheres;
-    spheres.count = centres.size();
-    spheres.centres = centres.data();
+    spheres.count = lines.starts.size();
+    spheres.centres = lines.starts.data();
     spheres.diameter = singlePoint({size, size, size});
     spheres.contoured = true;
-    spheres.texCoords = coordinates.data();
+    spheres.texCoords = lines.fromCoordinates.data();
     const ContourInForce contour(*m_spheres.bands, GL_TEXTURE_2D);
     const Section section(RENDER_3D_MARKER_SPHERE);
     RenderDraw3DSpheres(&spheres);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "viewer/colorbands.h"
 #include "viewer/legend.h"
@@ -27,16 +28,22 @@ public:
     void addLegends(std::vector<LegendContent>& legends) const;
 
 private:
+    /// Arrows, connectors or spheres as the library takes them.
+    struct LineArrays {
+        std::vector<_NgFPoint3Str> starts, vectors;
+        std::vector<float> widthRatios, fromCoordinates, toCoordinates;
+    };
     struct ColoredLayer {
         const MarkerLayer* layer = nullptr;
         std::optional<ColorBands> bands; ///< nothing without values
+        LineArrays contoured, plain;
     };
-    /// How wide the lines of a layer are: a part of their length, between two widths.
-    struct LineShape {
-        _Render3DMarkerType type;
-        double widthRatio, thinnest, widest;
+    /// Of lines: a part of their length, between two widths.
+    struct LineWidth {
+        double ratio = 0.0, thinnest = 0.0, widest = 0.0;
     };
-    void drawLines(ColoredLayer& layer, const LineShape& shape);
+    static void fillArrays(ColoredLayer& colored, const LineWidth& width);
+    void drawLines(ColoredLayer& layer, _Render3DMarkerType type);
     void drawSpheres();
     void drawEllipsoids();
 

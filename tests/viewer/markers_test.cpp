@@ -147,6 +147,19 @@ TEST(Markers, SupportsReachOutOfTheModel) {
     EXPECT_EQ(spring.ground[0], spring.at[0]);
 }
 
+TEST(Markers, StandAtNodesThatNoElementHas) {
+    Model model = makeSample("cantilever:10");
+    model.fields.clear();
+    model.nodes.push_back({200, 50, 0});
+    const ShownModel shown = showModel(std::move(model), {});
+    const Markers markers = makeMarkers(
+        shown, {.connectors = {{65, 66}}, .supports = {{{{{66, 66}}, ""}, SupportKind::Pin}}}, {});
+    const Point expected = shown.drawn({200, 50, 0});
+    EXPECT_EQ(markers.supports[0].at, expected);
+    EXPECT_EQ(markers.connectors.markers[0].at + markers.connectors.markers[0].axes[0], expected);
+    EXPECT_GE(boundsWith(shown.bounds, markers).high[0], expected[0]) << "and are in the picture";
+}
+
 // What the library's walk relies on.
 TEST(Symbols, FitTheRulesOfTheirSlots) {
     const std::span<utl_symbols> list = symbolList();
