@@ -1,8 +1,8 @@
 // Draws of many 3D markers in one call: which way each is drawn.
 #include <cstring>
 #include <limits>
-#include <memory>
-#include <optional>
+#include <numeric>
+#include <vector>
 
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/markers/markerinstances.h"
@@ -111,53 +111,60 @@ private:
         return true;
     }
 
-    /// Markers that are no rays, as triangles, after those that are: the nearest wins in any order.
+    /// As points, as outlines and as triangles, each what the ones before leave over: the nearest wins in any
+    /// order.
     bool drawPlaced(const MarkerShape& shape, const MarkerWindow& window, bool rays) {
-        std::vector<std::size_t> rest;
-        if (rays && !drawRays(shape, window, rest))
+        std::vector<std::size_t> left(m_markers.count);
+        std::iota(left.begin(), left.end(), std::size_t{0});
+        if (rays && window.scalesByDepth() && !drawRays(shape, window, true, left))
             return false;
-        if (rays && rest.empty())
-            return true;
-        NShaderProgram* program = useMarkerProgram(MarkerProgramKind::Triangles, m_markers.contoured);
-        if (!program)
+        if (rays && !left.empty() && !drawRays(shape, window, false, left))
             return false;
-        MarkerTriangles triangles(*program, window, shape);
-        const auto add = [&](std::size_t i) {
-            Matrix4 matrix;
-            if (!shape.place(m_markers, i, matrix))
-                return;
-            const Matrix4 eye = multiply(window.modelView(), matrix);
-            const MarkerExtent extent = window.extent(shape, eye);
-            if (extent != MarkerExtent::Outside)
-                triangles.add(eye, extent, m_markers.look(i));
-        };
-        for (std::size_t i = 0; !rays && i < m_markers.count; ++i)
-            add(i);
-        for (const std::size_t i : rest)
-            add(i);
-        return true;
+        return left.empty() || drawTriangles(shape, window, left);
     }
 
-    /// Leaves the numbers of markers that are to be drawn as triangles.
-    bool drawRays(const MarkerShape& shape, const MarkerWindow& window, std::vector<std::size_t>& rest) {
-        NShaderProgram* program = useMarkerProgram(shape.isSphere() ? MarkerProgramKind::SphereRays
-                                                                    : MarkerProgramKind::CylinderRays,
-                                                   m_markers.contoured);
+    /// Leaves the numbers of the markers that are to be drawn in other ways.
+    bool drawRays(const MarkerShape& shape, const MarkerWindow& window, bool points,
+                  std::vector<std::size_t>& left) {
+        using enum MarkerProgramKind;
+        const MarkerProgramKind kind = shape.isSphere() ? points ? SpherePoints : SphereRays
+                                       : points         ? CylinderPoints
+                                                        : CylinderRays;
+        NShaderProgram* program = useMarkerProgram(kind, m_markers.contoured);
         if (!program)
             return false;
         Plane4 viewpoint = window.viewpoint();
         program->SetVec4UniformValue("g_viewpoint", viewpoint.data());
-        MarkerRays drawn(*program, window, shape);
-        for (std::size_t i = 0; i < m_markers.count; ++i) {
+        MarkerRays drawn(*program, window, shape, points);
+        std::erase_if(left, [&](std::size_t i) {
             Matrix4 matrix;
             if (!shape.place(m_markers, i, matrix))
-                continue;
+                return true;
             const Matrix4 eye = multiply(window.modelView(), matrix);
             const MarkerExtent extent = window.extent(shape, eye);
             if (extent == MarkerExtent::Inside && drawn.fits(eye))
                 drawn.add(eye, m_markers.look(i));
             else if (extent != MarkerExtent::Outside)
-                rest.push_back(i);
+                return false;
+            return true;
+        });
+        return true;
+    }
+
+    bool drawTriangles(const MarkerShape& shape, const MarkerWindow& window,
+                       const std::vector<std::size_t>& left) {
+        NShaderProgram* program = useMarkerProgram(MarkerProgramKind::Triangles, m_markers.contoured);
+        if (!program)
+            return false;
+        MarkerTriangles triangles(*program, window, shape);
+        for (const std::size_t i : left) {
+            Matrix4 matrix;
+            if (!shape.place(m_markers, i, matrix))
+                continue;
+            const Matrix4 eye = multiply(window.modelView(), matrix);
+            const MarkerExtent extent = window.extent(shape, eye);
+            if (extent != MarkerExtent::Outside)
+                triangles.add(eye, extent, m_markers.look(i));
         }
         return true;
     }

@@ -22,6 +22,7 @@ struct Variant {
     MarkerProgramKind kind;
     bool contoured;
     int onlyLight; ///< -1 for none or several
+    bool highlights;
     auto operator<=>(const Variant&) const = default;
 };
 
@@ -34,10 +35,22 @@ int onlyLight() {
     return count == 1 ? only : -1;
 }
 
+/// Whether there is any; alpha, which they would raise, is 1 without them where the materials say so.
+bool hasHighlights() {
+    const MarkerSection& section = markerSection();
+    const auto isBlack = [](const float(&color)[4]) {
+        return color[0] == 0 && color[1] == 0 && color[2] == 0;
+    };
+    const bool isOpaque = section.frontMaterial.emission[3] + section.backMaterial.emission[3] >= 1;
+    return !isOpaque || !isBlack(section.frontMaterial.specular) || !isBlack(section.backMaterial.specular);
+}
+
 void build(ComposedProgram& program, const Variant& variant) {
     SourceChanges changes;
     if (variant.onlyLight >= 0)
         changes.defines.push_back("ONLY_LIGHT " + std::to_string(variant.onlyLight));
+    if (!variant.highlights)
+        changes.defines.push_back("NO_HIGHLIGHTS");
     if (variant.contoured)
         changes.defines.push_back("VALUES_BY_MARKER");
     else
@@ -50,13 +63,13 @@ void build(ComposedProgram& program, const Variant& variant) {
     case MarkerProgramKind::Triangles:
         program.buildMarkerTriangles(changes);
         break;
-    case MarkerProgramKind::SphereRays:
-        changes.defines.push_back("SPHERES");
+    default:
+        if (variant.kind == MarkerProgramKind::SphereRays || variant.kind == MarkerProgramKind::SpherePoints)
+            changes.defines.push_back("SPHERES");
+        if (variant.kind == MarkerProgramKind::CylinderPoints ||
+            variant.kind == MarkerProgramKind::SpherePoints)
+            changes.defines.push_back("POINTS");
         program.buildMarkerRays(changes);
-        break;
-    case MarkerProgramKind::CylinderRays:
-        program.buildMarkerRays(changes);
-        break;
     }
 }
 
@@ -64,7 +77,7 @@ void build(ComposedProgram& program, const Variant& variant) {
 
 NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured) {
     static std::map<Variant, Entry> entries;
-    const Variant variant{kind, contoured, onlyLight()};
+    const Variant variant{kind, contoured, onlyLight(), hasHighlights()};
     Entry& entry = entries[variant];
     if (!std::exchange(entry.tried, true))
         build(entry.program, variant);

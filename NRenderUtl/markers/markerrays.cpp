@@ -6,11 +6,15 @@
 #include <cstddef>
 #include <numbers>
 
+#include "NRenderUtl/host/hostgl.h"
+
 namespace {
 
 constexpr std::size_t kMostVertices = 65536; // of one draw
 constexpr float kTolerance = 0.5f;           // pixels
 constexpr float kMargin = 1.0f / 16;         // pixels about an outline, for the rounding of its corners
+constexpr float kLargestSphere = 60;         // pixels, as a point: the least size that drivers allow
+constexpr float kLargestCylinder = 8;        // as a point: longer ones leave most of its square empty
 constexpr float kSame = 1e-5f;               // lengths of one size, as a share
 
 using Homogeneous = std::array<float, 3>; ///< window x and y from its middle in pixels, and w, times w
@@ -59,32 +63,34 @@ struct Outline {
     Range along, across;
 };
 
-Outline outlineOfSphere(const MarkerWindow& window, const Matrix4& eye) {
-    std::array<Homogeneous, 3> radii;
-    for (std::size_t k = 0; k < 3; ++k)
-        radii[k] = projectColumn(window, eye, k, 0.5f);
-    const Homogeneous middle = projectColumn(window, eye, 3, 1);
-    return {1, 0, extent(middle, radii, 1, 0), extent(middle, radii, 0, 1)};
+/// Direction of a cylinder's axis in the window; any where it has none.
+std::array<float, 2> axisDirection(const MarkerWindow& window, const Matrix4& eye) {
+    const Homogeneous start = projectColumn(window, eye, 3, 1), axis = projectColumn(window, eye, 2, 1);
+    const float w = start[2] + axis[2];
+    const float dx = (start[0] + axis[0]) / w - start[0] / start[2];
+    const float dy = (start[1] + axis[1]) / w - start[1] / start[2];
+    const float size = std::hypot(dx, dy);
+    return size > 1e-3f ? std::array{dx / size, dy / size} : std::array{1.0f, 0.0f};
 }
 
-Outline outlineOfCylinder(const MarkerWindow& window, const Matrix4& eye) {
-    const std::array<Homogeneous, 2> radii = {projectColumn(window, eye, 0, 1),
-                                              projectColumn(window, eye, 1, 1)};
-    const Homogeneous start = projectColumn(window, eye, 3, 1), axis = projectColumn(window, eye, 2, 1);
-    Homogeneous end;
-    for (std::size_t k = 0; k < 3; ++k)
-        end[k] = start[k] + axis[k];
-    float dx = end[0] / end[2] - start[0] / start[2], dy = end[1] / end[2] - start[1] / start[2];
-    const float size = std::hypot(dx, dy);
-    if (size > 1e-3f) {
-        dx /= size;
-        dy /= size;
-    } else {
-        dx = 1;
-        dy = 0;
+Outline outlineOf(const MarkerWindow& window, const MarkerShape& shape, const Matrix4& eye, float dx,
+                  float dy) {
+    const float size = shape.isSphere() ? 0.5f : 1.0f;
+    const Homogeneous x = projectColumn(window, eye, 0, size), y = projectColumn(window, eye, 1, size),
+                      z = projectColumn(window, eye, 2, size), start = projectColumn(window, eye, 3, 1);
+    if (shape.isSphere()) {
+        const std::array radii = {x, y, z};
+        return {dx, dy, extent(start, radii, dx, dy), extent(start, radii, -dy, dx)};
     }
+    const std::array radii = {x, y};
+    const Homogeneous end = {start[0] + z[0], start[1] + z[1], start[2] + z[2]};
     return {dx, dy, unite(extent(start, radii, dx, dy), extent(end, radii, dx, dy)),
             unite(extent(start, radii, -dy, dx), extent(end, radii, -dy, dx))};
+}
+
+std::array<float, 3> middleOf(const MarkerShape& shape, const Matrix4& eye) {
+    const float half = shape.isSphere() ? 0.0f : 0.5f;
+    return {eye[12] + half * eye[8], eye[13] + half * eye[9], eye[14] + half * eye[10]};
 }
 
 /// The outline's corners in eye space, at the depth of a point.
@@ -113,17 +119,35 @@ float deficitOf(const MarkerShape& shape) {
 
 } // namespace
 
+PointGuard::PointGuard()
+    : m_sized(glIsEnabled(GL_PROGRAM_POINT_SIZE)), m_sprites(glIsEnabled(GL_POINT_SPRITE)),
+      m_smooth(glIsEnabled(GL_POINT_SMOOTH)) {
+    glEnable(GL_PROGRAM_POINT_SIZE);
+    glEnable(GL_POINT_SPRITE);
+    glDisable(GL_POINT_SMOOTH);
+}
+
+PointGuard::~PointGuard() {
+    const auto set = [](GLenum capability, bool on) { on ? glEnable(capability) : glDisable(capability); };
+    set(GL_PROGRAM_POINT_SIZE, m_sized);
+    set(GL_POINT_SPRITE, m_sprites);
+    set(GL_POINT_SMOOTH, m_smooth);
+}
+
 std::span<const VertexPart> MarkerRays::parts() {
     static const VertexPart parts[] = {{"g_pos_attrib", 3, offsetof(Vertex, position)},
                                        {"g_place", 4, offsetof(Vertex, place)},
                                        {"g_axis", 4, offsetof(Vertex, axis)},
                                        {"g_col_attrib", 4, offsetof(Vertex, rgba)},
-                                       {"g_values", 3, offsetof(Vertex, values)}};
+                                       {"g_values", 3, offsetof(Vertex, values)},
+                                       {"g_point", 4, offsetof(Vertex, point)},
+                                       {"g_size", 1, offsetof(Vertex, size)}};
     return parts;
 }
 
-MarkerRays::MarkerRays(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape)
-    : m_window(window), m_shape(shape), m_deficit(deficitOf(shape)),
+MarkerRays::MarkerRays(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape,
+                       bool points)
+    : m_window(window), m_shape(shape), m_points(points), m_deficit(deficitOf(shape)),
       m_stream(program, sizeof(Vertex), parts()) {}
 
 MarkerRays::~MarkerRays() {
@@ -131,7 +155,10 @@ MarkerRays::~MarkerRays() {
 }
 
 void MarkerRays::flush() {
-    m_stream.drawTriangles(m_vertices.data(), m_vertices.size(), m_indices);
+    if (m_points)
+        m_stream.drawPoints(m_vertices.data(), m_vertices.size());
+    else
+        m_stream.drawTriangles(m_vertices.data(), m_vertices.size(), m_indices);
     m_vertices.clear();
     m_indices.clear();
 }
@@ -142,8 +169,17 @@ bool MarkerRays::fits(const Matrix4& eye) const {
         return false;
     if (m_shape.isSphere() && std::fabs(z - x) > kSame * x)
         return false;
-    const float radius = m_shape.isSphere() ? x / 2 : x;
-    return m_window.pixels(m_shape, eye, radius) * m_deficit / 2 <= kTolerance;
+    const bool sphere = m_shape.isSphere();
+    const float pixels = m_window.pixels(m_shape, eye, 1), radius = pixels * (sphere ? x / 2 : x);
+    if (radius * m_deficit / 2 > kTolerance)
+        return false;
+    if (!m_points)
+        return true;
+    // GL leaves out points of which the middle is beyond the window.
+    const std::array<float, 3> middle = middleOf(m_shape, eye);
+    const Homogeneous at = project(m_window, middle[0], middle[1], middle[2], 1);
+    return std::fabs(at[0]) < at[2] * m_window.scale()[0] && std::fabs(at[1]) < at[2] * m_window.scale()[1] &&
+           (sphere ? 2 * radius <= kLargestSphere : pixels * z + 2 * radius <= kLargestCylinder);
 }
 
 void MarkerRays::add(const Matrix4& eye, const MarkerLook& look) {
@@ -152,17 +188,35 @@ void MarkerRays::add(const Matrix4& eye, const MarkerLook& look) {
     const bool sphere = m_shape.isSphere();
     const float length = lengthOf(eye, 2);
     const float radius = lengthOf(eye, 0) * (sphere ? 0.5f : 1.0f) * (1 - m_deficit / 2);
-    const float half = sphere ? 0.0f : 0.5f;
-    const Outline outline = sphere ? outlineOfSphere(m_window, eye) : outlineOfCylinder(m_window, eye);
-    const std::array<float, 3> middle = {eye[12] + half * eye[8], eye[13] + half * eye[9],
-                                         eye[14] + half * eye[10]};
-    Vertex vertex{{},
-                  {eye[12], eye[13], eye[14], radius},
-                  {eye[8] / length, eye[9] / length, eye[10] / length, length},
-                  look.rgba,
-                  {look.value1, look.value2, look.showsValues}};
+    const Vertex vertex{middleOf(m_shape, eye),
+                        {eye[12], eye[13], eye[14], radius},
+                        {eye[8] / length, eye[9] / length, eye[10] / length, length},
+                        look.rgba,
+                        {look.value1, look.value2, look.showsValues},
+                        {},
+                        0};
+    m_points ? addPoint(vertex, eye) : addTriangles(vertex, eye);
+}
+
+void MarkerRays::addPoint(Vertex vertex, const Matrix4& eye) {
+    const auto [x, y, z] = vertex.position;
+    const auto [sx, sy] = m_window.scale();
+    const Homogeneous middle = project(m_window, x, y, z, 1);
+    const float across = middle[0] / middle[2], up = middle[1] / middle[2];
+    const Outline square = outlineOf(m_window, m_shape, eye, 1, 0);
+    const Matrix4& p = m_window.projection();
+    vertex.point = {across + m_window.offset()[0], up + m_window.offset()[1], middle[2] / (p[0] * sx),
+                    middle[2] / (p[5] * sy)};
+    vertex.size = 2 * std::max({across - square.along.low, square.along.high - across, up - square.across.low,
+                                square.across.high - up});
+    m_vertices.push_back(vertex);
+}
+
+void MarkerRays::addTriangles(Vertex vertex, const Matrix4& eye) {
+    const auto [dx, dy] = m_shape.isSphere() ? std::array{1.0f, 0.0f} : axisDirection(m_window, eye);
+    const Outline outline = outlineOf(m_window, m_shape, eye, dx, dy);
     const auto first = static_cast<std::uint16_t>(m_vertices.size());
-    for (const std::array<float, 3>& corner : corners(m_window, outline, middle)) {
+    for (const std::array<float, 3>& corner : corners(m_window, outline, vertex.position)) {
         vertex.position = corner;
         m_vertices.push_back(vertex);
     }

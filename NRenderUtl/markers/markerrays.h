@@ -7,11 +7,24 @@
 #include "NRenderUtl/markers/markerstream.h"
 #include "NRenderUtl/markers/markerwindow.h"
 
-/// Collects markers and draws them together, two triangles each.
+/// Points are as they are: no circles, of the sizes of the program.
+class PointGuard {
+public:
+    PointGuard();
+    ~PointGuard();
+    PointGuard(const PointGuard&) = delete;
+    PointGuard& operator=(const PointGuard&) = delete;
+
+private:
+    bool m_sized, m_sprites, m_smooth;
+};
+
+/// Collects markers and draws them together, each as one point or as two triangles.
 class MarkerRays {
 public:
     /// The program in use is that of the kind of the shape.
-    MarkerRays(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape);
+    MarkerRays(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape,
+               bool points);
     /// Draws what is left.
     ~MarkerRays();
     MarkerRays(const MarkerRays&) = delete;
@@ -28,11 +41,17 @@ private:
         std::array<float, 3> position; ///< eye space
         std::array<float, 4> place, axis, rgba;
         std::array<float, 3> values;
+        std::array<float, 4> point;
+        float size;
     };
     static std::span<const VertexPart> parts();
+    void addPoint(Vertex vertex, const Matrix4& eye);
+    void addTriangles(Vertex vertex, const Matrix4& eye);
 
     const MarkerWindow& m_window;
     const MarkerShape& m_shape;
+    const bool m_points;
+    const PointGuard m_pointState;
     const float m_deficit; ///< by which the radius of the triangles' outline is smaller, at most, as a share
     MarkerStream m_stream;
     std::vector<Vertex> m_vertices;

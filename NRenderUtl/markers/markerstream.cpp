@@ -45,6 +45,13 @@ MarkerStream::~MarkerStream() {
             glDisableVertexAttribArray(attribute);
 }
 
+void MarkerStream::drawPoints(const void* vertices, std::size_t count) {
+    if (count == 0)
+        return;
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(count * m_vertexSize), vertices, GL_STREAM_DRAW);
+    glDrawArrays(GL_POINTS, 0, static_cast<GLsizei>(count));
+}
+
 void MarkerStream::drawTriangles(const void* vertices, std::size_t count,
                                  std::span<const std::uint16_t> indices) {
     if (indices.empty())

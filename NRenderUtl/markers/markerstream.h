@@ -25,6 +25,7 @@ public:
     MarkerStream(const MarkerStream&) = delete;
     MarkerStream& operator=(const MarkerStream&) = delete;
 
+    void drawPoints(const void* vertices, std::size_t count);
     void drawTriangles(const void* vertices, std::size_t count, std::span<const std::uint16_t> indices);
 
 private:

@@ -126,6 +126,9 @@ void MarkerWindow::readViewpoint() {
     for (std::size_t k = 0; k < 3; ++k)
         m_viewpoint[k] = static_cast<float>(v[k] / w);
     m_viewpoint[3] = w == v[3] ? 1.0f : 0.0f;
+    const auto isZero = [&](std::size_t k) { return m_projection[k] == 0; };
+    m_byDepth = isZero(1) && isZero(2) && isZero(3) && isZero(4) && isZero(6) && isZero(7) &&
+                m_viewpoint[0] == 0 && m_viewpoint[1] == 0 && (m_viewpoint[3] == 0 || m_viewpoint[2] == 0);
 }
 
 void MarkerWindow::readState() {

@@ -38,6 +38,8 @@ public:
     const Plane4& viewpoint() const { return m_viewpoint; }
     /// Whether rays find what triangles show: the shapes of model space are those of eye space.
     bool raysWork() const { return m_rays; }
+    /// Whether all that has one depth has one scale, too, and rays spread from the middle of eye space.
+    bool scalesByDepth() const { return m_byDepth; }
 
     /// eye places the shape in eye space.
     MarkerExtent extent(const MarkerShape& shape, const Matrix4& eye) const;
@@ -52,7 +54,7 @@ private:
     Matrix4 m_modelView, m_projection, m_unprojection;
     std::array<float, 2> m_scale, m_offset;
     std::vector<Plane4> m_cutting, m_sides;
-    bool m_onlyFronts = false, m_onlyCentres = false, m_rays = false;
+    bool m_onlyFronts = false, m_onlyCentres = false, m_rays = false, m_byDepth = false;
     float m_handedness = 1;
     Plane4 m_viewpoint{};
 };

@@ -356,7 +356,7 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
     std::mt19937 random(3);
     std::normal_distribution<float> normal;
     bool sawOther = false;
-    /// Side by side, each in a direction of its own.
+    /// Side by side, each in a direction of its own; the first of a row is half beyond the window.
     const auto spread = [&](float pixels, bool spheres) {
         Markers m;
         m.exact = false;
@@ -367,7 +367,7 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
         for (int i = 0; i < side * side; ++i) {
             std::array<float, 3> d = {normal(random), normal(random), normal(random)};
             const float scale = pixels * unit / std::hypot(d[0], d[1], d[2]);
-            const float x = 4 * ((i % side + .5f) / side - .5f), y = 4 * ((i / side + .5f) / side - .5f);
+            const float x = 4 * ((i % side + .1f) / side - .5f), y = 4 * ((i / side + .5f) / side - .5f);
             std::array<float, 3> start;
             for (std::size_t k = 0; k < 3; ++k) {
                 d[k] *= scale;

@@ -72,15 +72,17 @@ void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illuminatio
     toLight /= d;
     float brightness = 1.0 / (light.constattn + light.linattn * d + light.quadattn * d * d);
     float cosLight = dot(normal, toLight);
+#ifndef NO_HIGHLIGHTS
     float cosHalf = dot(normal, normalize(vec3(0.0, 0.0, 1.0) + toLight)); // the viewer stays on +z
     bool front = cosLight > 0.0;
     float shine = highlight(front ? cosHalf : -cosHalf, front ? g_frontmat.shininess : g_backmat.shininess);
     vec4 specular = front ? g_frontmat.specular : g_backmat.specular;
+    if (cosLight != 0.0)
+        sum.specular += light.specular * specular * (brightness * shine);
+#endif
     // Ambient and diffuse weigh the same on both sides.
     sum.ambientDiffuse += light.ambient * (brightness * kAmbientScale);
     sum.ambientDiffuse += light.diffuse * (brightness * kDiffuseScale * abs(cosLight));
-    if (cosLight != 0.0)
-        sum.specular += light.specular * specular * (brightness * shine);
 }
 
 // Blinn 1977, both sides lit.

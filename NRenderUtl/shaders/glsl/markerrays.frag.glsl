@@ -3,8 +3,15 @@
 // viewer, shaded as the vertices of the shape would be.
 
 in RayData {
+#ifdef POINTS
+    flat vec4 through;
+    flat vec4 along;
+    flat vec4 point;
+    flat float spread;
+#else
     vec4 through;
     vec4 along;
+#endif
     flat vec4 place;
 #ifndef SPHERES
     flat vec4 axis;
@@ -28,8 +35,8 @@ struct Hit {
 };
 
 #ifdef SPHERES
-Hit findHit(vec3 along) {
-    vec3 p = RayIn.through.xyz - RayIn.place.xyz;
+Hit findHit(vec3 through, vec3 along) {
+    vec3 p = through - RayIn.place.xyz;
     float r = RayIn.place.w, a = dot(along, along), b = dot(along, p);
     float discriminant = b * b - a * (dot(p, p) - r * r);
     float t = (-b - sqrt(max(discriminant, 0.0))) / a;
@@ -38,8 +45,8 @@ Hit findHit(vec3 along) {
 #else
 // The vertices' normals, which are their positions, are interpolated over the triangles: on the side from the
 // start, square to the axis, to the end, and on a cap from its middle, along the axis, to its rim.
-Hit findHit(vec3 along) {
-    vec3 axis = RayIn.axis.xyz, p = RayIn.through.xyz - RayIn.place.xyz;
+Hit findHit(vec3 through, vec3 along) {
+    vec3 axis = RayIn.axis.xyz, p = through - RayIn.place.xyz;
     float r = RayIn.place.w, size = RayIn.axis.w;
     float alongAxis = dot(axis, along), z = dot(axis, p);
     vec3 d = along - axis * alongAxis, q = p - axis * z;
@@ -62,10 +69,16 @@ Hit findHit(vec3 along) {
 #endif
 
 void main() {
-    Hit hit = findHit(RayIn.along.xyz);
+    vec3 through = RayIn.through.xyz, along = RayIn.along.xyz;
+#ifdef POINTS
+    vec2 offset = (gl_FragCoord.xy - RayIn.point.xy) * RayIn.point.zw;
+    through.xy += offset;
+    along.xy += offset * RayIn.spread;
+#endif
+    Hit hit = findHit(through, along);
     if (!hit.inside)
         discard;
-    vec3 position = RayIn.through.xyz + hit.t * RayIn.along.xyz;
+    vec3 position = through + hit.t * along;
     float step = hit.t * gl_FragCoord.w;
     gl_FragDepth = (gl_FragCoord.z + step * RayIn.along.w) / (1.0 + step * RayIn.through.w);
 #ifdef VALUES_BY_MARKER

@@ -1,7 +1,12 @@
 #version 150 compatibility
-// Vertex stage of the 3D markers that rays find: the corners of a flat outline about each, in eye space.
+// Vertex stage of the 3D markers that rays find: the corners of a flat outline about each, in eye space, or the
+// middle of each as a point that covers it.
 
 in vec3 g_pos_attrib;
+#ifdef POINTS
+in vec4 g_point; // window position, and what a pixel there is in eye space
+in float g_size; // pixels
+#endif
 in vec4 g_place; // start or centre, radius
 #ifndef SPHERES
 in vec4 g_axis; // of unit length, length
@@ -16,8 +21,15 @@ uniform mat4 g_texmat;
 uniform vec4 g_viewpoint; // the viewer, or with w = 0 the direction to the viewer
 
 out RayData {
+#ifdef POINTS
+    flat vec4 through;
+    flat vec4 along;
+    flat vec4 point;
+    flat float spread; // of the rays: 1 for those of a viewer, 0 for parallel ones
+#else
     vec4 through; // point of the ray, in w the growth of clip w along it
     vec4 along;   // direction of the ray, in w the growth of window depth times clip w
+#endif
     flat vec4 place;
 #ifndef SPHERES
     flat vec4 axis;
@@ -38,6 +50,11 @@ void main() {
     RayOut.through = vec4(g_pos_attrib, growth.w);
     RayOut.along = vec4(along, 0.5 * (gl_DepthRange.diff * growth.z +
                                       (gl_DepthRange.near + gl_DepthRange.far) * growth.w));
+#ifdef POINTS
+    gl_PointSize = g_size;
+    RayOut.point = g_point;
+    RayOut.spread = g_viewpoint.w;
+#endif
     RayOut.place = g_place;
 #ifndef SPHERES
     RayOut.axis = g_axis;
