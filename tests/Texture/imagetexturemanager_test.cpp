@@ -46,6 +46,7 @@ TEST_F(ImageTextureManager, ReloadsAFileByItsDateAndDropsABrokenOne) {
     const std::tuple<const char*, Version, int> rows[] = {
         {"other content of the same date is not looked at", {2, 10}, 1},
         {"a later date", {3, 20}, 3},
+        {"other content of that date", {5, 20}, 3},
         {"an earlier date", {4, 5}, 4},
     };
     for (const auto& [what, version, width] : rows) {

@@ -123,6 +123,15 @@ TEST_F(NuTextureSources, WithoutAColorToReplaceLeaveTheTextureEmpty) {
     EXPECT_EQ(textOf(copy.CreateWithReplacedColor(copy, 0xFF, 0xFF00)), kNothingReplaced);
 }
 
+// The GL loader ends a process that calls it without a context.
+TEST_F(NuTextureSources, AreNotDrawnWithoutAContext) {
+    NuTexture texture;
+    ASSERT_FALSE(texture.CreateFromPixelData(4, 3, g_pixels, GL_RGBA));
+    texture.RenderAsRectangle(0, 0, 0, 0, {1, 1, 1, 1, {}});
+    texture.RenderAsCircle(0, 0, 0, {0, 0, 1, 1, {}});
+    EXPECT_TRUE(texture.IsValid());
+}
+
 TEST_F(NuTextureSources, FreeBitmapsAndImagesThroughTheHost) {
     static int freed;
     NHostServices host{};
