@@ -1,14 +1,11 @@
 // Textures without a context: what their creators take and refuse, and whose memory they free. What is in the
 // pixels shows when they are drawn.
-#include <gtest/gtest.h>
-
 #include <epoxy/gl.h>
 
-#include <array>
-
 #include "NRenderUtl/NRenderUtl.h"
+#include "NRenderUtl/host/services.h"
+#include "tests/Texture/pictures.h"
 #include "tests/host/testfiles.h"
-#include "tests/support/pngwriter.h"
 
 using namespace nrutest;
 
@@ -16,6 +13,7 @@ namespace {
 
 constexpr const char* kOtherSource =
     "NuTexture object is already created/initialized with a different source data!";
+constexpr const char* kNoBitmap = "Failed to fetch pixels data from bitmap handle!";
 constexpr const char* kNothingReplaced = "No color was replaced in the texture!";
 
 unsigned char g_pixels[4 * 4 * 3] = {};
@@ -30,10 +28,9 @@ std::string textOf(const NErrorPtr& error) {
     return error ? error->GetTextUtf8() : "";
 }
 
-std::array<int, 2> sizeOf(const NuTexture& texture) {
-    std::array<int, 2> size{};
-    texture.GetTextureSize(size[0], size[1]);
-    return size;
+int widthOf(const NuTexture& texture) {
+    int width = 0, height = 0;
+    return texture.GetTextureSize(width, height) ? width : 0;
 }
 
 struct NuTextureSources : testing::Test {
@@ -53,71 +50,56 @@ struct NuTextureSources : testing::Test {
 } // namespace
 
 TEST_F(NuTextureSources, OfOneKindReplaceEachOtherAndRefuseTheOthers) {
-    constexpr std::array<int, 2> kSizes[] = {{0, 0}, {2, 5}, {3, 1}, {4, 3}};
     for (int kind = 1; kind <= 3; ++kind) {
         NuTexture texture;
         EXPECT_FALSE(texture.IsValid());
         for (const int second : {kind, 1, 2, 3}) {
             EXPECT_EQ(textOf(create(texture, second)), second == kind ? "" : kOtherSource);
-            EXPECT_EQ(sizeOf(texture), kSizes[kind]);
+            EXPECT_EQ(widthOf(texture), kind + 1);
             EXPECT_TRUE(texture.IsValid());
         }
         EXPECT_EQ(textOf(texture.CreateFromImageWithTransparency(file, 0)), kind == 2 ? "" : kOtherSource);
         NuTexture other;
         ASSERT_FALSE(other.CreateFromPixelData(1, 1, g_pixels, GL_RGBA));
         EXPECT_EQ(textOf(texture.CreateWithReplacedColor(other, 1, 2)), kind == 3 ? "" : kOtherSource);
+        EXPECT_EQ(textOf(texture.CreateScaledTexture(other, 3, 2)), kind == 3 ? "" : kOtherSource);
     }
     EXPECT_EQ(NHostLiveBlocks(), 0u);
 }
 
 TEST_F(NuTextureSources, ThatFailLeaveThePictureAsItWas) {
-    for (int kind = 1; kind <= 3; ++kind) {
-        NuTexture texture;
-        const bool hasPicture = !create(texture, kind);
-        rows = 40000;
-        const std::string name = folder.name("none").Utf8();
-        const std::vector<std::pair<std::string, std::string>> rowsOfKind[] = {
-            {{textOf(texture.CreateFromBitmap(&rows, 0)), "Failed to fetch pixels data from bitmap handle!"}},
-            {{textOf(texture.CreateFromImage(folder.name("none"))),
-              "Failed to load image file '" + name + "'!"}},
-            {{textOf(texture.CreateFromPixelData(-1, 1, g_pixels, GL_RGBA)),
-              "A texture cannot have -1 x 1 pixels!"},
-             {textOf(texture.CreateFromPixelData(1, 40000, g_pixels, GL_RGBA)),
-              "A texture cannot have 1 x 40000 pixels!"},
-             {textOf(texture.CreateFromPixelData(1 << 30, 1 << 30, g_pixels, GL_RGBA)),
-              "A texture cannot have 1073741824 x 1073741824 pixels!"},
-             {textOf(texture.CreateFromPixelData(1, 1, nullptr, GL_RGBA)),
-              "No pixels are given for the texture!"},
-             {textOf(texture.CreateWithReplacedColor(NuTexture(), 1, 2)),
-              "Invalid NuTexture object input!"}}};
-        for (const auto& [error, expected] : rowsOfKind[kind - 1])
-            EXPECT_EQ(error, expected);
-        rows = 5;
-        EXPECT_TRUE(hasPicture && texture.IsValid());
-        EXPECT_EQ(sizeOf(texture)[0], kind + 1);
-    }
+    NuTexture bitmap, image, data, empty;
+    EXPECT_FALSE(create(bitmap, 1) || create(image, 2) || create(data, 3));
+    rows = 40000;
+    const auto ofPixels = [&](int width, int height, unsigned char* pixels) {
+        return textOf(data.CreateFromPixelData(width, height, pixels, GL_RGBA));
+    };
+    const std::pair<std::string, std::string> failures[] = {
+        {textOf(bitmap.CreateFromBitmap(&rows, 0)), kNoBitmap},
+        {textOf(image.CreateFromImage(folder.name("none"))),
+         "Failed to load image file '" + folder.name("none").Utf8() + "'!"},
+        {ofPixels(-1, 1, g_pixels), "A texture cannot have -1 x 1 pixels!"},
+        {ofPixels(1 << 30, 1 << 30, g_pixels), "A texture cannot have 1073741824 x 1073741824 pixels!"},
+        {ofPixels(1, 1, nullptr), "No pixels are given for the texture!"},
+        {textOf(data.CreateWithReplacedColor(empty, 1, 2)), "Invalid NuTexture object input!"}};
+    for (const auto& [error, expected] : failures)
+        EXPECT_EQ(error, expected);
+    EXPECT_EQ(widthOf(bitmap) + 10 * widthOf(image) + 100 * widthOf(data), 432);
     NuTextureUtilRegisterPixelGeneratorFunc(nullptr);
-    EXPECT_EQ(textOf(NuTexture().CreateFromBitmap(&rows, 0)),
-              "Failed to fetch pixels data from bitmap handle!");
-}
-
-TEST_F(NuTextureSources, MayHaveNoPixels) {
-    NuTexture none, copy;
-    EXPECT_FALSE(none.CreateFromPixelData(0, 7, nullptr, GL_RGBA));
-    int width = -1, height = -1;
-    EXPECT_FALSE(none.GetTextureSize(width, height));
-    EXPECT_EQ(height, 7);
-    EXPECT_FALSE(none.CreateFromPixelData(7, 0, nullptr, GL_RGBA));
-    EXPECT_TRUE(none.GetTextureSize(width, height)); // no rows count as a size
-    EXPECT_EQ(textOf(copy.CreateWithReplacedColor(none, 1, 2)), kNothingReplaced);
+    EXPECT_EQ(textOf(empty.CreateFromBitmap(&rows, 0)), kNoBitmap);
 }
 
 TEST_F(NuTextureSources, WithoutAColorToReplaceLeaveTheTextureEmpty) {
     NuTexture black, copy;
+    int width = -1, height = -1;
+    ASSERT_FALSE(black.CreateFromPixelData(0, 7, nullptr, GL_RGBA)); // without pixels too
+    EXPECT_FALSE(black.GetTextureSize(width, height));
+    EXPECT_EQ(textOf(copy.CreateWithReplacedColor(black, 1, 2)), kNothingReplaced);
+    ASSERT_FALSE(black.CreateFromPixelData(7, 0, nullptr, GL_RGBA));
+    EXPECT_TRUE(black.GetTextureSize(width, height)); // no rows count as a size
     ASSERT_FALSE(black.CreateFromPixelData(4, 3, g_pixels, GL_RGBA));
     EXPECT_EQ(textOf(copy.CreateWithReplacedColor(black, 0xFF, 0xFF000000)), kNothingReplaced);
-    EXPECT_FALSE(copy.IsValid());
-    EXPECT_EQ(sizeOf(copy), (std::array<int, 2>{}));
+    EXPECT_FALSE(copy.IsValid() || widthOf(copy) != 0);
     EXPECT_FALSE(copy.CreateWithReplacedColor(black, 0xFF, 0x01));
     EXPECT_FALSE(copy.CreateWithReplacedColor(copy, 0xFF00, 0x00)); // also of itself
     EXPECT_EQ(textOf(copy.CreateWithReplacedColor(copy, 0xFF, 0xFF00)), kNothingReplaced);
@@ -146,16 +128,13 @@ TEST_F(NuTextureSources, FreeBitmapsAndImagesThroughTheHost) {
     };
     ASSERT_EQ(NHostSetServices(&host), 0);
     NuTextureUtilRegisterPixelGeneratorFunc([](void*, unsigned int, bool, int* width, int* height) {
-        *width = *height = 2;
-        return static_cast<unsigned char*>(std::calloc(16, 1));
+        return hostServices().loadImage(nullptr, nullptr, 4, width, height);
     });
     {
         NuTexture bitmap, image, data;
-        ASSERT_FALSE(bitmap.CreateFromBitmap(nullptr, 0));
-        ASSERT_FALSE(bitmap.CreateFromBitmap(nullptr, 0));
+        EXPECT_FALSE(bitmap.CreateFromBitmap(nullptr, 0) || bitmap.CreateFromBitmap(nullptr, 0));
         EXPECT_EQ(freed, 1);
-        ASSERT_FALSE(image.CreateFromImage("any"));
-        ASSERT_FALSE(data.CreateFromPixelData(1, 1, g_pixels, GL_RGBA));
+        EXPECT_FALSE(image.CreateFromImage("any") || data.CreateFromPixelData(1, 1, g_pixels, GL_RGBA));
         EXPECT_EQ(NHostLiveBlocks(), 1u);
     }
     EXPECT_EQ(freed, 3);

@@ -1,4 +1,4 @@
-// PNG files for tests.
+// Pictures for tests: PNG files and textures.
 #pragma once
 
 #include <png.h>
@@ -7,6 +7,10 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "NRenderUtl/Texture/ntexture.h"
 
 namespace nrutest {
 
@@ -24,6 +28,14 @@ inline std::string pngOf(unsigned width, unsigned height, const std::vector<std:
         throw std::runtime_error("no PNG");
     file.resize(size);
     return file;
+}
+
+/// Rows from bottom to top, packed 0xAABBGGRR; the last pixel fills the rest.
+inline void fillTexture(NuTexture& texture, int width, int height, std::vector<std::uint32_t> pixels,
+                        unsigned format = 0x1908 /* GL_RGBA */) {
+    pixels.resize(static_cast<std::size_t>(width * height), pixels.back());
+    ASSERT_FALSE(texture.CreateFromPixelData(width, height, reinterpret_cast<unsigned char*>(pixels.data()),
+                                             static_cast<int>(format)));
 }
 
 } // namespace nrutest
