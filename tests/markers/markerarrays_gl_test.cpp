@@ -356,7 +356,8 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
     std::mt19937 random(3);
     std::normal_distribution<float> normal;
     bool sawOther = false;
-    /// Side by side, each in a direction of its own; the first of a row is half beyond the window.
+    /// Side by side, each in a direction of its own; the first of a row is half beyond the window, and
+    /// the first row of a parallel view half beyond its far plane.
     const auto spread = [&](float pixels, bool spheres) {
         Markers m;
         m.exact = false;
@@ -368,10 +369,12 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
             std::array<float, 3> d = {normal(random), normal(random), normal(random)};
             const float scale = pixels * unit / std::hypot(d[0], d[1], d[2]);
             const float x = 4 * ((i % side + .1f) / side - .5f), y = 4 * ((i / side + .5f) / side - .5f);
+            const float z = view[14] == 0 && side > 1 && i / side == 0 ? -3.0f : 0.0f;
             std::array<float, 3> start;
             for (std::size_t k = 0; k < 3; ++k) {
                 d[k] *= scale;
-                start[k] = view[4 * k] * x + view[4 * k + 1] * y - (spheres ? 0 : d[k] / 2);
+                start[k] =
+                    view[4 * k] * x + view[4 * k + 1] * y + view[4 * k + 2] * z - (spheres ? 0 : d[k] / 2);
             }
             m.starts.push_back({start[0], start[1], start[2]});
             const float diameter = pixels * unit;
@@ -422,12 +425,12 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
 }
 
 TEST_F(MarkerArrays, MixWithSingleCallsAndLeaveTheStateOfTheSection) {
-    const Markers array = strew(30, 1.2f, true);
     for (const bool gpu : {false, true}) {
         if (gpu)
             pretendGpu();
         for (const bool exact : {false, true}) {
             SCOPED_TRACE(testing::Message() << gpu << exact);
+            const Markers array = strew(30, exact ? 1.2f : 0.2f, true); // the small ones as points
             Markers drawn = array;
             drawn.exact = exact;
             const Picture single = picture(kCylinder, false, 30, [&] { return array.drawSingly(false); });
@@ -437,6 +440,7 @@ TEST_F(MarkerArrays, MixWithSingleCallsAndLeaveTheStateOfTheSection) {
             glGetIntegerv(GL_CURRENT_PROGRAM, &sectionProgram);
             EXPECT_EQ(drawn.draw(false), 30);
             EXPECT_TRUE(before.equals(GlSnapshot::take()));
+            EXPECT_FALSE(glIsEnabled(GL_POINT_SPRITE) || glIsEnabled(GL_PROGRAM_POINT_SIZE));
             glGetIntegerv(GL_CURRENT_PROGRAM, &program);
             EXPECT_EQ(program, sectionProgram);
             for (GLuint i = 0; i < 16; ++i) {
