@@ -254,9 +254,10 @@ struct Render3DSphereArray {
 };
 
 /// Draws markers of the open section as so many single calls would, with their diagnostics, but faster. The
-/// sum of what these would return. Unless exact is set, a marker may be drawn as what it looks like, where it
-/// is opaque and no plane cuts it: its outline then lies within half a pixel of that of its triangles, and
-/// colours inside differ by no more than shading between vertices makes them.
+/// sum of what these would return. Unless exact is set, opaque spheres and cylinders that no plane cuts may
+/// be drawn as the round shapes that they stand for, where that moves their outline by half a pixel at most.
+/// Exact markers show the pixels of single calls, but that on a rim the side behind may give way to the one
+/// in front where both have the same depth.
 NRENDERUTL_API int RenderDraw3DMarkers(const Render3DMarkerArray* markers);
 NRENDERUTL_API int RenderDraw3DSpheres(const Render3DSphereArray* spheres);
 

@@ -164,8 +164,8 @@ protected:
         EXPECT_GT(single.countOtherThan(kClear), 300);
         EXPECT_TRUE(samePicture(picture(type, fixed, count, [&] { return markers.draw(spheres); }), single));
     }
-    /// All shapes, with and without arrays of looks, in colours and values, in both projections, clipped,
-    /// blended and by fixed function.
+    /// All shapes, with and without arrays of looks and highlights, in colours and values, with one light and
+    /// two, in both projections, clipped, blended and by fixed function.
     void expectAllSame() {
         for (const auto type : {kCylinder, RENDER_3D_MARKER_RIVET, RENDER_3D_MARKER_CONE, kSphere,
                                 RENDER_3D_MARKER_ARROW_ONE_WAY})
@@ -175,6 +175,13 @@ protected:
                 const auto is = [&](const char* name) { return std::strcmp(state, name) == 0; };
                 Markers markers = strew(40, 1.4f, !is("no arrays"));
                 markers.contoured = is("values");
+                _NglInfoStr& info = *NglGetNglInfo();
+                info.lights[5] = info.lights[2];
+                info.lights[5].position[0] = -40;
+                info.lights[5].enabled = is("perspective");
+                std::fill_n(info.frontMaterial.specular, 3, is("no arrays") ? 0 : 0.4f);
+                info.backMaterial = info.frontMaterial;
+                info.frontMaterial.emission[3] = 1;
                 setView(is("perspective"));
                 ngl_set_blending_value(100);
                 glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
