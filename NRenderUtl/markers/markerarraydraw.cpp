@@ -127,8 +127,9 @@ private:
     bool drawRays(const MarkerShape& shape, const MarkerWindow& window, bool points,
                   std::vector<std::size_t>& left) {
         using enum MarkerProgramKind;
-        const MarkerProgramKind kind = shape.isSphere() ? points ? SpherePoints : SphereRays
-                                       : points         ? CylinderPoints
+        const bool byDepth = window.scalesByDepth();
+        const MarkerProgramKind kind = shape.isSphere() ? byDepth ? SphereRaysByDepth : SphereRays
+                                       : byDepth        ? CylinderRaysByDepth
                                                         : CylinderRays;
         NShaderProgram* program = useMarkerProgram(kind, m_markers.contoured);
         if (!program)

@@ -64,11 +64,12 @@ void build(ComposedProgram& program, const Variant& variant) {
         program.buildMarkerTriangles(changes);
         break;
     default:
-        if (variant.kind == MarkerProgramKind::SphereRays || variant.kind == MarkerProgramKind::SpherePoints)
+        if (variant.kind == MarkerProgramKind::SphereRays ||
+            variant.kind == MarkerProgramKind::SphereRaysByDepth)
             changes.defines.push_back("SPHERES");
-        if (variant.kind == MarkerProgramKind::CylinderPoints ||
-            variant.kind == MarkerProgramKind::SpherePoints)
-            changes.defines.push_back("POINTS");
+        if (variant.kind == MarkerProgramKind::CylinderRaysByDepth ||
+            variant.kind == MarkerProgramKind::SphereRaysByDepth)
+            changes.defines.push_back("BY_DEPTH");
         program.buildMarkerRays(changes);
     }
 }

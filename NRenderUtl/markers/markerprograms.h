@@ -3,7 +3,14 @@
 
 #include "NRenderUtl/shaders/nshaders.h"
 
-enum class MarkerProgramKind { Instances, Triangles, CylinderRays, SphereRays, CylinderPoints, SpherePoints };
+enum class MarkerProgramKind {
+    Instances,
+    Triangles,
+    CylinderRays,
+    SphereRays,
+    CylinderRaysByDepth,
+    SphereRaysByDepth
+};
 
 /// The program of a kind, in use and with what the section has sent; null where the driver refuses it. Built
 /// when it is first asked for.

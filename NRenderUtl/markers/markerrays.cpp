@@ -188,25 +188,22 @@ void MarkerRays::add(const Matrix4& eye, const MarkerLook& look) {
     const bool sphere = m_shape.isSphere();
     const float length = lengthOf(eye, 2);
     const float radius = lengthOf(eye, 0) * (sphere ? 0.5f : 1.0f) * (1 - m_deficit / 2);
-    const Vertex vertex{middleOf(m_shape, eye),
-                        {eye[12], eye[13], eye[14], radius},
-                        {eye[8] / length, eye[9] / length, eye[10] / length, length},
-                        look.rgba,
-                        {look.value1, look.value2, look.showsValues},
-                        {},
-                        0};
-    m_points ? addPoint(vertex, eye) : addTriangles(vertex, eye);
-}
-
-void MarkerRays::addPoint(Vertex vertex, const Matrix4& eye) {
+    Vertex vertex{middleOf(m_shape, eye),
+                  {eye[12], eye[13], eye[14], radius},
+                  {eye[8] / length, eye[9] / length, eye[10] / length, length},
+                  look.rgba,
+                  {look.value1, look.value2, look.showsValues},
+                  {},
+                  0};
     const auto [x, y, z] = vertex.position;
-    const auto [sx, sy] = m_window.scale();
     const Homogeneous middle = project(m_window, x, y, z, 1);
     const float across = middle[0] / middle[2], up = middle[1] / middle[2];
-    const Outline square = outlineOf(m_window, m_shape, eye, 1, 0);
     const Matrix4& p = m_window.projection();
-    vertex.point = {across + m_window.offset()[0], up + m_window.offset()[1], middle[2] / (p[0] * sx),
-                    middle[2] / (p[5] * sy)};
+    vertex.point = {across + m_window.offset()[0], up + m_window.offset()[1],
+                    middle[2] / (p[0] * m_window.scale()[0]), middle[2] / (p[5] * m_window.scale()[1])};
+    if (!m_points)
+        return addTriangles(vertex, eye);
+    const Outline square = outlineOf(m_window, m_shape, eye, 1, 0);
     vertex.size = 2 * std::max({across - square.along.low, square.along.high - across, up - square.across.low,
                                 square.across.high - up});
     m_vertices.push_back(vertex);

@@ -45,7 +45,6 @@ private:
         float size;
     };
     static std::span<const VertexPart> parts();
-    void addPoint(Vertex vertex, const Matrix4& eye);
     void addTriangles(Vertex vertex, const Matrix4& eye);
 
     const MarkerWindow& m_window;

@@ -3,7 +3,7 @@
 // viewer, shaded as the vertices of the shape would be.
 
 in RayData {
-#ifdef POINTS
+#ifdef BY_DEPTH
     flat vec4 through;
     flat vec4 along;
     flat vec4 point;
@@ -70,7 +70,7 @@ Hit findHit(vec3 through, vec3 along) {
 
 void main() {
     vec3 through = RayIn.through.xyz, along = RayIn.along.xyz;
-#ifdef POINTS
+#ifdef BY_DEPTH
     vec2 offset = (gl_FragCoord.xy - RayIn.point.xy) * RayIn.point.zw;
     through.xy += offset;
     along.xy += offset * RayIn.spread;

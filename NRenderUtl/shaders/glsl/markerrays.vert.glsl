@@ -1,11 +1,12 @@
 #version 150 compatibility
 // Vertex stage of the 3D markers that rays find: the corners of a flat outline about each, in eye space, or the
-// middle of each as a point that covers it.
+// middle of each as a point that covers it. Where depth alone gives the scale, all that a ray needs is the same
+// for a marker, but for where its pixel is.
 
 in vec3 g_pos_attrib;
-#ifdef POINTS
-in vec4 g_point; // window position, and what a pixel there is in eye space
-in float g_size; // pixels
+#ifdef BY_DEPTH
+in vec4 g_point; // window position of the middle, and what a pixel there is in eye space
+in float g_size; // of a point, in pixels
 #endif
 in vec4 g_place; // start or centre, radius
 #ifndef SPHERES
@@ -21,7 +22,7 @@ uniform mat4 g_texmat;
 uniform vec4 g_viewpoint; // the viewer, or with w = 0 the direction to the viewer
 
 out RayData {
-#ifdef POINTS
+#ifdef BY_DEPTH
     flat vec4 through;
     flat vec4 along;
     flat vec4 point;
@@ -42,19 +43,23 @@ out RayData {
 } RayOut;
 
 void main() {
-    vec4 corner = g_projmat * vec4(g_pos_attrib, 1.0);
-    vec3 along = g_pos_attrib * g_viewpoint.w - g_viewpoint.xyz;
-    vec4 growth = g_projmat * vec4(along, 0.0);
-    gl_Position = corner;
+    gl_Position = g_projmat * vec4(g_pos_attrib, 1.0);
     gl_ClipVertex = vec4(0.0); // zero lies on every plane: never clipped
-    RayOut.through = vec4(g_pos_attrib, growth.w);
-    RayOut.along = vec4(along, 0.5 * (gl_DepthRange.diff * growth.z +
-                                      (gl_DepthRange.near + gl_DepthRange.far) * growth.w));
-#ifdef POINTS
+    vec3 through = g_pos_attrib;
+#ifdef BY_DEPTH
+    through = g_place.xyz;
+#ifndef SPHERES
+    through += 0.5 * g_axis.w * g_axis.xyz;
+#endif
     gl_PointSize = g_size;
     RayOut.point = g_point;
     RayOut.spread = g_viewpoint.w;
 #endif
+    vec3 along = through * g_viewpoint.w - g_viewpoint.xyz;
+    vec4 growth = g_projmat * vec4(along, 0.0);
+    RayOut.through = vec4(through, growth.w);
+    RayOut.along = vec4(along, 0.5 * (gl_DepthRange.diff * growth.z +
+                                      (gl_DepthRange.near + gl_DepthRange.far) * growth.w));
     RayOut.place = g_place;
 #ifndef SPHERES
     RayOut.axis = g_axis;
