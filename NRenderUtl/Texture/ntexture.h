@@ -22,11 +22,11 @@ class NRENDERUTL_API NuTexture {
 public:
     /// How a texture is drawn. Flags are on when not 0.
     struct RenderInfo {
-        std::int32_t roundedCorners;  ///< flag; rectangles only
-        std::int32_t cornerRadius;    ///< pixels of the texture, as all corners have it
-        std::int32_t border;          ///< flag; in circles any value but 1 leaves the filling its full size
-        std::int32_t borderThickness; ///< pixels, in rectangles those of the texture
-        unsigned char borderColor[3]; ///< red, green, blue
+        std::int32_t roundedCorners = 0; ///< flag; rectangles only
+        std::int32_t cornerRadius = 0;   ///< pixels of the texture, as all corners have it
+        std::int32_t border = 0; ///< flag; in circles any value but 1 leaves the filling its full size
+        std::int32_t borderThickness = 0;  ///< pixels, in rectangles those of the texture
+        unsigned char borderColor[3] = {}; ///< red, green, blue; opaque
     };
 
     NuTexture();
@@ -68,6 +68,12 @@ public:
     /// colour, which is index 63 or, of a circle with border, the border's.
     void RenderAsRectangle(int x, int y, int width, int height, const RenderInfo& info);
     void RenderAsCircle(int x, int y, int diameter, const RenderInfo& info);
+    /// What they draw, from the origin of the current matrices, in the GL state that is current: a rectangle
+    /// by the program, which is made where there is none (false where it cannot be) and samples the texture
+    /// of unit 0, or as a plain quad; and a textured disc or a line around (centre, centre).
+    bool DrawAsRectangleWithVAMode(int width, int height, const RenderInfo& info);
+    void DrawAsRectangleWithImmediateMode(int width, int height, const RenderInfo& info);
+    static void DrawCircle(int centre, int radius, bool filled);
 
 private:
     enum SourceKind : std::int32_t { Empty = 0, Bitmap = 1, ImageFile = 2, PixelData = 3 };
@@ -81,9 +87,6 @@ private:
     void CreateGLTexture();
     void DeleteGLTexture();
     static bool BuildProgram();
-    bool DrawAsRectangleWithVAMode(int width, int height, const RenderInfo& info);
-    void DrawAsRectangleWithImmediateMode(int width, int height, const RenderInfo& info);
-    static void DrawCircle(int centre, int radius, bool filled);
 
     unsigned char* m_pixels;
     std::int32_t m_width, m_height;
