@@ -86,7 +86,7 @@ void addLight(g_LightParams light, vec3 position, vec3 normal, inout Illuminatio
 }
 
 // Blinn 1977, both sides lit.
-vec4 classicColor(vec4 color, vec3 position, vec3 normal) {
+vec4 computeFragmentColorStandard(vec3 position, vec3 normal, vec4 color) {
     Illumination sum = Illumination(vec4(0.0), vec4(0.0));
 #ifdef ONLY_LIGHT
     addLight(g_lights[ONLY_LIGHT], position, normal, sum);
@@ -177,5 +177,6 @@ vec4 physicalColor(vec4 color, vec3 position, vec3 normal) {
 vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
     if (g_lightsOff != 0)
         return color;
-    return g_usepbrmat == 1 ? physicalColor(color, position, normal) : classicColor(color, position, normal);
+    return g_usepbrmat == 1 ? physicalColor(color, position, normal)
+                            : computeFragmentColorStandard(position, normal, color);
 }

@@ -18,7 +18,7 @@ uniform sampler2D g_ctt;
 uniform int g_transparent;
 uniform float g_alphavalue;
 
-vec4 classicColor(vec4 color, vec3 position, vec3 normal);
+vec4 computeFragmentColorStandard(vec3 position, vec3 normal, vec4 color);
 
 void main() {
 #ifdef VALUES_BY_MARKER
@@ -27,7 +27,7 @@ void main() {
     bool values = g_bct == 1;
 #endif
     vec4 base = values ? vec4(1.0) : VertexIn.color;
-    vec4 color = classicColor(base, VertexIn.position, normalize(VertexIn.normal));
+    vec4 color = computeFragmentColorStandard(VertexIn.position, normalize(VertexIn.normal), base);
     if (values)
         color *= texture(g_ctt, VertexIn.texCoord);
     if (g_transparent == 1)

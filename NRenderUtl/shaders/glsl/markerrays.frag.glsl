@@ -25,7 +25,7 @@ in RayData {
 
 uniform sampler2D g_ctt;
 
-vec4 classicColor(vec4 color, vec3 position, vec3 normal);
+vec4 computeFragmentColorStandard(vec3 position, vec3 normal, vec4 color);
 
 struct Hit {
     float t; // along the ray
@@ -83,11 +83,12 @@ void main() {
     gl_FragDepth = (gl_FragCoord.z + step * RayIn.along.w) / (1.0 + step * RayIn.through.w);
 #ifdef VALUES_BY_MARKER
     bool values = RayIn.values == 1.0;
-    vec4 color = classicColor(values ? vec4(1.0) : RayIn.color, position, normalize(hit.normal));
+    vec4 base = values ? vec4(1.0) : RayIn.color;
+    vec4 color = computeFragmentColorStandard(position, normalize(hit.normal), base);
     if (values)
         color *= texture(g_ctt, mix(RayIn.texCoords.xy, RayIn.texCoords.zw, hit.z));
 #else
-    vec4 color = classicColor(RayIn.color, position, normalize(hit.normal));
+    vec4 color = computeFragmentColorStandard(position, normalize(hit.normal), RayIn.color);
 #endif
     gl_FragColor = color;
 }
