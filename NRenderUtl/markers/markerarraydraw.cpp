@@ -60,7 +60,8 @@ public:
         const NShaderProgram* section = m_renderer.m_bShaderActive ? m_renderer.m_pShader : nullptr;
         if (m_markers.count == 0 || !m_renderer.m_pMarker)
             return 0;
-        if (section && marker().m_triangleCount > 0 && drawTogether())
+        // Buffers are made only in a context that the host declares.
+        if (section && marker().m_triangleCount > 0 && IsRenderingContextActive() && drawTogether())
             return static_cast<int>(m_markers.count);
         return drawSingly();
     }

@@ -462,6 +462,18 @@ TEST_F(MarkerArrays, MixWithSingleCallsAndLeaveTheStateOfTheSection) {
     }
 }
 
+TEST_F(MarkerArrays, MakeNoBuffersWithoutADeclaredContext) {
+    SetRenderingContextActive(false);
+    for (const bool gpu : {false, true}) {
+        if (gpu)
+            pretendGpu();
+        for (const auto type : {kCylinder, kSphere})
+            expectSame(type, strew(30, 1.2f, true));
+    }
+    for (GLuint name = 1; name < 16; ++name)
+        EXPECT_FALSE(glIsBuffer(name)) << name;
+}
+
 TEST_F(MarkerArrays, TakeMatricesOfTheBeginningAndBlendingOfNow) {
     const Markers array = strew(30, 1.2f, true);
     const auto drawLate = [&](bool singly) {
