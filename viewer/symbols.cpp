@@ -69,8 +69,8 @@ constexpr std::array<Point3, 9> octagon(double x, double y, double radius) {
 
 // --- springs between two points: slots 0 to 2 --------------------------------------------------------------
 //
-// The library draws the line itself and puts the symbol about its middle. Part 0 only has a length, by which
-// the library finds out whether the symbol fits.
+// The library draws the line itself and puts the symbol about its middle. The first part only has a length,
+// by which the library finds out whether the symbol fits.
 
 constexpr double kLead = 8.0;
 
