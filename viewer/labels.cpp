@@ -138,8 +138,11 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
         drawMarks(m_shown, *m_extremes, camera.axes.toward,
                   {layout.area.left, 0, width, height - layout.area.top}, height, layout.em_px, layout.style,
                   background);
-    for (const Legend& legend : layout.legends)
+    for (const Legend& legend : layout.legends) {
+        const PixelRect panel = legend.box.grownBy(layout.margin * 2 / 5);
+        drawPanel(panel, layout.margin / 2, background, color);
         drawLegend(legend, layout.style);
+    }
     // An environment behind the model may be bright here and dark there.
     if (layout.hasTriad) {
         const int corner = layout.margin / 2, end = corner + triadSize_px(layout.em_px);

@@ -132,6 +132,7 @@ std::optional<Legend> layOutLegend(const LegendContent& content, const PixelRect
         legend.right = std::max(legend.right, legend.bar.right + gap + textSize(kNoValueText, style).width);
     if (legend.right > area.right)
         return {};
+    legend.box = {area.left, legend.bar.bottom - below, legend.right, area.top};
     return legend;
 }
 

@@ -28,6 +28,7 @@ struct Legend {
     std::string heading, factor;
     int headingLeft = 0, headingBase = 0, factorBase = 0;
     int right = 0; ///< end of all of it
+    PixelRect box; ///< about all of it
 };
 
 /// What a colour bar is for.

@@ -57,6 +57,19 @@ void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color) {
     ngl_draw_circle_on_screen(&center, static_cast<float>(radius), true, false, nullptr);
 }
 
+void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor,
+               unsigned int alpha) {
+    N2DBoxDrawer::RenderInfo panel{
+        .x = rect.left, .y = rect.bottom, .width = rect.width(), .height = rect.height()};
+    panel.fillColor = alpha << 24 | (background & 0xFFFFFF);
+    for (int channel = 0; channel < 3; ++channel)
+        panel.borderColor[channel] = static_cast<std::uint8_t>(
+            ((background >> 8 * channel & 0xFF) + (textColor >> 8 * channel & 0xFF)) / 2);
+    panel.roundedCorners = panel.border = panel.borderThickness = 1;
+    std::fill_n(panel.cornerRadii, 4, static_cast<float>(radius));
+    N2DBoxDrawer().Render(panel);
+}
+
 NgColorLong colorOver(const PixelRect& rect) {
     constexpr int kHalf = 128;
     std::vector<std::uint8_t> greys(std::size_t{4} * std::max(rect.width(), 0) * std::max(rect.height(), 0));

@@ -14,6 +14,9 @@ struct PixelRect {
     int left = 0, bottom = 0, right = 0, top = 0;
     int width() const { return right - left; }
     int height() const { return top - bottom; }
+    PixelRect grownBy(int pixels) const {
+        return {left - pixels, bottom - pixels, right + pixels, top + pixels};
+    }
     bool overlaps(const PixelRect& other) const {
         return left < other.right && other.left < right && bottom < other.top && other.bottom < top;
     }
@@ -31,6 +34,10 @@ void fillShape(std::span<const _NgPoint2Str> points, NgColorLong color);
 void drawLine(const _NgPoint2Str& from, const _NgPoint2Str& to, NgColorLong color);
 /// A straight stroke of a width in pixels.
 void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, NgColorLong color);
+/// A rounded, bordered panel for texts of a colour, in the background's, so that they stand out from whatever
+/// is behind. Without programs it is plain.
+void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor,
+               unsigned int alpha = 0xD8);
 void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color);
 
 /// Black or white, whichever stands out from what the picture shows in a rectangle of the window.

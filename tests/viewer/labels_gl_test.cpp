@@ -344,6 +344,27 @@ TEST_F(ViewerLabels, LettersStandOutFromWhatIsBehindThem) {
     }
 }
 
+// Something grey behind it, as an environment is.
+TEST_F(ViewerLabels, TheLegendStandsOnARoundedTranslucentPanel) {
+    constexpr NgColorLong kBehind = 0xFF808080;
+    Shown shown(makeSample("cantilever:10"), {.field = "S:xx"}, {}, {.marks = false, .axes = false});
+    beginEmpty(kBehind);
+    shown.labels.draw(shown.camera, kWidth, kHeight, kWhite);
+    const Picture picture = read();
+    const auto isPanel = [&](int x, int y) { return (picture.at(x, y) & 0xFF) == 0xEC; }; // 128 + 0.847 * 127
+    const Ink panel = inkWhere(isPanel);
+    const PictureArea area = shown.labels.area(kWidth, kHeight);
+    const PixelRect& box = panel.box;
+    EXPECT_GT(panel.count, box.width() * box.height() / 2);
+    EXPECT_TRUE(box.left > 0 && box.right < area.left && box.bottom > 0 && box.top < kHeight);
+    for (const int x : {box.left - 1, box.right})
+        for (const int y : {box.bottom - 1, box.top})
+            EXPECT_EQ(picture.at(x, y) & kRgb, kBehind & kRgb) << "round at " << x << ", " << y;
+    const int middle = (box.bottom + box.top) / 2;
+    const auto grey = [&](int x) { return picture.at(x, middle) & 0xFF; };
+    EXPECT_LT(std::min(grey(box.left - 1), grey(box.left)), 0xE0u) << "border";
+}
+
 TEST_F(ViewerLabels, SmallPicturesKeepTheirModel) {
     Shown shown(makeSample("cantilever:10"), {.field = "S:xx"}, {.bands = 64}, {});
     for (const auto& [width, height] :
