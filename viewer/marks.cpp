@@ -49,11 +49,11 @@ std::optional<_NgPoint2Str> windowPosition(const Point& position, const PixelRec
 }
 
 int discReach(int em_px) {
-    return std::max(3, em_px / 3);
+    return std::max(4, em_px / 3);
 }
 
 int padding(int em_px) {
-    return std::max(3, em_px / 3);
+    return std::max(4, em_px / 3);
 }
 
 /// A box beside a point: to the right (1) or left (-1), above (1) or below (-1), or level with it (0).
@@ -150,8 +150,8 @@ Mark placed(const Mark& mark, const std::vector<Mark>& all, const PixelRect& are
 void drawLabel(const Mark& mark, int em_px, const TextStyle& style, NgColorLong background) {
     const PixelRect& box = mark.box;
     drawLine(mark.at, leaderEnd(mark), style.color);
-    constexpr unsigned int kAlmostOpaque = 0xFE; // the model's colours would make the number hard to read
-    drawPanel(box, padding(em_px), background, style.color, kAlmostOpaque);
+    fillRect(box.grownBy(-3), background); // the model's colours would make the number hard to read
+    drawPanel(box, padding(em_px), background, style.color);
     const int pad = padding(em_px);
     drawText(box.left + pad, box.bottom + pad + textSize(mark.text, style).descent, mark.text, style);
 }

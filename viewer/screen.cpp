@@ -57,11 +57,11 @@ void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color) {
     ngl_draw_circle_on_screen(&center, static_cast<float>(radius), true, false, nullptr);
 }
 
-void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor,
-               unsigned int alpha) {
+void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor) {
+    constexpr NgColorLong kAlpha = 0xD8;
     N2DBoxDrawer::RenderInfo panel{
         .x = rect.left, .y = rect.bottom, .width = rect.width(), .height = rect.height()};
-    panel.fillColor = alpha << 24 | (background & 0xFFFFFF);
+    panel.fillColor = kAlpha << 24 | (background & 0xFFFFFF);
     for (int channel = 0; channel < 3; ++channel)
         panel.borderColor[channel] = static_cast<std::uint8_t>(
             ((background >> 8 * channel & 0xFF) + (textColor >> 8 * channel & 0xFF)) / 2);

@@ -36,8 +36,7 @@ void drawLine(const _NgPoint2Str& from, const _NgPoint2Str& to, NgColorLong colo
 void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, NgColorLong color);
 /// A rounded, bordered panel for texts of a colour, in the background's, so that they stand out from whatever
 /// is behind. Without programs it is plain.
-void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor,
-               unsigned int alpha = 0xD8);
+void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor);
 void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color);
 
 /// Black or white, whichever stands out from what the picture shows in a rectangle of the window.
