@@ -131,7 +131,10 @@ int within(int diameter, int thickness) {
 void NuTexture::CreateGLTexture() {
     if (m_texture != 0 && !m_rebuildNeeded)
         return;
-    DeleteGLTexture();
+    // Also where no context is declared: here one is current, and queued names would pile up.
+    if (m_texture != 0)
+        glDeleteTextures(1, &m_texture);
+    m_texture = 0;
     if (driverTakes(m_width, m_height))
         glGenTextures(1, &m_texture);
     if (m_texture == 0)

@@ -245,12 +245,12 @@ TEST_F(TextureDrawing, MakesItsTextureOnceAgainForNewPixelsAndDeletesItUnderACon
     EXPECT_EQ(liveTextures(), 0);
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(count(drawn(*texture, 0, 0, 0, 0, kBoth), kRed), 0);
+    SetRenderingContextActive(false);
     fillTexture(*texture, 16, 2, {kGreen});
     EXPECT_EQ(count(drawn(*texture, 0, 0, 0, 0, kPlain), kGreen), 32);
     EXPECT_EQ(liveTextures(), 1);
     EXPECT_TRUE(texture->CreateWithReplacedColor(*texture, 0, kGreen)); // nothing to replace: empty now
     EXPECT_EQ(drawn(*texture, 0, 0, 0, 0, kPlain).countOtherThan(kClear), 0);
-    SetRenderingContextActive(false);
     texture.reset();
     EXPECT_EQ(liveTextures(), 1);
     SetRenderingContextActive(true);
