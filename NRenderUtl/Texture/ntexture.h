@@ -115,8 +115,8 @@ public:
 
     /// The texture of a file, loaded at the first call and, into the same object, when the file's date has
     /// changed. A name that is no file is looked for in the folder Images under the setting
-    /// "NU_RESOURCES_PATH"; both separators are accepted. Null where there is no file or it cannot be loaded;
-    /// a texture that the manager had of it is then destroyed, with its variants.
+    /// "NU_RESOURCES_PATH"; both separators are accepted. Null where there is no file, and where it cannot be
+    /// loaded: a texture that the manager had of it is then destroyed, with its variants.
     NuTexture* GetNuTexture(const GuStringFileName& name);
     /// A texture of the manager's with every colour but keepColour replaced by newColour (see NuTexture). It
     /// is made once for a new colour, whatever the other colour and later pictures of the file. Null for any

@@ -710,7 +710,8 @@ NRENDERUTL_API void NglDrawSpheres(int count, const _NgFPoint3Str* centers, floa
 /// point lights; from the material the front's emission, specular colour and shininess; ambient and diffuse
 /// light take the first corner's colour. Normals stay in object space, by the first three corners. While
 /// blending is on, alpha is the blending value. Returns 0; -1 for another kind, and, with a console message,
-/// where the driver lacks geometry stages or refuses the program.
+/// where the driver lacks geometry stages or refuses the program. One that did not link is not built again:
+/// later calls return 0 and change nothing.
 NRENDERUTL_API int NglInitMeshRenderShader(int kind);
 /// Makes no program current, whichever was before. Returns 0.
 NRENDERUTL_API int NglEndMeshRenderShader();
