@@ -8,14 +8,16 @@
 
 #include "viewer/axes.h"
 #include "viewer/legend.h"
+#include "viewer/markers.h"
 #include "viewer/marks.h"
 #include "viewer/screen.h"
+#include "viewer/sight.h"
 
 namespace nruview {
 
 namespace {
 
-constexpr double kTitle_em = 1.2;
+constexpr double kTitle_em = 1.2, kIcon_em = 2.4;
 constexpr double kWidestColumn = 0.4, kHighestRow = 0.15; ///< of the picture
 
 /// Size of the labels' letters: readable in small pictures, in proportion in large ones.
@@ -67,7 +69,19 @@ PictureLabels::PictureLabels(const ShownModel& shown, std::vector<LegendContent>
         m_legends.swap(legends);
     if (m_settings.marks && shown.scalars)
         m_extremes = findExtremes(shown);
+    if (!m_settings.logo.empty())
+        m_logo.emplace(m_settings.logo);
+    if (!m_settings.icons.empty())
+        m_icon.emplace(m_settings.icons);
+    if (m_icon && m_settings.iconNodes)
+        m_iconNodes = chosenNodes(shown.model, *m_settings.iconNodes, "--marker-nodes");
     if (m_title.empty() && m_legends.empty() && !m_extremes && !m_settings.axes)
+        return;
+    makeText();
+}
+
+void PictureLabels::makeText() {
+    if (m_text)
         return;
     m_text.emplace(fontFile());
     if (!m_text->problem().empty())
@@ -138,6 +152,10 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
         drawMarks(m_shown, *m_extremes, camera.axes.toward,
                   {layout.area.left, 0, width, height - layout.area.top}, height, layout.em_px, layout.style,
                   background);
+    if (m_icon)
+        drawIcons(camera, layout);
+    if (m_logo)
+        m_logo->drawInCorner(width, height, layout.margin);
     for (const Legend& legend : layout.legends) {
         const PixelRect panel = legend.box.grownBy(layout.margin * 2 / 5);
         drawPanel(panel, layout.margin / 2, background, color);
@@ -155,6 +173,44 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
             layout.margin, layout.titleBase, layout.title,
             {layout.titleStyle.font, colorOver({layout.margin, height - layout.area.top, right, height})});
     }
+}
+
+/// Of a constant size on the screen, and in front of the model, as marks are.
+void PictureLabels::drawIcons(const Camera& camera, const Layout& layout) {
+    std::vector<Point> points;
+    for (const std::uint32_t node : m_iconNodes)
+        points.push_back(m_shown.points[node]);
+    if (const auto extremes = findExtremes(m_shown); !m_settings.iconNodes && extremes)
+        for (const Extreme& extreme : *extremes)
+            points.push_back(positionOf(m_shown, nearestOf(m_shown, extreme, camera.axes.toward)));
+    const int diameter = static_cast<int>(kIcon_em * layout.em_px);
+    for (const Point& point : points) {
+        const auto [x, y] = windowPosition(point);
+        m_icon->drawAround({x, layout.area.height - y}, diameter, layout.style.color);
+    }
+}
+
+void PictureLabels::drawReadOut(const std::string& text, const std::array<int, 2>& pixel, int width,
+                                int height, NgColorLong background) {
+    if (!m_settings.readOut)
+        return;
+    makeText();
+    const int em_px = emFor(width, height), pad = em_px / 2;
+    const TextStyle style = {font(em_px), NglGetColorBasedOnWinColor(0xFFFFFFFF)};
+    const std::string shown = elided(text, width - 4 * pad, style);
+    const TextSize size = textSize(shown, style);
+    if (size.width == 0)
+        return;
+    const int boxWidth = size.width + 2 * pad, boxHeight = size.ascent + size.descent + 2 * pad;
+    const int x = pixel[0], y = height - 1 - pixel[1];
+    const int left = std::clamp(x + em_px, pad, std::max(pad, width - pad - boxWidth));
+    const bool isAbove = y + em_px + boxHeight + pad <= height;
+    const int bottom = isAbove ? y + em_px : y - em_px - boxHeight;
+    drawPanel({left, bottom, left + boxWidth, bottom + boxHeight}, pad, background, style.color);
+    drawText(left + pad, bottom + pad + size.descent, shown, style);
+    const _NgPoint2Str at = {x + 0.5, y + 0.5};
+    fillDisc(at, 3.5, style.color);
+    fillDisc(at, 2.0, background);
 }
 
 } // namespace nruview

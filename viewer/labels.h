@@ -9,6 +9,7 @@
 #include "viewer/legend.h"
 #include "viewer/marks.h"
 #include "viewer/options.h"
+#include "viewer/overlaypicture.h"
 #include "viewer/shownmodel.h"
 
 namespace nruview {
@@ -29,12 +30,17 @@ public:
     /// The picture with a column for legend and axes at its left and a row for the title at its top.
     PictureArea area(int width, int height);
     void draw(const Camera& camera, int width, int height, NgColorLong background);
+    /// A text on a panel beside a window pixel, y from the top.
+    void drawReadOut(const std::string& text, const std::array<int, 2>& pixel, int width, int height,
+                     NgColorLong background);
 
 private:
     struct Layout;
     Layout layOut(int width, int height, NgColorLong color);
     void layOutTitle(Layout& layout) const;
     void layOutColumn(Layout& layout) const;
+    void makeText();
+    void drawIcons(const Camera& camera, const Layout& layout);
     void* font(int size_px);
 
     const ShownModel& m_shown;
@@ -43,6 +49,8 @@ private:
     std::string m_title;
     std::optional<std::array<Extreme, 2>> m_extremes;
     std::optional<HostText> m_text;
+    std::vector<std::uint32_t> m_iconNodes; ///< those given; else icons stand where the extremes are
+    std::optional<OverlayPicture> m_logo, m_icon;
 };
 
 } // namespace nruview

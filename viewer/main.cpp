@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
-#include <limits>
 #include <new>
 #include <vector>
 
@@ -18,7 +17,6 @@
 #include "viewer/messages.h"
 #include "viewer/offscreen.h"
 #include "viewer/options.h"
-#include "viewer/pick.h"
 #include "viewer/pngwriter.h"
 #include "viewer/samples.h"
 #include "viewer/scene.h"
@@ -28,14 +26,6 @@
 namespace nruview {
 
 namespace {
-
-/// What is picked at a pixel: a marker, unless opaque faces hide it, else the model.
-std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y) {
-    const Picked picked = pick(shown, x, y);
-    const double hidden = opaque ? picked.distance : std::numeric_limits<double>::infinity();
-    const auto marker = pickMarker(shown, markers, x, y, hidden);
-    return marker ? marker->text : describe(shown, picked);
-}
 
 /// Draws without a display, into the file and for the pick that were asked for.
 void drawOffscreen(const ShownModel& shown, const Markers& markers, const Options& options) {
@@ -50,10 +40,12 @@ void drawOffscreen(const ShownModel& shown, const Markers& markers, const Option
     beginFrame(camera, shown.bounds, options.width, options.height, options.background);
     scene.draw();
     labels.draw(camera, options.width, options.height, options.background);
-    if (options.pick)
-        std::cout << describePixel(shown, markers, options.scene.opacity >= 1.0, (*options.pick)[0],
-                                   (*options.pick)[1])
-                  << "\n";
+    if (options.pick) {
+        const auto& [x, y] = *options.pick;
+        const std::string text = describePixel(shown, markers, options.scene.opacity >= 1.0, x, y);
+        std::cout << text << "\n";
+        labels.drawReadOut(text, {x, y}, options.width, options.height, options.background);
+    }
     if (options.output.empty())
         return;
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);

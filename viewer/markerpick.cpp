@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
+#include "viewer/pick.h"
 #include "viewer/sight.h"
 #include "viewer/supports.h"
 #include "viewer/vectors.h"
@@ -127,6 +129,13 @@ std::optional<PickedMarker> pickMarker(const ShownModel& shown, const Markers& m
         return symbol.found;
     offerSolids(solid, shown, markers, ray);
     return solid.found;
+}
+
+std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y) {
+    const Picked picked = pick(shown, x, y);
+    const double hidden = opaque ? picked.distance : std::numeric_limits<double>::infinity();
+    const auto marker = pickMarker(shown, markers, x, y, hidden);
+    return marker ? marker->text : describe(shown, picked);
 }
 
 } // namespace nruview

@@ -18,4 +18,7 @@ struct PickedMarker {
 std::optional<PickedMarker> pickMarker(const ShownModel& shown, const Markers& markers, int x, int y,
                                        double hidden);
 
+/// What is picked at a pixel, as one line: a marker, unless opaque faces hide it, else the model.
+std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y);
+
 } // namespace nruview

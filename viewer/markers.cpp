@@ -43,7 +43,9 @@ std::vector<Index> numbersOf(const ElementList& list, std::size_t count, const c
     return numbers;
 }
 
-std::vector<Index> nodesOf(const Model& model, const NodeChoice& choice, const char* option) {
+} // namespace
+
+std::vector<Index> chosenNodes(const Model& model, const NodeChoice& choice, const char* option) {
     if (choice.set.empty())
         return numbersOf(choice.nodes, model.nodes.size(), option);
     std::string names;
@@ -55,6 +57,8 @@ std::vector<Index> nodesOf(const Model& model, const NodeChoice& choice, const c
     throw ViewerError(option, "there is no node set " + choice.set + "; the model has " +
                                   (names.empty() ? "none" : names));
 }
+
+namespace {
 
 /// Nodes of what is drawn.
 std::vector<Index> shownNodes(const ShownModel& shown) {
@@ -78,7 +82,7 @@ std::vector<Index> shownNodes(const ShownModel& shown) {
 }
 
 std::vector<Index> markerNodes(const ShownModel& shown, const MarkerSettings& settings) {
-    return settings.nodes ? nodesOf(shown.model, *settings.nodes, "--marker-nodes") : shownNodes(shown);
+    return settings.nodes ? chosenNodes(shown.model, *settings.nodes, "--marker-nodes") : shownNodes(shown);
 }
 
 /// A layer whose values are a field's.
@@ -240,7 +244,7 @@ Point groundOf(const ShownModel& shown, const Point& at, int axis) {
 std::vector<Support> makeSupports(const ShownModel& shown, const MarkerSettings& settings) {
     std::vector<Support> supports;
     for (const SupportedNodes& supported : settings.supports)
-        for (const Index node : nodesOf(shown.model, supported.nodes, "--supports")) {
+        for (const Index node : chosenNodes(shown.model, supported.nodes, "--supports")) {
             const Point at = placeOf(shown, node);
             const bool reachesGround = supported.kind >= SupportKind::Spring;
             supports.push_back({node, supported.kind, supported.axis, at,

@@ -40,6 +40,9 @@ struct Markers {
     double widest = 0.0;     ///< connectors are no wider
 };
 
+/// Throws ViewerError naming the option.
+std::vector<std::uint32_t> chosenNodes(const Model& model, const NodeChoice& choice, const char* option);
+
 /// Throws ViewerError for fields, nodes and node sets that the model does not have or that do not fit.
 Markers makeMarkers(const ShownModel& shown, const MarkerSettings& settings, std::optional<int> step);
 

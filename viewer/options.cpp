@@ -221,7 +221,7 @@ void addMarkerOptions(CLI::App& app, Options& options) {
 
 void addLabelOptions(CLI::App& app, Options& options) {
     LabelSettings& labels = options.labels;
-    const auto takePlain = [&labels](std::int64_t) { labels = {false, false, false, ""}; };
+    const auto takePlain = [&labels](std::int64_t) { labels = {false, false, false, "", false}; };
     CLI::Option* plain =
         app.add_flag_function("--plain", takePlain, "nothing but the model: no legend, marks, axes or title");
     addParsed(app, "--legend", labels.legend, parseSwitch, "on|off", "colour bar of a field (default: on)")
@@ -234,6 +234,16 @@ void addLabelOptions(CLI::App& app, Options& options) {
     app.add_option("--title", labels.title,
                    "text above the picture, '' for none (default: the model, the field and its step)")
         ->option_text("TEXT")
+        ->excludes(plain);
+    app.add_option("--logo", labels.logo, "picture for the lower right corner (.png, .jpg)")
+        ->option_text("FILE")
+        ->check(refuseEmpty)
+        ->excludes(plain);
+    app.add_option(
+           "--icons", labels.icons,
+           "picture to show as a disc at the --marker-nodes, or where the field is smallest and largest")
+        ->option_text("FILE")
+        ->check(refuseEmpty)
         ->excludes(plain);
 }
 
@@ -299,6 +309,9 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
     checkBody(options);
+    options.labels.iconNodes = options.markers.nodes;
+    if (!options.labels.icons.empty() && !options.markers.nodes && options.shown.field.empty())
+        throw ViewerError("--icons", "--marker-nodes or --field is needed with it");
     if (!options.markers.tensors.empty() && app.count("--opacity") == 0)
         options.scene.opacity = kOpacityOverTensors;
     const ElementSettings& elements = options.shown.elements;

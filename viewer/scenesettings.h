@@ -137,7 +137,11 @@ struct MarkerSettings {
 /// What is written on the picture. Legend and marks need a field.
 struct LabelSettings {
     bool legend = true, marks = true, axes = true;
-    std::optional<std::string> title = {}; ///< nothing: what is shown, in words
+    std::optional<std::string> title = {};    ///< nothing: what is shown, in words
+    bool readOut = true;                      ///< what is picked, beside its pixel
+    std::string logo = {};                    ///< picture for the lower right corner; empty: none
+    std::string icons = {};                   ///< picture for marked nodes; empty: none
+    std::optional<NodeChoice> iconNodes = {}; ///< nothing: those of the marks
 };
 
 } // namespace nruview

@@ -12,6 +12,7 @@
 #include "viewer/error.h"
 #include "viewer/frame.h"
 #include "viewer/labels.h"
+#include "viewer/markerpick.h"
 #include "viewer/scene.h"
 
 namespace nruview {
@@ -20,6 +21,7 @@ namespace {
 
 constexpr double kTurnRadPerPixel = 0.008;
 constexpr double kZoomPerNotch = 0.88;
+constexpr double kClick_px = 3.0; ///< a longer way between press and release is a drag
 
 struct GlfwLibrary {
     GlfwLibrary() {
@@ -38,7 +40,14 @@ struct Interaction {
     PictureLabels& labels;
     Camera camera;
     double lastX = 0.0, lastY = 0.0;
+    double pressX = 0.0, pressY = 0.0;
+    std::optional<std::array<int, 2>> picked = {}; ///< pixel of the picture whose read-out is shown
     bool changed = true;
+
+    void moveView() {
+        picked.reset();
+        changed = true;
+    }
 };
 
 Interaction& interactionOf(GLFWwindow* window) {
@@ -51,11 +60,20 @@ PictureArea areaOf(GLFWwindow* window, PictureLabels& labels) {
     return labels.area(std::max(width, 1), std::max(height, 1));
 }
 
+/// The picture's pixel at a place of the window, which may be measured in larger units.
+std::array<int, 2> pixelAt(GLFWwindow* window, double x, double y) {
+    int width = 1, height = 1, windowWidth = 1, windowHeight = 1;
+    glfwGetFramebufferSize(window, &width, &height);
+    glfwGetWindowSize(window, &windowWidth, &windowHeight);
+    return {static_cast<int>(x * width / std::max(windowWidth, 1)),
+            static_cast<int>(y * height / std::max(windowHeight, 1))};
+}
+
 void onMove(GLFWwindow* window, double x, double y) {
     Interaction& state = interactionOf(window);
     if (glfwGetMouseButton(window, GLFW_MOUSE_BUTTON_LEFT) == GLFW_PRESS) {
         turnCamera(state.camera, kTurnRadPerPixel * (x - state.lastX), kTurnRadPerPixel * (state.lastY - y));
-        state.changed = true;
+        state.moveView();
     }
     state.lastX = x;
     state.lastY = y;
@@ -64,7 +82,21 @@ void onMove(GLFWwindow* window, double x, double y) {
 void onWheel(GLFWwindow* window, double, double notches) {
     Interaction& state = interactionOf(window);
     state.camera.halfHeight *= std::pow(kZoomPerNotch, notches);
-    state.changed = true;
+    state.moveView();
+}
+
+/// A press and a release at the same place pick.
+void onButton(GLFWwindow* window, int button, int action, int) {
+    Interaction& state = interactionOf(window);
+    if (button != GLFW_MOUSE_BUTTON_LEFT)
+        return;
+    if (action == GLFW_PRESS) {
+        state.pressX = state.lastX;
+        state.pressY = state.lastY;
+    } else if (std::hypot(state.lastX - state.pressX, state.lastY - state.pressY) <= kClick_px) {
+        state.picked = pixelAt(window, state.lastX, state.lastY);
+        state.changed = true;
+    }
 }
 
 void onKey(GLFWwindow* window, int key, int, int action, int) {
@@ -74,7 +106,7 @@ void onKey(GLFWwindow* window, int key, int, int action, int) {
     if (action == GLFW_PRESS && key == GLFW_KEY_F) {
         state.camera = fitCamera(state.camera.axes, state.shown.bounds, areaOf(window, state.labels),
                                  state.options.perspective);
-        state.changed = true;
+        state.moveView();
     }
 }
 
@@ -96,6 +128,7 @@ GLFWwindow* openWindow(const Options& options) {
 void connect(GLFWwindow* window, Interaction& state) {
     glfwSetWindowUserPointer(window, &state);
     glfwSetCursorPosCallback(window, onMove);
+    glfwSetMouseButtonCallback(window, onButton);
     glfwSetScrollCallback(window, onWheel);
     glfwSetKeyCallback(window, onKey);
     glfwSetWindowRefreshCallback(window, onRefresh);
@@ -120,6 +153,10 @@ void showWindow(const ShownModel& shown, const Markers& markers, const Options& 
             beginFrame(state.camera, shown.bounds, width, height, options.background);
             scene.draw();
             labels.draw(state.camera, width, height, options.background);
+            if (state.picked)
+                labels.drawReadOut(describePixel(shown, markers, options.scene.opacity >= 1.0,
+                                                 (*state.picked)[0], (*state.picked)[1]),
+                                   *state.picked, width, height, options.background);
             glfwSwapBuffers(window);
             state.changed = false;
         }

@@ -114,6 +114,11 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --pbr --hdr @two.vtk => two.vtk: Failed to load HDR image file! "
         "(not a Radiance image)",
         "@two.vtk --legend yes => on or off",
+        "@two.vtk --logo @none.png => none.png: no such file",
+        "@two.vtk --logo @two.vtk => two.vtk: not a PNG or JPEG image",
+        "@two.vtk --icons @two.vtk --marker-nodes 0 => two.vtk: not a PNG or JPEG image",
+        "@two.vtk --icons @two.vtk => --icons: --marker-nodes or --field is needed with it",
+        "@two.vtk --plain --logo @two.vtk => --plain excludes --logo",
         "@two.vtk --arrows T => field T: has 1 components; the vector of an arrow has 3",
         "@two.vtk --arrows none => field none: not there",
         "@two.vtk --arrows T@cell => field T: has values of elements; arrows stand at nodes",
@@ -180,6 +185,40 @@ TEST_F(ViewerProgram, DrawsThePictureThatWasAskedFor) {
     EXPECT_TRUE(pixel(0, 0)[0] == 0x10 && pixel(0, 0)[1] == 0x20 && pixel(0, 0)[2] == 0x30);
     EXPECT_GT(pixel(180, 10)[0], 100 + pixel(180, 10)[2]) << "red, the highest value, at the upper right";
     EXPECT_GT(pixel(20, 90)[2], 100 + pixel(20, 90)[0]) << "blue at the lower left";
+}
+
+TEST_F(ViewerProgram, DrawsPicturesAndWhatIsPickedOverTheModel) {
+    EXPECT_EQ(nruview("@two.vtk --plain --background c00000 --hide 0,1 --size 90x30 -o @logo.png").output,
+              "");
+    const std::string command = "@two.vtk --axes off --title '' --view xy --hide 0-1 --background white "
+                                "--size 300x240 -o @a.png ";
+    const auto read = [&] {
+        png_image image{};
+        image.version = PNG_IMAGE_VERSION;
+        EXPECT_TRUE(png_image_begin_read_from_file(&image, path("a.png").c_str()) != 0);
+        std::vector<unsigned char> rgb(PNG_IMAGE_SIZE(image));
+        EXPECT_TRUE(png_image_finish_read(&image, nullptr, rgb.data(), 0, nullptr) != 0);
+        std::vector<int> colors;
+        for (std::size_t i = 0; i < rgb.size(); i += 3)
+            colors.push_back(rgb[i] << 16 | rgb[i + 1] << 8 | rgb[i + 2]);
+        return colors;
+    };
+    const auto at = [&](int x, int y) { return read()[static_cast<std::size_t>(300 * y + x)]; };
+    EXPECT_EQ(nruview(command + "--logo @logo.png").output, "");
+    // 50 x 16 pixels, 9 from the corner.
+    for (const auto& [x, y, color] : {std::tuple{290, 230, 0xC00000},
+                                      {242, 216, 0xC00000},
+                                      {239, 220, 0xFFFFFF},
+                                      {260, 213, 0xFFFFFF},
+                                      {292, 232, 0xFFFFFF}})
+        EXPECT_EQ(at(x, y), color) << x << ", " << y;
+    EXPECT_EQ(nruview(command + "--icons @logo.png --marker-nodes 0,5").output, "");
+    const std::vector<int> icons = read();
+    EXPECT_NEAR(std::count(icons.begin(), icons.end(), 0xC00000), 2 * 3.14 * 9 * 9, 80)
+        << "two discs within borders";
+    EXPECT_EQ(nruview(command + "--pick 150,120").output, "nothing\n");
+    EXPECT_EQ(at(150, 120), 0xFFFFFF) << "its ring's inside";
+    EXPECT_LT(at(150, 123), 0x808080) << "its ring";
 }
 
 TEST_F(ViewerProgram, DrawsWithoutProgramsWhereAskedTo) {
