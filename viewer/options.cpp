@@ -171,6 +171,10 @@ void addBodyOptions(CLI::App& app, Options& options) {
         ->option_text("NAME")
         ->check(refuseEmpty)
         ->needs(pbr);
+    CLI::Option* legacy = app.add_flag("--legacy", options.scene.legacy,
+                                       "a shade for each face by the legacy programs for meshes");
+    for (const char* other : {"--field", "--pbr", "--fixed", "--opacity", "--shade"})
+        legacy->excludes(app.get_option(other));
     app.add_flag("--materials", options.materials, "print the table of materials and end");
     CLI::Option* color = addParsed(app, "--body-color", body.color, parseColor, "RRGGBB",
                                    "colour of all bodies (default: the file's, else the material's)");

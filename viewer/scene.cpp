@@ -10,6 +10,7 @@
 
 #include "viewer/contour.h"
 #include "viewer/facemesh.h"
+#include "viewer/flatfaces.h"
 #include "viewer/messages.h"
 
 namespace nruview {
@@ -261,6 +262,10 @@ std::vector<LegendContent> Scene::legends(const ShownModel& shown) const {
 }
 
 void Scene::makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
+    if (settings.legacy) {
+        m_drawFlatFaces = [&shown, body] { drawFlatFaces(shown, body); };
+        return;
+    }
     if (areBodies(shown, settings, body)) {
         if (body.physical)
             m_environment.emplace(body);
@@ -303,7 +308,9 @@ void Scene::drawPart(Part& part, Draw draw) {
 void Scene::drawOpaqueFaces() {
     glPolygonOffset(m_edgeReach_px, 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
-    if (m_bodies)
+    if (m_drawFlatFaces)
+        m_drawFlatFaces();
+    else if (m_bodies)
         m_bodies->drawOpaque();
     else if (!m_transparent)
         drawFaces();

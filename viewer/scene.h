@@ -1,6 +1,7 @@
 // The picture of a model: library meshes made once, drawn in every frame.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "viewer/bodies.h"
@@ -45,6 +46,7 @@ private:
 
     std::optional<ColorBands> m_bands;
     EdgeMode m_edgeMode;
+    std::function<void()> m_drawFlatFaces; ///< in place of the faces' meshes, where wanted
     float m_edgeReach_px;
     bool m_transparent;
     std::optional<Environment> m_environment; ///< of bodies with physically based shading

@@ -82,6 +82,7 @@ struct SceneSettings {
     std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of bodies
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
+    bool legacy = false; ///< faces by the library's face shading; then there are no values
 };
 
 /// Nodes by their numbers, or those of a node set.

@@ -114,6 +114,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --pbr --hdr @two.vtk => two.vtk: Failed to load HDR image file! "
         "(not a Radiance image)",
         "@two.vtk --legend yes => on or off",
+        "@two.vtk --legacy --fixed => --fixed excludes --legacy",
         "@two.vtk --logo @none.png => none.png: no such file",
         "@two.vtk --logo @two.vtk => two.vtk: not a PNG or JPEG image",
         "@two.vtk --icons @two.vtk --marker-nodes 0 => two.vtk: not a PNG or JPEG image",
@@ -185,6 +186,16 @@ TEST_F(ViewerProgram, DrawsThePictureThatWasAskedFor) {
     EXPECT_TRUE(pixel(0, 0)[0] == 0x10 && pixel(0, 0)[1] == 0x20 && pixel(0, 0)[2] == 0x30);
     EXPECT_GT(pixel(180, 10)[0], 100 + pixel(180, 10)[2]) << "red, the highest value, at the upper right";
     EXPECT_GT(pixel(20, 90)[2], 100 + pixel(20, 90)[0]) << "blue at the lower left";
+}
+
+TEST_F(ViewerProgram, ShadesFacesByTheLegacyPrograms) {
+    const std::string command = "--sample flange:4 --plain --size 200x150 -o @";
+    EXPECT_EQ(nruview(command + "legacy.png --legacy").output, "");
+    EXPECT_EQ(nruview(command + "turned.png --legacy --view -1,-1,1").output, "");
+    EXPECT_EQ(nruview(command + "flat.png --shade flat").output, "");
+    EXPECT_FALSE(contents("legacy.png") == contents("flat.png"));
+    EXPECT_FALSE(contents("legacy.png") == contents("turned.png"));
+    EXPECT_GT(contents("legacy.png").size(), 2000u) << "a model with shades";
 }
 
 TEST_F(ViewerProgram, DrawsPicturesAndWhatIsPickedOverTheModel) {

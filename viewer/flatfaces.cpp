@@ -1,0 +1,45 @@
+// Triangles first, then quads as lines with adjacency, which have four corners too.
+#include "viewer/flatfaces.h"
+
+#include <epoxy/gl.h>
+
+#include "viewer/bodies.h"
+#include "viewer/error.h"
+#include "viewer/surface.h"
+
+namespace nruview {
+
+namespace {
+
+std::vector<NgColorLong> cellColors(const ShownModel& shown, const BodySettings& body) {
+    std::vector<NgColorLong> colors(shown.model.cellCount(), partColor({}, body));
+    for (const ModelPart& part : shown.model.parts)
+        for (std::size_t i = 0; i < part.cellCount; ++i)
+            colors[part.firstCell + i] = partColor(part, body);
+    const std::vector<NgColorLong> own = standOutColors(shown.elements, colors.size());
+    for (std::size_t i = 0; i < own.size(); ++i)
+        colors[i] = own[i] != 0 ? own[i] : colors[i];
+    return colors;
+}
+
+} // namespace
+
+void drawFlatFaces(const ShownModel& shown, const BodySettings& body) {
+    const std::vector<NgColorLong> colors = cellColors(shown, body);
+    for (const auto& [kind, corners] : {std::pair{GL_TRIANGLES, 3u}, {GL_LINES_ADJACENCY, 4u}}) {
+        if (NglInitMeshRenderShader(kind) != 0)
+            throw ViewerError("--legacy", "the driver has no programs with geometry stages");
+        glBegin(static_cast<GLenum>(kind));
+        forEachFace(shown.surface, [&](std::span<const std::uint32_t> face, std::uint32_t cell) {
+            if (face.size() != corners || !shown.elements.isShown(cell))
+                return;
+            ngl_set_color_long(colors[cell]);
+            for (const std::uint32_t corner : face)
+                glVertex3dv(shown.points[corner].data());
+        });
+        glEnd();
+        NglEndMeshRenderShader();
+    }
+}
+
+} // namespace nruview
