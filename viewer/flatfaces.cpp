@@ -26,7 +26,8 @@ std::vector<NgColorLong> cellColors(const ShownModel& shown, const BodySettings&
 
 void drawFlatFaces(const ShownModel& shown, const BodySettings& body) {
     const std::vector<NgColorLong> colors = cellColors(shown, body);
-    for (const auto& [kind, corners] : {std::pair{GL_TRIANGLES, 3u}, {GL_LINES_ADJACENCY, 4u}}) {
+    for (const int kind : {GL_TRIANGLES, GL_LINES_ADJACENCY}) {
+        const std::size_t corners = kind == GL_TRIANGLES ? 3 : 4;
         if (NglInitMeshRenderShader(kind) != 0)
             throw ViewerError("--legacy", "the driver has no programs with geometry stages");
         glBegin(static_cast<GLenum>(kind));
