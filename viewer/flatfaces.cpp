@@ -3,6 +3,8 @@
 
 #include <epoxy/gl.h>
 
+#include <array>
+
 #include "viewer/bodies.h"
 #include "viewer/error.h"
 #include "viewer/surface.h"
@@ -22,10 +24,39 @@ std::vector<NgColorLong> cellColors(const ShownModel& shown, const BodySettings&
     return colors;
 }
 
+/// Light 0 turned with the model for the length of a block: the programs take the normals of faces as they
+/// are in model space, but the lamp, which is far away, as it stands before the eye.
+class LampOfModel {
+public:
+    LampOfModel() {
+        std::array<float, 16> view{};
+        std::array<float, 4> turned{};
+        glGetFloatv(GL_MODELVIEW_MATRIX, view.data());
+        glGetLightfv(GL_LIGHT0, GL_POSITION, m_position.data());
+        for (std::size_t i = 0; i < 3; ++i)
+            for (std::size_t k = 0; k < 3; ++k)
+                turned[i] += view[4 * i + k] * m_position[k];
+        place(turned);
+    }
+    ~LampOfModel() { place(m_position); }
+    LampOfModel(const LampOfModel&) = delete;
+    LampOfModel& operator=(const LampOfModel&) = delete;
+
+private:
+    static void place(const std::array<float, 4>& eyePosition) {
+        glPushMatrix();
+        glLoadIdentity();
+        glLightfv(GL_LIGHT0, GL_POSITION, eyePosition.data());
+        glPopMatrix();
+    }
+    std::array<float, 4> m_position{};
+};
+
 } // namespace
 
 void drawFlatFaces(const ShownModel& shown, const BodySettings& body) {
     const std::vector<NgColorLong> colors = cellColors(shown, body);
+    const LampOfModel lamp;
     for (const int kind : {GL_TRIANGLES, GL_LINES_ADJACENCY}) {
         const std::size_t corners = kind == GL_TRIANGLES ? 3 : 4;
         if (NglInitMeshRenderShader(kind) != 0)

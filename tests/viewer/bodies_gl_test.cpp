@@ -96,7 +96,7 @@ protected:
         const ShownModel shown = showModel(model, {});
         const Camera camera = fitCamera(parseView(view), shown.bounds, 1.0, false);
         beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
-        Scene scene(shown, {.opacity = m_opacity}, settings);
+        Scene scene(shown, {.opacity = m_opacity, .legacy = m_legacy}, settings);
         beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
         scene.draw();
         return read();
@@ -107,6 +107,7 @@ protected:
     }
 
     double m_opacity = 1.0;
+    bool m_legacy = false;
 
 private:
     std::optional<LibrarySession> m_session;
@@ -126,6 +127,16 @@ void expectMostly(const Rgb& color, char channel, const std::string& name) {
 }
 
 } // namespace
+
+// The older programs leave normals in model space; the lamp goes with the eye all the same.
+TEST_F(ViewerBodies, FlatFacesAreLitAlikeFromEverySide) {
+    m_legacy = true;
+    for (const char* view : {"0,0,1", "0,0,-1", "1,0,0", "-1,0,0", "0,1,0", "0,-1,0"}) {
+        const Rgb shade = middle(block(), {.color = 0xFFC8C8C8}, view);
+        EXPECT_NEAR(shade.red, 243, 2) << view; // 200 x (0.5 / 1.74 + 1 / 1.078), the lamp's cosine
+        EXPECT_EQ(shade.red, shade.blue) << view;
+    }
+}
 
 TEST_F(ViewerBodies, ShowTheColorOfTheSideThatIsSeen) {
     for (bool physical : {false, true}) {
