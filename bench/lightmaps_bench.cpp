@@ -14,7 +14,7 @@
 #include "NRenderUtl/NRenderUtl.h"
 #include "bench/timing.h"
 #include "tests/support/radiancewriter.h"
-#include "viewer/offscreen.h"
+#include "viewer/app/offscreen.h"
 
 namespace {
 

@@ -20,7 +20,7 @@
 
 #include "NRenderUtl/NRenderUtl.h"
 #include "bench/timing.h"
-#include "viewer/offscreen.h"
+#include "viewer/app/offscreen.h"
 
 namespace {
 

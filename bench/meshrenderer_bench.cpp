@@ -21,7 +21,7 @@
 
 #include "NRenderUtl/NRenderUtl.h"
 #include "bench/timing.h"
-#include "viewer/offscreen.h"
+#include "viewer/app/offscreen.h"
 
 namespace {
 

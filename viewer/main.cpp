@@ -1,5 +1,5 @@
 // nruview: reads a model, shows it in a window or draws it into a file. A host's way through the library is
-// in frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking).
+// in scene/: frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking).
 #include <epoxy/gl.h>
 
 #include <cstdio>
@@ -8,20 +8,20 @@
 #include <new>
 #include <vector>
 
+#include "viewer/app/listing.h"
+#include "viewer/app/messages.h"
+#include "viewer/app/offscreen.h"
+#include "viewer/app/options.h"
+#include "viewer/app/pngwriter.h"
+#include "viewer/bodies/materials.h"
 #include "viewer/error.h"
-#include "viewer/frame.h"
-#include "viewer/labels.h"
-#include "viewer/listing.h"
-#include "viewer/markerpick.h"
-#include "viewer/materials.h"
-#include "viewer/messages.h"
-#include "viewer/offscreen.h"
-#include "viewer/options.h"
-#include "viewer/pngwriter.h"
-#include "viewer/samples.h"
-#include "viewer/scene.h"
-#include "viewer/shownmodel.h"
-#include "viewer/window.h"
+#include "viewer/labels/labels.h"
+#include "viewer/markers/markerpick.h"
+#include "viewer/model/samples.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/scene.h"
+#include "viewer/scene/shownmodel.h"
+#include "viewer/window/window.h"
 
 namespace nruview {
 

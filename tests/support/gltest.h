@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "viewer/offscreen.h"
+#include "viewer/app/offscreen.h"
 
 namespace nrutest {
 

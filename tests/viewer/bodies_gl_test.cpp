@@ -7,12 +7,12 @@
 #include "tests/support/fewsamples.h"
 #include "tests/support/gltest.h"
 #include "tests/support/radiancewriter.h"
+#include "viewer/app/messages.h"
+#include "viewer/app/options.h"
 #include "viewer/error.h"
-#include "viewer/frame.h"
-#include "viewer/messages.h"
-#include "viewer/options.h"
-#include "viewer/scene.h"
-#include "viewer/vectors.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/scene.h"
 
 using namespace nruview;
 using nrutest::Picture;

@@ -5,8 +5,8 @@
 #include <numbers>
 #include <set>
 
-#include "viewer/bodymesh.h"
-#include "viewer/vectors.h"
+#include "viewer/bodies/bodymesh.h"
+#include "viewer/model/vectors.h"
 
 using namespace nruview;
 

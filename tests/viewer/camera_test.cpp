@@ -8,9 +8,9 @@
 #include <cmath>
 #include <tuple>
 
-#include "viewer/camera.h"
 #include "viewer/error.h"
-#include "viewer/vectors.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/camera.h"
 
 using namespace nruview;
 

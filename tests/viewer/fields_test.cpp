@@ -1,5 +1,5 @@
 // Components, invariants and steps of fields, against closed formulas.
-#include "viewer/fields.h"
+#include "viewer/model/fields.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -5,12 +5,12 @@
 
 #include "tests/support/glsnapshot.h"
 #include "tests/support/gltest.h"
-#include "viewer/axes.h"
-#include "viewer/frame.h"
-#include "viewer/labels.h"
-#include "viewer/legend.h"
-#include "viewer/samples.h"
-#include "viewer/scene.h"
+#include "viewer/labels/axes.h"
+#include "viewer/labels/labels.h"
+#include "viewer/labels/legend.h"
+#include "viewer/model/samples.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/scene.h"
 
 using namespace nruview;
 using nrutest::Picture;

@@ -3,14 +3,14 @@
 
 #include <cmath>
 
-#include "viewer/camera.h"
 #include "viewer/error.h"
-#include "viewer/extremes.h"
-#include "viewer/font.h"
-#include "viewer/hosttext.h"
-#include "viewer/labelnumbers.h"
-#include "viewer/labels.h"
-#include "viewer/legend.h"
+#include "viewer/labels/font.h"
+#include "viewer/labels/hosttext.h"
+#include "viewer/labels/labelnumbers.h"
+#include "viewer/labels/labels.h"
+#include "viewer/labels/legend.h"
+#include "viewer/model/extremes.h"
+#include "viewer/scene/camera.h"
 
 using namespace nruview;
 

@@ -4,14 +4,14 @@
 #include <optional>
 
 #include "tests/support/gltest.h"
-#include "viewer/colorbands.h"
-#include "viewer/frame.h"
-#include "viewer/markerpick.h"
-#include "viewer/pick.h"
-#include "viewer/scene.h"
-#include "viewer/sight.h"
-#include "viewer/supports.h"
-#include "viewer/vectors.h"
+#include "viewer/markers/markerpick.h"
+#include "viewer/markers/supports.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/colorbands.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/pick.h"
+#include "viewer/scene/scene.h"
+#include "viewer/scene/sight.h"
 
 using namespace nruview;
 using nrutest::Picture;

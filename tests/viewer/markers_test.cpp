@@ -3,11 +3,11 @@
 
 #include <cmath>
 
-#include "viewer/markers.h"
-#include "viewer/principal.h"
-#include "viewer/samples.h"
-#include "viewer/symbols.h"
-#include "viewer/vectors.h"
+#include "viewer/markers/markers.h"
+#include "viewer/markers/principal.h"
+#include "viewer/markers/symbols.h"
+#include "viewer/model/samples.h"
+#include "viewer/model/vectors.h"
 
 using namespace nruview;
 using ::testing::ElementsAre;

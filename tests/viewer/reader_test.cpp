@@ -8,7 +8,7 @@
 
 #include "tests/viewer/vtkwriter.h"
 #include "viewer/error.h"
-#include "viewer/model.h"
+#include "viewer/model/model.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <set>
 #include <tuple>
 
-#include "viewer/elasticity.h"
-#include "viewer/fields.h"
-#include "viewer/samples.h"
-#include "viewer/vectors.h"
+#include "viewer/model/elasticity.h"
+#include "viewer/model/fields.h"
+#include "viewer/model/samples.h"
+#include "viewer/model/vectors.h"
 
 using namespace nruview;
 

@@ -1,6 +1,6 @@
 // Skins of single elements, of elements that touch, and of flat cells, against closed formulas for area and
 // volume.
-#include "viewer/surface.h"
+#include "viewer/model/surface.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,8 +8,8 @@
 #include <cmath>
 #include <tuple>
 
-#include "viewer/celltypes.h"
-#include "viewer/vectors.h"
+#include "viewer/model/celltypes.h"
+#include "viewer/model/vectors.h"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <functional>
 
 #include "viewer/error.h"
+#include "viewer/model/surface.h"
+#include "viewer/model/vectors.h"
 #include "viewer/readers/apart.h"
-#include "viewer/surface.h"
-#include "viewer/vectors.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <set>
 
 #include "tests/support/gltest.h"
-#include "viewer/frame.h"
-#include "viewer/pick.h"
-#include "viewer/samples.h"
-#include "viewer/scene.h"
-#include "viewer/vectors.h"
+#include "viewer/model/samples.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/pick.h"
+#include "viewer/scene/scene.h"
 
 using namespace nruview;
 using nrutest::Picture;

@@ -1,7 +1,7 @@
 // From raw cells and coordinates to a model: unknown cell types drop out, indices are checked.
 #include <limits>
 
-#include "viewer/celltypes.h"
+#include "viewer/model/celltypes.h"
 #include "viewer/readers/readers.h"
 
 namespace nruview::readers {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "viewer/text.h"
+#include "viewer/labels/text.h"
 
 namespace nruview::readers {
 

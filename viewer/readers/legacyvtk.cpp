@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "viewer/labels/text.h"
 #include "viewer/readers/legacycursor.h"
-#include "viewer/text.h"
 
 namespace nruview::readers {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "viewer/model.h"
+#include "viewer/model/model.h"
 
 namespace nruview::readers {
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <unordered_map>
 
-#include "viewer/vectors.h"
+#include "viewer/model/vectors.h"
 
 namespace nruview::readers {
 

@@ -1,0 +1,331 @@
+// The command line through CLI11.
+#include "viewer/app/options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <iostream>
+
+#include "viewer/app/optionvalues.h"
+#include "viewer/error.h"
+#include "viewer/model/samples.h"
+
+namespace nruview {
+
+namespace {
+
+constexpr double kOpacityOverTensors = 0.2;
+
+std::string sampleHelp() {
+    std::string text = "a built-in model instead of a file, N elements along its longest side:";
+    for (const auto& [name, description] : sampleList())
+        text += "\n" + name + ", " + description;
+    return text;
+}
+
+/// An empty word, as of a script's unset variable, is no name.
+std::string refuseEmpty(const std::string& text) {
+    return text.empty() ? "the name is empty" : "";
+}
+
+/// An option whose text a function turns into a value.
+template <typename Value, typename Parse>
+CLI::Option* addParsed(CLI::App& app, const char* name, Value& value, Parse parse, const char* form,
+                       const char* help) {
+    const auto take = [&value, parse, name](const std::string& text) { value = parse(name, text); };
+    return app.add_option_function<std::string>(name, take, help)->option_text(form);
+}
+
+/// The same for an option that may stand more than once; its values come one behind the other.
+template <typename Value, typename Parse>
+CLI::Option* addRepeated(CLI::App& app, const char* name, std::vector<Value>& values, Parse parse,
+                         const char* form, const char* help) {
+    const auto take = [&values, parse, name](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts)
+            values.push_back(parse(name, text));
+    };
+    return app.add_option_function<std::vector<std::string>>(name, take, help)
+        ->allow_extra_args(false) // the next word is an option or the file
+        ->option_text(form);
+}
+
+/// An option of lists; several add up.
+template <typename List, typename Parse>
+CLI::Option* addLists(CLI::App& app, const char* name, List& list, Parse parse, const char* form,
+                      const char* help) {
+    const auto take = [&list, parse, name](const std::vector<std::string>& texts) {
+        for (const std::string& text : texts)
+            for (const auto& item : parse(name, text))
+                list.push_back(item);
+    };
+    return app.add_option_function<std::vector<std::string>>(name, take, help)
+        ->allow_extra_args(false)
+        ->option_text(form);
+}
+
+void addElements(CLI::App& app, const char* name, ElementList& list, const char* help) {
+    addLists(app, name, list, parseElements, "LIST", help);
+}
+
+void addContentOptions(CLI::App& app, Options& options) {
+    CLI::Option* file = app.add_option("file", options.file,
+                                       "file to draw: finite elements (.vtu, .vtk) or a surface (.stl, .obj, "
+                                       ".ply, .glb, .gltf)");
+    file->option_text("FILE")->check(refuseEmpty);
+    app.add_option("--sample", options.sample, sampleHelp())
+        ->option_text("NAME[:N]")
+        ->check(refuseEmpty)
+        ->excludes(file);
+    CLI::Option* field =
+        app.add_option("--field", options.shown.field,
+                       "field to colour by; @node or @cell where both have the name; components are "
+                       "numbers from 0, x y z, xx yy zz xy yz xz, mag, mises");
+    field->option_text("NAME[@node|@cell][:COMPONENT]")->check(refuseEmpty);
+    app.add_option("--step", options.shown.step, "result step, from 0 (default: the last)")->option_text("N");
+    addParsed(app, "--bands", options.scene.bands, parseBands, "N",
+              "number of colours (default 12, at most 64)")
+        ->needs(field);
+    addParsed(app, "--range", options.scene.range, parseRange, "MIN,MAX",
+              "values of the first and the last colour; what lies outside takes these two")
+        ->needs(field);
+    app.add_flag("--smear", options.scene.smeared, "blend the colours into each other")->needs(field);
+    const auto takeFactor = [&options](const std::string& text) {
+        options.shown.deformed = true;
+        options.shown.deformFactor = parseDeform("--deform", text);
+    };
+    CLI::Option* deform =
+        app.add_option_function<std::string>("--deform", takeFactor,
+                                             "move the nodes by their displacement times a factor; "
+                                             "auto shows the largest as a tenth of the model's size");
+    deform->option_text("FACTOR|auto");
+    app.add_option(
+           "--deform-by", options.shown.deformBy,
+           "displacement field (default: the one named like a displacement, else the vector that is drawn)")
+        ->option_text("NAME")
+        ->check(refuseEmpty)
+        ->needs(deform);
+}
+
+void addElementOptions(CLI::App& app, Options& options) {
+    ElementSettings& elements = options.shown.elements;
+    addElements(app, "--hide", elements.hidden,
+                "elements to leave out, such as 0-99,120 (numbers from 0); unless --select or --highlight "
+                "names them too");
+    addElements(app, "--select", elements.selected, "elements to show in the selection colour");
+    addElements(app, "--highlight", elements.highlighted, "elements to show in the highlight colour");
+    addRepeated(app, "--color", elements.colored, parseColored, "LIST=RRGGBB",
+                "elements to show in a colour of their own, without contour; may be repeated");
+    addRepeated(app, "--clip", elements.clips, parseClip, "AXIS:MIN,MAX",
+                "keep the elements whose middle lies between two coordinates, one of which may be missing "
+                "(x:,50); may be repeated");
+    CLI::Option* level = addParsed(app, "--fail-level", elements.failLevel, parseLevel, "N",
+                                   "the level, from 0, that elements fail at or exist from");
+    CLI::Option* fail = app.add_option("--fail", elements.failField,
+                                       "element field: leave an element out from this level on");
+    CLI::Option* before = app.add_option("--fail-before", elements.failBeforeField,
+                                         "element field: leave an element out before this level");
+    for (CLI::Option* field : {fail, before})
+        field->option_text("FIELD")->check(refuseEmpty)->needs(level);
+}
+
+void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array<int, 2>>& size) {
+    app.add_option("-o,--output", options.output,
+                   "draw into a PNG file, without a display (default: a window)")
+        ->option_text("FILE.png")
+        ->check(refuseEmpty);
+    addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
+              "element edges (default: all; none of surface models and bodies)");
+    addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
+              "smooth (default) with sharp edges kept, by triangle, or by element face");
+    addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
+              "largest angle between faces that are shaded as one, in place of the file's normals "
+              "(default: the file's normals, else 30)");
+    addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
+              "of the faces or bodies: 0 invisible to 1 opaque (default)");
+    addParsed(
+        app, "--view", options.view, [](const char*, const std::string& text) { return parseView(text); },
+        "VIEW",
+        "iso (default); xy yx xz zx yz zy, the axes to the right and upward; or X,Y,Z, the side to "
+        "look from");
+    app.add_flag("--persp", options.perspective, "perspective instead of a parallel projection");
+    addParsed(app, "--size", size, parseSize, "WxH", "size of the picture in pixels (default 1024x768)");
+    addParsed(app, "--background", options.background, parseColor, "RRGGBB",
+              "hexadecimal, or black or white (default)");
+    app.add_flag("--fixed", options.fixed, "draw without GLSL programs");
+}
+
+/// Bodies: models without a field, lit by lamps or by an environment.
+void addBodyOptions(CLI::App& app, Options& options) {
+    BodySettings& body = options.body;
+    CLI::Option* field = app.get_option("--field");
+    CLI::Option* pbr = app.add_flag("--pbr", body.physical, "physically based shading")->excludes(field);
+    CLI::Option* hdr = app.add_option("--hdr", body.environment,
+                                      "environment that lights the model, a Radiance picture of all "
+                                      "directions; @studio is a made-up one");
+    hdr->option_text("FILE.hdr")->check(refuseEmpty)->needs(pbr);
+    addParsed(app, "--hdr-up", body.environmentUp, parseImageUp, "AXIS",
+              "x, -x, y, -y, z or -z: what is upward in it (default: what is upward in the view)")
+        ->needs(hdr);
+    app.add_flag("--hdr-background", body.environmentBackground, "show it behind the model")->needs(hdr);
+    app.add_option("--material", body.material, "how the surface reflects (default: Steel)")
+        ->option_text("NAME")
+        ->check(refuseEmpty)
+        ->needs(pbr);
+    CLI::Option* legacy = app.add_flag("--legacy", options.scene.legacy,
+                                       "a shade for each face by the legacy programs for meshes");
+    for (const char* other : {"--field", "--pbr", "--fixed", "--opacity", "--shade"})
+        legacy->excludes(app.get_option(other));
+    app.add_flag("--materials", options.materials, "print the table of materials and end");
+    CLI::Option* color = addParsed(app, "--body-color", body.color, parseColor, "RRGGBB",
+                                   "colour of all bodies (default: the file's, else the material's)");
+    color->excludes(field);
+    addParsed(app, "--front-color", body.frontColor, parseColor, "RRGGBB",
+              "colour of faces seen from their front; with --back-color shows which way they turn")
+        ->excludes(field)
+        ->excludes(color);
+    addParsed(app, "--back-color", body.backColor, parseColor, "RRGGBB", "colour of faces seen from behind")
+        ->excludes(field)
+        ->excludes(color);
+}
+
+CLI::Option* addField(CLI::App& app, const char* name, std::string& field, const char* help) {
+    return app.add_option(name, field, help)->option_text("FIELD")->check(refuseEmpty);
+}
+
+/// Loads, supports, connectors and tensors.
+void addMarkerOptions(CLI::App& app, Options& options) {
+    MarkerSettings& markers = options.markers;
+    CLI::Option* arrows =
+        addField(app, "--arrows", markers.arrows, "vector field of the nodes to show as arrows from them");
+    addParsed(app, "--arrow-scale", markers.arrowScale, parseScale, "X",
+              "model length of a vector of size 1 (default: the longest is a tenth of the model's size)")
+        ->needs(arrows);
+    CLI::Option* spheres =
+        addField(app, "--spheres", markers.spheres, "node field to show as coloured spheres at the nodes");
+    addParsed(app, "--sphere-size", markers.sphereSize, parseScale, "D",
+              "diameter in model length (default: 0.015 of the model's size)")
+        ->needs(spheres);
+    addParsed(
+        app, "--marker-nodes", markers.nodes, parseNodes, "NODES",
+        "nodes of arrows and spheres: a list such as 0-99,120 (numbers from 0) or the name of a node set "
+        "(default: those of the faces shown)");
+    CLI::Option* connectors =
+        addLists(app, "--connectors", markers.connectors, parseConnectors, "A-B,C-D",
+                 "pairs of nodes to connect, in the colours of --field at both; may be repeated");
+    addParsed(app, "--connector-shape", markers.connectorShape, parseConnectorShape, "rivet|cylinder",
+              "rivet is the default")
+        ->needs(connectors);
+    addRepeated(app, "--supports", markers.supports, parseSupports, "NODES[:KIND]",
+                "nodes to show a symbol at: clamp (default), pin, roller, diamond, cross, ring, star, frame; "
+                "axis-x, spring-y, torsion-z, damper-x and so on along an axis; may be repeated");
+    addField(app, "--tensors", markers.tensors,
+             "tensor field to show as ellipsoids in the elements, with faces of --opacity 0.2 if that is not "
+             "given");
+}
+
+void addLabelOptions(CLI::App& app, Options& options) {
+    LabelSettings& labels = options.labels;
+    const auto takePlain = [&labels](std::int64_t) { labels = {false, false, false, "", false}; };
+    CLI::Option* plain =
+        app.add_flag_function("--plain", takePlain, "nothing but the model: no legend, marks, axes or title");
+    addParsed(app, "--legend", labels.legend, parseSwitch, "on|off", "colour bar of a field (default: on)")
+        ->excludes(plain);
+    addParsed(app, "--marks", labels.marks, parseSwitch, "on|off",
+              "where a field is smallest and largest (default: on)")
+        ->excludes(plain);
+    addParsed(app, "--axes", labels.axes, parseSwitch, "on|off", "directions of x, y and z (default: on)")
+        ->excludes(plain);
+    app.add_option("--title", labels.title,
+                   "text above the picture, '' for none (default: the model, the field and its step)")
+        ->option_text("TEXT")
+        ->excludes(plain);
+    app.add_option("--logo", labels.logo, "picture for the lower right corner (.png, .jpg)")
+        ->option_text("FILE")
+        ->check(refuseEmpty)
+        ->excludes(plain);
+    app.add_option(
+           "--icons", labels.icons,
+           "picture to show as a disc at the --marker-nodes, or where the field is smallest and largest")
+        ->option_text("FILE")
+        ->check(refuseEmpty)
+        ->excludes(plain);
+}
+
+void addReportOptions(CLI::App& app, Options& options) {
+    app.add_flag("--list", options.list, "print what is in the file, and draw only if -o is given");
+    addParsed(
+        app, "--pick", options.pick, parsePixel, "X,Y",
+        "print the node, edge or element under a pixel, counted from the upper left corner, with its value");
+    app.add_flag("--verbose", options.verbose, "tell on standard error what the library has decided");
+}
+
+/// The model's axis nearest to the upward direction of a view.
+ImageUp upwardAxis(const ViewAxes& view) {
+    int axis = 0;
+    for (int k : {1, 2})
+        if (std::abs(view.up[k]) > std::abs(view.up[axis]))
+            axis = k;
+    return static_cast<ImageUp>(2 * axis + (view.up[axis] < 0.0 ? 1 : 0));
+}
+
+/// What bodies cannot show, and what is up in their environment.
+void checkBody(Options& options) {
+    BodySettings& body = options.body;
+    const ElementSettings& elements = options.shown.elements;
+    if (body.isAskedFor() &&
+        !(elements.selected.empty() && elements.highlighted.empty() && elements.colored.empty()))
+        throw ViewerError("command line", "bodies do not show --select, --highlight and --color");
+    if (body.isAskedFor() && options.scene.shading != Shading::Smooth)
+        throw ViewerError("--shade", "bodies are smooth up to the angle of --crease");
+    if (!body.environmentUp)
+        body.environmentUp = upwardAxis(options.view);
+}
+
+/// Errors of CLI11 may run over several lines; ours is one.
+std::string firstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
+}
+
+} // namespace
+
+std::optional<Options> readOptions(int argc, const char* const* argv) {
+    CLI::App app("Draws finite-element models with their results, and surface models.", "nruview");
+    app.set_version_flag("--version", "nruview " NRUVIEW_VERSION);
+    Options options;
+    std::optional<std::array<int, 2>> size;
+    addContentOptions(app, options);
+    addElementOptions(app, options);
+    addPictureOptions(app, options, size);
+    addBodyOptions(app, options);
+    addMarkerOptions(app, options);
+    addLabelOptions(app, options);
+    addReportOptions(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& shown) {
+        app.exit(shown, std::cout, std::cout);
+        return {};
+    } catch (const CLI::ParseError& error) {
+        throw ViewerError("command line", firstLine(error.what()));
+    }
+    if (options.materials)
+        return options;
+    if (options.file.empty() && options.sample.empty())
+        throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
+    checkBody(options);
+    options.labels.iconNodes = options.markers.nodes;
+    if (!options.labels.icons.empty() && !options.markers.nodes && options.shown.field.empty())
+        throw ViewerError("--icons", "--marker-nodes or --field is needed with it");
+    if (!options.markers.tensors.empty() && app.count("--opacity") == 0)
+        options.scene.opacity = kOpacityOverTensors;
+    const ElementSettings& elements = options.shown.elements;
+    if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
+        throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");
+    if (size) {
+        options.width = (*size)[0];
+        options.height = (*size)[1];
+    }
+    return options;
+}
+
+} // namespace nruview

@@ -1,0 +1,35 @@
+// The command line of nruview.
+#pragma once
+
+#include <cstdint>
+
+#include "viewer/scene/camera.h"
+#include "viewer/scene/scenesettings.h"
+
+namespace nruview {
+
+struct Options {
+    std::string file;   ///< empty when a sample is shown
+    std::string sample; ///< NAME or NAME:N
+    std::string output; ///< PNG file; empty: a window
+    ShownSettings shown;
+    SceneSettings scene;
+    BodySettings body;
+    MarkerSettings markers;
+    LabelSettings labels;
+    ViewAxes view = parseView("iso");
+    bool perspective = false;
+    int width = 1024, height = 768;
+    std::uint32_t background = 0xFFFFFFFF; ///< packed 0xAABBGGRR
+    bool fixed = false;                    ///< fixed function where programs run too
+    bool list = false;
+    bool materials = false; ///< print the material table and end
+    bool verbose = false;
+    std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
+};
+
+/// Reads the command line. Returns nothing after --help or --version, which it prints; throws ViewerError
+/// naming the argument that is wrong.
+std::optional<Options> readOptions(int argc, const char* const* argv);
+
+} // namespace nruview

@@ -1,0 +1,60 @@
+// The picture of a model: library meshes made once, drawn in every frame.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "viewer/bodies/bodies.h"
+#include "viewer/bodies/environment.h"
+#include "viewer/markers/markerscene.h"
+#include "viewer/scene/colorbands.h"
+#include "viewer/scene/meshbuilder.h"
+#include "viewer/scene/shownmodel.h"
+
+namespace nruview {
+
+/// Needs a current context from its making on, and for drawing the view that beginFrame sets.
+class Scene {
+public:
+    /// Null markers: none. They are read for as long as the scene is drawn.
+    Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body = {},
+          const Markers* markers = nullptr);
+    ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
+
+    void draw();
+    /// What the colours of the faces and of the markers mean, for as long as the scene is there.
+    std::vector<LegendContent> legends(const ShownModel& shown) const;
+    /// Beams or single points: those with values, and the others by their colour.
+    struct Part {
+        ContourMesh colored;
+        std::vector<std::pair<NgColorLong, MeshPtr>> plain;
+    };
+
+private:
+    void makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body);
+    void makeLoose(const ShownModel& shown);
+    void drawOpaqueFaces();
+    void drawTransparentFaces();
+    void drawFaces();
+    void drawBeams();
+    void drawPoints();
+    void drawEdges();
+    template <typename Draw>
+    void drawPart(Part& part, Draw draw);
+
+    std::optional<ColorBands> m_bands;
+    EdgeMode m_edgeMode;
+    std::function<void()> m_drawFlatFaces; ///< in place of the faces' meshes, where wanted
+    float m_edgeReach_px;
+    bool m_transparent;
+    std::optional<Environment> m_environment; ///< of bodies with physically based shading
+    std::optional<Bodies> m_bodies;           ///< in place of the faces' meshes
+    ngl::NglElementMesh m_coloredFaces, m_plainFaces;
+    Part m_beams, m_points;
+    MeshPtr m_edges;
+    std::optional<MarkerScene> m_markers;
+};
+
+} // namespace nruview

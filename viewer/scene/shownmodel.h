@@ -1,0 +1,42 @@
+// A model as it is shown: its surface, the drawn positions of its points and the value that colours them.
+#pragma once
+
+#include "viewer/model/fields.h"
+#include "viewer/model/surface.h"
+#include "viewer/scene/camera.h"
+#include "viewer/scene/elements.h"
+#include "viewer/scene/scenesettings.h"
+
+namespace nruview {
+
+/// Points are the model's nodes followed by the centres of the surface. They are drawn about the model's
+/// middle in a unit like its size: OpenGL's single precision would shake a small model far from the origin to
+/// pieces.
+struct ShownModel {
+    Model model;
+    ElementFacts elements;
+    Surface surface;
+    std::vector<Point> points; ///< where each point is drawn: deformed when asked for
+    Bounds bounds;             ///< of the surface, hidden elements included: they do not move the camera
+    Point middle{};            ///< model position that is drawn at the origin
+    double unit = 1.0;         ///< model length that is drawn as 1, a power of 2
+    std::optional<Scalars> scalars;
+    double deformFactor = 0.0;
+    double creaseDeg = 30.0;     ///< faces that meet at a larger angle are not shaded as one
+    bool hasFileNormals = false; ///< corners take the model's normals where it has them
+
+    /// Where a position of the model, deformed when asked for, is drawn.
+    Point drawn(const Point& position) const;
+};
+
+/// Throws ViewerError for an unknown field, step or element, a missing displacement, or a model with nothing
+/// to draw.
+ShownModel showModel(Model model, const ShownSettings& settings);
+
+/// Value of a point in a face of a cell: the node's or the cell's; NaN where there is none.
+double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell);
+
+/// Position of a point in the undeformed model.
+Point modelPosition(const ShownModel& shown, std::uint32_t point);
+
+} // namespace nruview
