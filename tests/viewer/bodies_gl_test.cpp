@@ -33,6 +33,7 @@ Rgb channels(NgColorLong color) {
 void addSheet(Model& model, double z, NgColorLong color, double opacity = 1.0) {
     const auto first = static_cast<std::uint32_t>(model.nodes.size());
     model.nodes.insert(model.nodes.end(), {{-1, -1, z}, {1, -1, z}, {1, 1, z}, {-1, 1, z}});
+    model.isSurface = true;
     model.parts.push_back({"sheet", static_cast<std::uint32_t>(model.cellCount()), 1, color, opacity});
     model.addCell(CellType::Quad, std::array{first, first + 1, first + 2, first + 3});
 }

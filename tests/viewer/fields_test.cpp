@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "viewer/error.h"
+#include "viewer/model/numbering.h"
 
 namespace {
 
@@ -23,6 +24,16 @@ Model modelOf(std::vector<Field> fields) {
     Model model;
     model.fields = std::move(fields);
     return model;
+}
+
+template <typename Call>
+std::string errorOf(Call call) {
+    try {
+        call();
+    } catch (const ViewerError& error) {
+        return error.what();
+    }
+    return "no error";
 }
 
 TEST(Fields, SelectorsGiveComponentsAndInvariants) {
@@ -88,6 +99,43 @@ TEST(Fields, NumberedNamesMakeSeriesInTheOrderOfTheirNumbers) {
     EXPECT_EQ(findDisplacement(kSteps, 0), &kSteps.fields[2]);
     EXPECT_EQ(findDisplacement(modelOf({{"T", kNode, 3, {}}, {"u", kNode, 3, {}}}), {})->name, "u");
     EXPECT_EQ(findDisplacement(modelOf({{"disp", kCell, 3, {1, 2, 3}}, {"U", kNode, 1, {1}}}), {}), nullptr);
+}
+
+TEST(Fields, FieldsOfTheModelsStepsMakeSeriesThatMayHaveGaps) {
+    Model model = modelOf({{"U", kNode, 3, {1, 0, 0}, 0},
+                           {"T", kNode, 1, {5}, 2},
+                           {"T", kNode, 1, {4}, 0},
+                           {"U", kNode, 3, {2, 0, 0}, 1},
+                           {"disp1", kNode, 3, {9, 0, 0}}});
+    model.steps = {{"time 0.5", 0.5, false}, {"time 1", 1.0, false}, {"mode 3, 417 Hz", 417.0, true}};
+    EXPECT_EQ(stepCount(model), 3);
+    EXPECT_EQ(selectScalars(model, "T", 0).values[0], 4);
+    EXPECT_EQ(selectScalars(model, "T", {}).values[0], 5);
+    EXPECT_EQ(findDisplacement(model, 1), &model.fields[3]);
+    EXPECT_EQ(stepText(model, model.fields[1]), "mode 3, 417 Hz");
+    EXPECT_EQ(stepText(model, model.fields[4]), "");
+    EXPECT_EQ(errorOf([&] { selectScalars(model, "T", 1); }),
+              "field T: step 1 is not there; the steps are 0 2");
+}
+
+TEST(Numbering, TheFilesNumbersAreWhatUsersGive) {
+    Model model;
+    model.nodes.resize(5);
+    model.nodeNumbers = {70, 10, 30, 20, 40};
+    const auto indices = [&](const ElementList& numbers) {
+        std::vector<std::array<std::uint32_t, 2>> list;
+        for (const ElementRange& range : nodeIndices(model, numbers, "--nodes"))
+            list.push_back({range.first, range.last});
+        return list;
+    };
+    using Ranges = std::vector<std::array<std::uint32_t, 2>>;
+    EXPECT_EQ(indices({{10, 30}, {70, 70}}), (Ranges{{1, 1}, {3, 3}, {2, 2}, {0, 0}}));
+    EXPECT_EQ(indices({{35, 0xFFFFFFFF}}), (Ranges{{4, 4}, {0, 0}}));
+    EXPECT_EQ(errorOf([&] {
+                  indices({{41, 69}});
+              }),
+              "--nodes: there is no node 41 to 69; the model's nodes are 10 to 70");
+    EXPECT_EQ(nodeNumber(model, 3), 20);
 }
 
 TEST(Fields, BadSelectorsSayWhatThereIs) {

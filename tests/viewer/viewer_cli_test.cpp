@@ -126,12 +126,13 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "@two.vtk --arrows disp --arrow-scale 0 => --arrow-scale: '0' is not a number above 0",
         "@two.vtk --arrow-scale 1 => --arrow-scale requires --arrows",
         "@two.vtk --spheres T@cell => field T: has values of elements; spheres stand at nodes",
-        "@two.vtk --spheres T --marker-nodes 3,6 => --marker-nodes: node 6 is not there; the model has 6 "
-        "nodes",
+        "@two.vtk --spheres T --marker-nodes 3,6 => --marker-nodes: there is no node 6; the model's nodes "
+        "are "
+        "0 to 5",
         "@two.vtk --connectors 0-1,3 => --connectors: '0-1,3' is not a list of pairs of nodes such as "
         "3-40,7-12",
         "@two.vtk --connectors 2-2 => --connectors: '2-2' is not a list",
-        "@two.vtk --connectors 0-6 => --connectors: node 6 is not there",
+        "@two.vtk --connectors 0-6 => --connectors: there is no node 6",
         "@two.vtk --connectors 0-1 --connector-shape bolt => 'bolt' is not rivet or cylinder",
         "@two.vtk --supports fixed => --supports: there is no node set fixed; the model has none",
         "--sample cantilever:5 --supports free:pin => there is no node set free; the model has fixed, loaded",

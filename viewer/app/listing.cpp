@@ -47,14 +47,50 @@ void listPart(std::ostream& out, const ModelPart& part) {
     out << "\n";
 }
 
-/// A tensor's range is that of von Mises, a vector's that of its magnitude.
-void listField(std::ostream& out, const Model& model, const Field& field) {
-    const Scalars scalars = defaultScalars(field);
-    const auto found = finiteRange(scalars.values);
+/// The fields are one result at several steps. A tensor's range is that of von Mises, a vector's that of its
+/// magnitude.
+void listResult(std::ostream& out, const Model& model, std::span<const std::size_t> fields) {
+    const Field& field = model.fields[fields.front()];
+    std::string label;
+    std::vector<double> values;
+    for (const std::size_t i : fields) {
+        Scalars scalars = defaultScalars(model.fields[i]);
+        label = scalars.label;
+        if (const auto found = finiteRange(scalars.values))
+            values.insert(values.end(), found->begin(), found->end());
+    }
+    const auto found = finiteRange(values);
     out << "  " << fieldSelector(model, field) << ", "
         << (field.location == FieldLocation::Node ? "node" : "cell") << ", " << field.components
-        << (field.components == 1 ? " component" : " components") << ", " << scalars.label << " "
-        << (found ? range((*found)[0], (*found)[1]) : "has no finite value") << "\n";
+        << (field.components == 1 ? " component" : " components") << ", " << label << " "
+        << (found ? range((*found)[0], (*found)[1]) : "has no finite value");
+    if (field.step)
+        out << ", " << fields.size() << (fields.size() == 1 ? " step" : " steps");
+    out << "\n";
+}
+
+void listFields(std::ostream& out, const Model& model) {
+    std::vector<std::vector<std::size_t>> results;
+    for (const StepSeries& series : stepSeries(model))
+        if (series.numbers.empty())
+            results.push_back(series.fields);
+    for (std::size_t i = 0; i < model.fields.size(); ++i)
+        if (!model.fields[i].step)
+            results.push_back({i});
+    out << "fields " << results.size() << "\n";
+    for (const std::vector<std::size_t>& fields : results)
+        listResult(out, model, fields);
+}
+
+void listSteps(std::ostream& out, const Model& model) {
+    if (!model.steps.empty())
+        out << "steps " << model.steps.size() << "\n";
+    for (std::size_t i = 0; i < model.steps.size(); ++i)
+        out << "  " << i << ", " << model.steps[i].label << "\n";
+    for (const StepSeries& series : stepSeries(model))
+        if (!series.numbers.empty())
+            out << "steps " << series.numbers.size() << " of " << series.name << ", numbered "
+                << series.numbers.front() << " to " << series.numbers.back() << "\n";
 }
 
 } // namespace
@@ -69,17 +105,13 @@ void listModel(std::ostream& out, const Model& model, const std::string& name) {
     const Bounds bounds = boundsOf(model.nodes);
     for (int k = 0; k < 3; ++k)
         out << "xyz"[k] << " " << range(bounds.low[k], bounds.high[k]) << "\n";
-    out << "fields " << model.fields.size() << "\n";
-    for (const Field& field : model.fields)
-        listField(out, model, field);
+    listFields(out, model);
     if (!model.nodeSets.empty())
         out << "node sets " << model.nodeSets.size() << "\n";
     for (const NodeSet& set : model.nodeSets)
         out << "  " << set.name << ", " << set.nodes.size()
             << (set.nodes.size() == 1 ? " node\n" : " nodes\n");
-    for (const StepSeries& series : stepSeries(model))
-        out << "steps " << series.numbers.size() << " of " << series.name << ", numbered "
-            << series.numbers.front() << " to " << series.numbers.back() << "\n";
+    listSteps(out, model);
     for (const std::string& note : model.notes)
         out << "note: " << note << "\n";
 }

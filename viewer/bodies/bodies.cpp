@@ -132,7 +132,7 @@ bool standsOut(const ElementSettings& elements) {
 bool areBodies(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
     const bool isPlain =
         !shown.scalars && settings.shading == Shading::Smooth && !standsOut(shown.elements.settings);
-    return isPlain && (body.isAskedFor() || !shown.model.parts.empty());
+    return isPlain && (body.isAskedFor() || shown.model.isSurface);
 }
 
 NgColorLong partColor(const ModelPart& part, const BodySettings& settings) {

@@ -41,8 +41,8 @@ std::string titleOf(const ShownModel& shown, const Options& options) {
     if (shown.scalars) {
         text += ", " + shown.scalars->label;
         const Field& field = selectedField(shown.model, settings.field, settings.step);
-        if (const auto step = stepOfField(shown.model, field))
-            text += ", step " + std::to_string(*step);
+        if (const std::string step = stepText(shown.model, field); !step.empty())
+            text += ", " + step;
     }
     if (settings.deformed && shown.deformFactor != 0.0) {
         char factor[40];

@@ -160,13 +160,14 @@ void drawLabel(const Mark& mark, int em_px, const TextStyle& style, NgColorLong 
 
 void drawMarks(const ShownModel& shown, const std::array<Extreme, 2>& extremes, const Point& towardViewer,
                const PixelRect& area, int height, int em_px, const TextStyle& style, NgColorLong background) {
-    const char* what = shown.scalars->location == FieldLocation::Cell ? ", element " : ", node ";
+    const bool ofCells = shown.scalars->location == FieldLocation::Cell;
     std::vector<Mark> marks;
     for (int i = 0; i < 2; ++i) {
-        const std::uint32_t number = nearestOf(shown, extremes[i], towardViewer);
-        if (const auto at = windowPosition(positionOf(shown, number), area, height))
-            marks.push_back(
-                {*at, (i == 0 ? "Min " : "Max ") + numberText(extremes, i) + what + std::to_string(number)});
+        const std::uint32_t place = nearestOf(shown, extremes[i], towardViewer);
+        const std::string what = ofCells ? ", element " + std::to_string(cellNumber(shown.model, place))
+                                         : ", node " + std::to_string(nodeNumber(shown.model, place));
+        if (const auto at = windowPosition(positionOf(shown, place), area, height))
+            marks.push_back({*at, (i == 0 ? "Min " : "Max ") + numberText(extremes, i) + what});
     }
     const PixelRect room = {area.left + 2, area.bottom + 2, area.right - 2, area.top - 2};
     for (Mark& mark : marks)

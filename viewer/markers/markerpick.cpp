@@ -25,8 +25,8 @@ std::string number(double value) {
 
 std::string nodeText(const ShownModel& shown, std::uint32_t node) {
     const Point& at = shown.model.nodes[node];
-    return "node " + std::to_string(node) + " at " + number(at[0]) + " " + number(at[1]) + " " +
-           number(at[2]);
+    return "node " + std::to_string(nodeNumber(shown.model, node)) + " at " + number(at[0]) + " " +
+           number(at[1]) + " " + number(at[2]);
 }
 
 std::string valueText(const MarkerLayer& layer, double value) {
@@ -43,9 +43,9 @@ std::string supportText(const ShownModel& shown, const Markers& markers, std::si
     return "support " + std::to_string(i) + " (" + kind + ") at " + nodeText(shown, support.node);
 }
 
-std::string connectorText(const MarkerLayer& layer, const Marker& marker) {
-    std::string text =
-        "connector of node " + std::to_string(marker.ids[0]) + " and node " + std::to_string(marker.ids[1]);
+std::string connectorText(const ShownModel& shown, const MarkerLayer& layer, const Marker& marker) {
+    std::string text = "connector of node " + std::to_string(nodeNumber(shown.model, marker.ids[0])) +
+                       " and node " + std::to_string(nodeNumber(shown.model, marker.ids[1]));
     if (!layer.label.empty())
         text += valueText(layer, marker.values[0]) + " and " + number(marker.values[1]);
     return text;
@@ -99,7 +99,7 @@ void offerSolids(Nearest& nearest, const ShownModel& shown, const Markers& marke
         nearest.offer(
             distanceToLine(ray, marker,
                            0.5 * std::min(markers.widest, kConnectorWidth * length(marker.axes[0]))),
-            [&] { return connectorText(markers.connectors, marker); });
+            [&] { return connectorText(shown, markers.connectors, marker); });
     for (const Marker& marker : markers.spheres.markers) {
         const double radius = std::max(0.5 * markers.sphereSize, kReach_px * pixelLength(marker.at));
         nearest.offer(distanceToEllipsoid(ray, marker.at, {{{radius, 0, 0}, {0, radius, 0}, {0, 0, radius}}}),
@@ -110,7 +110,7 @@ void offerSolids(Nearest& nearest, const ShownModel& shown, const Markers& marke
     }
     for (const Marker& marker : markers.ellipsoids.markers)
         nearest.offer(distanceToEllipsoid(ray, marker.at, marker.axes), [&] {
-            return "ellipsoid of element " + std::to_string(marker.ids[0]) +
+            return "ellipsoid of element " + std::to_string(cellNumber(shown.model, marker.ids[0])) +
                    valueText(markers.ellipsoids, marker.values[0]);
         });
 }

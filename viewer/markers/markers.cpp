@@ -31,23 +31,19 @@ Point placeOf(const ShownModel& shown, Index node) {
     return point == Point{} ? shown.drawn(shown.model.nodes[node]) : point;
 }
 
-std::vector<Index> numbersOf(const ElementList& list, std::size_t count, const char* option) {
-    std::vector<Index> numbers;
-    for (const ElementRange& range : list) {
-        if (range.last >= count)
-            throw ViewerError(option, "node " + std::to_string(range.last) + " is not there; the model has " +
-                                          std::to_string(count) + " nodes");
+std::vector<Index> indicesOf(const Model& model, const ElementList& numbers, const char* option) {
+    std::vector<Index> indices;
+    for (const ElementRange& range : nodeIndices(model, numbers, option))
         for (std::uint64_t i = range.first; i <= range.last; ++i)
-            numbers.push_back(static_cast<Index>(i));
-    }
-    return numbers;
+            indices.push_back(static_cast<Index>(i));
+    return indices;
 }
 
 } // namespace
 
 std::vector<Index> chosenNodes(const Model& model, const NodeChoice& choice, const char* option) {
     if (choice.set.empty())
-        return numbersOf(choice.nodes, model.nodes.size(), option);
+        return indicesOf(model, choice.nodes, option);
     std::string names;
     for (const NodeSet& set : model.nodeSets) {
         if (set.name == choice.set)
@@ -138,9 +134,11 @@ MarkerLayer makeConnectors(const ShownModel& shown, const MarkerSettings& settin
     const bool hasValues = shown.scalars && shown.scalars->location == FieldLocation::Node;
     if (hasValues)
         layer = layerOf(shown, *shown.scalars);
-    const std::size_t count = shown.model.nodes.size();
-    for (const auto& [from, to] : settings.connectors) {
-        numbersOf({{from, from}, {to, to}}, count, "--connectors");
+    const auto indexOf = [&shown](Index number) {
+        return nodeIndices(shown.model, {{number, number}}, "--connectors").front().first;
+    };
+    for (const auto& ends : settings.connectors) {
+        const Index from = indexOf(ends[0]), to = indexOf(ends[1]);
         const Point start = placeOf(shown, from);
         Marker marker{{from, to}, start, {{placeOf(shown, to) - start}}, {}};
         if (hasValues)

@@ -42,31 +42,46 @@ std::string trimSeparator(const std::string& stem) {
     return separated ? stem.substr(0, stem.size() - 1) : stem;
 }
 
-/// One field of a numbered name, with all that its series shares in front.
+/// One field among those of its series, with all that these share in front.
 struct Step {
-    std::string stem;
+    std::string name;
     FieldLocation location;
     int components;
-    int number;
+    int number; ///< of the model's step, or in the field's name
     std::size_t field;
 
     bool sameSeries(const Step& other) const {
-        return stem == other.stem && location == other.location && components == other.components;
+        return name == other.name && location == other.location && components == other.components;
     }
 };
 
-std::vector<Step> numberedFields(const Model& model) {
+/// The fields that belong to steps, or those with numbered names, series by series.
+std::vector<Step> sortedSteps(const Model& model, bool ofModelSteps) {
     std::vector<Step> steps;
     for (std::size_t i = 0; i < model.fields.size(); ++i) {
         const Field& field = model.fields[i];
-        if (const auto name = splitNumber(field.name))
+        if (field.step && ofModelSteps)
+            steps.push_back({field.name, field.location, field.components, static_cast<int>(*field.step), i});
+        const auto name = splitNumber(field.name);
+        if (name && !field.step && !ofModelSteps)
             steps.push_back({name->stem, field.location, field.components, name->number, i});
     }
     const auto key = [](const Step& s) {
-        return std::tie(s.stem, s.location, s.components, s.number, s.field);
+        return std::tie(s.name, s.location, s.components, s.number, s.field);
     };
     std::sort(steps.begin(), steps.end(), [&](const Step& a, const Step& b) { return key(a) < key(b); });
     return steps;
+}
+
+/// Calls visit(first, last) for the steps of each series.
+template <typename Visit>
+void forEachSeries(const std::vector<Step>& steps, Visit visit) {
+    for (auto first = steps.begin(); first != steps.end();) {
+        const auto last =
+            std::find_if(first, steps.end(), [&](const Step& s) { return !s.sameSeries(*first); });
+        visit(std::span(first, last));
+        first = last;
+    }
 }
 
 std::string_view locationSuffix(FieldLocation location) {
@@ -84,25 +99,39 @@ std::string describe(const Field& field) {
         list += (list.empty() ? "" : ", ") + series.name + " (" + std::to_string(series.fields.size()) +
                 " steps)";
     for (const Field& field : model.fields)
-        list += (list.empty() ? "" : ", ") + describe(field);
+        if (!field.step)
+            list += (list.empty() ? "" : ", ") + describe(field);
     throw ViewerError("field " + name,
                       list.empty() ? "the model has no fields" : "not there; the model has " + list);
 }
 
 const Field* findExact(const Model& model, std::string_view name, FieldLocation location) {
-    const auto same = [&](const Field& field) { return field.name == name && field.location == location; };
+    const auto same = [&](const Field& field) {
+        return field.name == name && field.location == location && !field.step;
+    };
     const auto found = std::find_if(model.fields.begin(), model.fields.end(), same);
     return found == model.fields.end() ? nullptr : &*found;
 }
 
+std::string join(const std::vector<int>& numbers) {
+    std::string list;
+    for (const int number : numbers)
+        list += (list.empty() ? "" : " ") + std::to_string(number);
+    return list;
+}
+
 const Field& stepOf(const Model& model, const StepSeries& series, std::optional<int> step) {
-    const int count = static_cast<int>(series.fields.size());
-    const int index = step.value_or(count - 1);
-    if (index < 0 || index >= count)
-        throw ViewerError("field " + series.name, "step " + std::to_string(index) +
-                                                      " is not there; the steps are 0 to " +
-                                                      std::to_string(count - 1));
-    return model.fields[series.fields[static_cast<std::size_t>(index)]];
+    const int wanted = step.value_or(series.steps.back());
+    const auto found = std::find(series.steps.begin(), series.steps.end(), wanted);
+    if (found == series.steps.end()) {
+        const int first = series.steps.front(), last = series.steps.back();
+        const bool isWhole = last - first + 1 == static_cast<int>(series.steps.size());
+        throw ViewerError(
+            "field " + series.name,
+            "step " + std::to_string(wanted) + " is not there; the steps are " +
+                (isWhole ? std::to_string(first) + " to " + std::to_string(last) : join(series.steps)));
+    }
+    return model.fields[series.fields[static_cast<std::size_t>(found - series.steps.begin())]];
 }
 
 const Field* findStep(const Model& model, std::string_view name, FieldLocation location,
@@ -214,43 +243,54 @@ std::array<std::string, 2> splitSelector(const Model& model, const std::string& 
 } // namespace
 
 std::vector<StepSeries> stepSeries(const Model& model) {
-    const std::vector<Step> steps = numberedFields(model);
     std::vector<StepSeries> all;
-    for (auto first = steps.begin(); first != steps.end();) {
-        const auto last =
-            std::find_if(first, steps.end(), [&](const Step& s) { return !s.sameSeries(*first); });
-        // A single numbered name, as of a chemical formula, is no series.
-        if (last - first > 1) {
-            StepSeries series{trimSeparator(first->stem), {}, {}};
-            for (auto step = first; step != last; ++step) {
-                series.numbers.push_back(step->number);
-                series.fields.push_back(step->field);
-            }
-            all.push_back(std::move(series));
+    forEachSeries(sortedSteps(model, true), [&](std::span<const Step> steps) {
+        StepSeries series{steps.front().name, {}, {}, {}};
+        for (const Step& step : steps) {
+            series.steps.push_back(step.number);
+            series.fields.push_back(step.field);
         }
-        first = last;
-    }
+        all.push_back(std::move(series));
+    });
+    forEachSeries(sortedSteps(model, false), [&](std::span<const Step> steps) {
+        if (steps.size() == 1) // a single numbered name, as of a chemical formula, is no series
+            return;
+        StepSeries series{trimSeparator(steps.front().name), {}, {}, {}};
+        for (const Step& step : steps) {
+            series.numbers.push_back(step.number);
+            series.steps.push_back(static_cast<int>(series.steps.size()));
+            series.fields.push_back(step.field);
+        }
+        all.push_back(std::move(series));
+    });
     return all;
 }
 
-std::optional<int> stepOfField(const Model& model, const Field& field) {
+int stepCount(const Model& model) {
+    int count = std::max(1, static_cast<int>(model.steps.size()));
+    for (const StepSeries& series : stepSeries(model))
+        count = std::max(count, series.steps.back() + 1);
+    return count;
+}
+
+std::string stepText(const Model& model, const Field& field) {
+    if (field.step)
+        return model.steps[*field.step].label;
     const auto index = static_cast<std::size_t>(&field - model.fields.data());
     for (const StepSeries& series : stepSeries(model)) {
         const auto found = std::find(series.fields.begin(), series.fields.end(), index);
         if (found != series.fields.end())
-            return static_cast<int>(found - series.fields.begin());
+            return "step " + std::to_string(found - series.fields.begin());
     }
-    return {};
+    return "";
 }
 
 void checkStep(const Model& model, int step) {
-    std::size_t steps = 1;
-    for (const StepSeries& series : stepSeries(model))
-        steps = std::max(steps, series.fields.size());
-    if (step < 0 || static_cast<std::size_t>(step) >= steps)
+    const int count = stepCount(model);
+    if (step < 0 || step >= count)
         throw ViewerError("--step", std::to_string(step) + " is not there; " +
-                                        (steps == 1 ? "the model has no steps"
-                                                    : "the steps are 0 to " + std::to_string(steps - 1)));
+                                        (count == 1 ? "the model has no steps"
+                                                    : "the steps are 0 to " + std::to_string(count - 1)));
 }
 
 const Field& findField(const Model& model, const std::string& name, std::optional<int> step) {
@@ -261,8 +301,9 @@ const Field& findField(const Model& model, const std::string& name, std::optiona
 }
 
 std::string fieldSelector(const Model& model, const Field& field) {
-    const bool shared = findExact(model, field.name, FieldLocation::Node) &&
-                        findExact(model, field.name, FieldLocation::Cell);
+    const bool shared = std::any_of(model.fields.begin(), model.fields.end(), [&](const Field& other) {
+        return other.name == field.name && other.location != field.location;
+    });
     return field.name + (shared ? std::string(locationSuffix(field.location)) : "");
 }
 
@@ -295,7 +336,7 @@ const Field* findDisplacement(const Model& model, std::optional<int> step) {
     const std::vector<StepSeries> allSeries = stepSeries(model);
     for (const std::string_view wanted : kNames) {
         for (const Field& field : model.fields)
-            if (matches(field, field.name, wanted))
+            if (!field.step && matches(field, field.name, wanted))
                 return &field;
         for (const StepSeries& series : allSeries)
             if (matches(model.fields[series.fields.front()], series.name, wanted))

@@ -15,21 +15,27 @@ struct Scalars {
     std::vector<double> values;
 };
 
-/// Fields with one name and a number at its end ("disp0", "disp1", ...): the steps of one result.
+/// One result at several steps: the fields of one name that belong to steps of the model or, in files without
+/// steps, those with one name and a number at its end ("disp0", "disp1", ...).
 struct StepSeries {
     std::string name;                ///< without the number
-    std::vector<int> numbers;        ///< as in the names, ascending
+    std::vector<int> numbers;        ///< as in the names, ascending; empty where the model has steps
+    std::vector<int> steps;          ///< ascending: indices into Model::steps, or counted from 0
     std::vector<std::size_t> fields; ///< index into Model::fields for each step
 };
 std::vector<StepSeries> stepSeries(const Model& model);
 
-/// The step of its series that a field is, from 0; nothing when it belongs to none.
-std::optional<int> stepOfField(const Model& model, const Field& field);
+/// How many steps there are to choose from, by a number from 0; 1 for a model without results in steps.
+int stepCount(const Model& model);
 
-/// Throws ViewerError for a step that no series of the model has; a model without series has step 0.
+/// The step that a field belongs to in words, such as "step 2" or "mode 3, 417.2 Hz"; empty when it belongs
+/// to none.
+std::string stepText(const Model& model, const Field& field);
+
+/// Throws ViewerError for a step that the model does not have; a model without steps has step 0.
 void checkStep(const Model& model, int step);
 
-/// The field of an exact name or, for the name of a series, its step (0 = first; no step = the last). Of a
+/// The field of an exact name or, for the name of a series, its step (no step = the last). Of a
 /// node field and a cell field of one name the node field, unless @node or @cell after the name says which.
 /// Throws ViewerError("field NAME", ...) listing what there is.
 const Field& findField(const Model& model, const std::string& name, std::optional<int> step);

@@ -58,6 +58,27 @@ void checkField(const Model& model, const Field& field, const std::string& subje
                                        std::to_string(tuples) + (atNodes ? " nodes" : " cells"));
 }
 
+void checkStep(const Model& model, const Field& field, const std::string& subject) {
+    if (field.step && *field.step >= model.steps.size())
+        throw ViewerError(subject, "field " + field.name + " belongs to step " + std::to_string(*field.step) +
+                                       " of " + std::to_string(model.steps.size()));
+}
+
+void checkNumbers(std::vector<std::int64_t> numbers, std::size_t count, const char* kind,
+                  const std::string& subject) {
+    if (numbers.empty())
+        return;
+    if (numbers.size() != count)
+        throw ViewerError(subject, std::string("not every ") + kind + " has a number");
+    std::sort(numbers.begin(), numbers.end());
+    if (numbers.front() < 0 || numbers.back() > std::int64_t{0xFFFFFFFF})
+        throw ViewerError(subject, std::string(kind) + " numbers go from " + std::to_string(numbers.front()) +
+                                       " to " + std::to_string(numbers.back()));
+    const auto twice = std::adjacent_find(numbers.begin(), numbers.end());
+    if (twice != numbers.end())
+        throw ViewerError(subject, std::string(kind) + " " + std::to_string(*twice) + " is there twice");
+}
+
 void checkNodeSet(const Model& model, const NodeSet& set, const std::string& subject) {
     for (const std::uint32_t node : set.nodes)
         if (node >= model.nodes.size())
@@ -94,8 +115,12 @@ std::string_view cellTypeName(CellType type) {
 void checkModel(const Model& model, const std::string& subject) {
     checkNodes(model, subject);
     checkCells(model, subject);
-    for (const Field& field : model.fields)
+    for (const Field& field : model.fields) {
         checkField(model, field, subject);
+        checkStep(model, field, subject);
+    }
+    checkNumbers(model.nodeNumbers, model.nodes.size(), "node", subject);
+    checkNumbers(model.cellNumbers, model.cellCount(), "element", subject);
     for (const NodeSet& set : model.nodeSets)
         checkNodeSet(model, set, subject);
     checkParts(model, subject);

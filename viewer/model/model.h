@@ -45,15 +45,23 @@ enum class CellType : std::uint8_t {
 
 enum class FieldLocation : std::uint8_t { Node, Cell };
 
-/// One result field: components values for every node or cell, interleaved.
+/// A state of a solution: a time, a load case or a mode.
+struct ResultStep {
+    std::string label;   ///< such as "time 0.5" or "mode 3, 417.2 Hz"
+    double value = 0.0;  ///< the time, the frequency
+    bool isMode = false; ///< a shape without scale
+};
+
+/// One result field: components values for every node or cell, interleaved; NaN where there is none.
 struct Field {
     std::string name;
     FieldLocation location = FieldLocation::Node;
     int components = 1;
     std::vector<double> values;
+    std::optional<std::uint32_t> step = {}; ///< index into Model::steps; nothing: it belongs to none
 };
 
-/// Cells that a file keeps together and gives one look, as a rule a body.
+/// Cells that a file keeps together: a body of a surface, a block or group of elements.
 struct ModelPart {
     std::string name;
     std::uint32_t firstCell = 0, cellCount = 0;
@@ -74,7 +82,11 @@ struct Model {
     std::vector<std::uint32_t> offsets{0};
     std::vector<std::uint32_t> connectivity;
     std::vector<Field> fields;
+    std::vector<ResultStep> steps;
     std::vector<NodeSet> nodeSets;
+    /// The file's own numbers from 0 to 2^32 - 1, each once; empty: counted from 0.
+    std::vector<std::int64_t> nodeNumbers, cellNumbers;
+    bool isSurface = false; ///< a body's skin, whose triangles say nothing about it
     /// Cover all cells, one behind the other; none: the model is one part.
     std::vector<ModelPart> parts;
     /// A unit normal for each entry of connectivity, zero where the file has none; empty: it has none at all.

@@ -132,6 +132,7 @@ Model makePart(const std::string& selector, Index n) {
         throw ViewerError("sample " + selector, "the size is a number from 3 to 2000");
     checkSize(selector, flangeCells(n));
     Model model = makeFlange(n);
+    model.isSurface = true;
     model.parts = {{"flange", 0, static_cast<Index>(model.cellCount()), {}, 1.0}};
     return model;
 }

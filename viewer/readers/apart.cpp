@@ -112,6 +112,7 @@ void forEachMember(Stream stream, auto& model) {
     stream(model.offsets);
     stream(model.connectivity);
     stream(model.parts);
+    stream(model.isSurface);
     stream(model.cornerNormals);
     stream(model.notes);
 }

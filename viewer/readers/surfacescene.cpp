@@ -159,6 +159,7 @@ void ModelBuilder::addMesh(const aiNode& node, const aiMesh& mesh, const Placeme
         addLook(material, part);
         m_hasTextures = m_hasTextures || hasTexture(material);
     }
+    m_model.isSurface = true;
     m_model.parts.push_back(std::move(part));
 }
 

@@ -21,13 +21,6 @@ constexpr int kClipFlag = 1;
 constexpr int kHighlightIndex = 32;
 constexpr int kSelectionIndex = 33;
 
-void check(const char* option, const ElementList& list, std::size_t count) {
-    for (const ElementRange& range : list)
-        if (range.last >= count)
-            throw ViewerError(option, "there is no element " + std::to_string(range.last) +
-                                          "; the model's elements are 0 to " + std::to_string(count - 1));
-}
-
 Point middleOf(const Model& model, std::uint32_t cell) {
     Point sum{};
     for (const std::uint32_t node : model.cellNodes(cell))
@@ -106,21 +99,26 @@ int failureMode(const ElementSettings& settings) {
     return (settings.failField.empty() ? 0 : 1) + (settings.failBeforeField.empty() ? 0 : 2);
 }
 
+/// Lists of numbers as lists of indices.
+ElementSettings inIndices(const Model& model, ElementSettings settings) {
+    settings.hidden = cellIndices(model, settings.hidden, "--hide");
+    settings.selected = cellIndices(model, settings.selected, "--select");
+    settings.highlighted = cellIndices(model, settings.highlighted, "--highlight");
+    for (ColoredElements& group : settings.colored)
+        group.elements = cellIndices(model, group.elements, "--color");
+    return settings;
+}
+
 } // namespace
 
 ElementFacts elementFacts(const Model& model, const ElementSettings& settings, std::optional<int> step) {
     const std::size_t count = model.cellCount();
-    check("--hide", settings.hidden, count);
-    check("--select", settings.selected, count);
-    check("--highlight", settings.highlighted, count);
-    for (const ColoredElements& group : settings.colored)
-        check("--color", group.elements, count);
-    ElementFacts facts{settings, clippedElements(model, settings.clips), {}, {}, {}, {}};
+    ElementFacts facts{inIndices(model, settings), clippedElements(model, settings.clips), {}, {}, {}, {}};
     if (settings.failLevel) {
         facts.failFrom = levels(model, "--fail", settings.failField, step);
         facts.existFrom = levels(model, "--fail-before", settings.failBeforeField, step);
     }
-    facts.colored = coloredElements(settings, count);
+    facts.colored = coloredElements(facts.settings, count);
     facts.shown = shownElements(facts, count);
     return facts;
 }

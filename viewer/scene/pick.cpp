@@ -267,11 +267,12 @@ std::string describe(const ShownModel& shown, const Picked& picked) {
         return "nothing";
     std::string name;
     if (picked.kind == Kind::Node)
-        name = "node " + std::to_string(picked.nodes[0]);
+        name = "node " + std::to_string(nodeNumber(shown.model, picked.nodes[0]));
     else if (picked.kind == Kind::Edge)
-        name = "edge " + std::to_string(picked.nodes[0]) + " " + std::to_string(picked.nodes[1]);
+        name = "edge " + std::to_string(nodeNumber(shown.model, picked.nodes[0])) + " " +
+               std::to_string(nodeNumber(shown.model, picked.nodes[1]));
     else
-        name = "element " + std::to_string(picked.cell) + " (" +
+        name = "element " + std::to_string(cellNumber(shown.model, picked.cell)) + " (" +
                std::string(cellTypeName(shown.model.types[picked.cell])) + ")";
     char text[160];
     std::snprintf(text, sizeof text, " at %.6g %.6g %.6g", picked.position[0], picked.position[1],

@@ -75,7 +75,7 @@ void setValues(ngl::NglElementMesh& mesh, const ShownModel& shown, const ColorBa
 
 /// The triangles of a surface model say nothing about it.
 EdgeMode edgesOf(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
-    const bool isSurface = !shown.model.parts.empty() || areBodies(shown, settings, body);
+    const bool isSurface = shown.model.isSurface || areBodies(shown, settings, body);
     return settings.edges.value_or(isSurface ? EdgeMode::None : EdgeMode::All);
 }
 

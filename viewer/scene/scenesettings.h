@@ -8,13 +8,9 @@
 #include <string_view>
 #include <vector>
 
-namespace nruview {
+#include "viewer/model/numbering.h"
 
-/// Elements first to last, by their numbers in the model.
-struct ElementRange {
-    std::uint32_t first = 0, last = 0;
-};
-using ElementList = std::vector<ElementRange>;
+namespace nruview {
 
 /// Elements in a colour of their own.
 struct ColoredElements {
