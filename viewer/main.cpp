@@ -1,5 +1,6 @@
 // nruview: reads a model, shows it in a window or draws it into a file. A host's way through the library is
-// in scene/: frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking).
+// in scene/: frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking); what a user can do
+// with a picture is in workspace/.
 #include <epoxy/gl.h>
 
 #include <cstdio>
@@ -15,37 +16,27 @@
 #include "viewer/app/pngwriter.h"
 #include "viewer/bodies/materials.h"
 #include "viewer/error.h"
-#include "viewer/labels/labels.h"
-#include "viewer/markers/markerpick.h"
 #include "viewer/model/samples.h"
 #include "viewer/scene/frame.h"
-#include "viewer/scene/scene.h"
-#include "viewer/scene/shownmodel.h"
 #include "viewer/window/window.h"
+#include "viewer/workspace/workspace.h"
 
 namespace nruview {
 
 namespace {
 
 /// Draws without a display, into the file and for the pick that were asked for.
-void drawOffscreen(const ShownModel& shown, const Markers& markers, const Options& options) {
+void drawOffscreen(Model model, const Options& options) {
     OffscreenContext context;
     if (const std::string reason = context.create(options.width, options.height); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene, options.body, &markers);
-    PictureLabels labels(shown, scene.legends(shown), options.labels, titleOf(shown, options));
-    const PictureArea area = labels.area(options.width, options.height);
-    const Camera camera = fitCamera(options.view, shown.bounds, area, options.perspective);
-    beginFrame(camera, shown.bounds, options.width, options.height, options.background);
-    scene.draw();
-    labels.draw(camera, options.width, options.height, options.background);
-    if (options.pick) {
-        const auto& [x, y] = *options.pick;
-        const std::string text = describePixel(shown, markers, options.scene.opacity >= 1.0, x, y);
-        std::cout << text << "\n";
-        labels.drawReadOut(text, {x, y}, options.width, options.height, options.background);
-    }
+    Workspace workspace(std::move(model), options);
+    if (options.pick)
+        workspace.showReadOut((*options.pick)[0], (*options.pick)[1]);
+    workspace.draw(options.width, options.height);
+    if (options.pick)
+        std::cout << workspace.describeAt((*options.pick)[0], (*options.pick)[1]) << "\n";
     if (options.output.empty())
         return;
     std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);
@@ -63,13 +54,10 @@ void run(const Options& options) {
         listModel(std::cout, model, options.sample.empty() ? options.file : options.sample);
     if (options.list && !offscreen)
         return;
-    ShownModel shown = showModel(std::move(model), options.shown);
-    const Markers markers = makeMarkers(shown, options.markers, options.shown.step);
-    shown.bounds = boundsWith(shown.bounds, markers);
     if (offscreen)
-        drawOffscreen(shown, markers, options);
+        drawOffscreen(std::move(model), options);
     else
-        showWindow(shown, markers, options);
+        showWindow(std::move(model), options);
 }
 
 } // namespace

@@ -20,12 +20,6 @@ namespace {
 constexpr double kTitle_em = 1.2, kIcon_em = 2.4;
 constexpr double kWidestColumn = 0.4, kHighestRow = 0.15; ///< of the picture
 
-/// Size of the labels' letters: readable in small pictures, in proportion in large ones.
-int emFor(int width, int height) {
-    const double side = std::min<double>(height, 0.75 * width);
-    return static_cast<int>(std::lround(std::max({9.0, 7.0 + 0.008 * side, 0.014 * side})));
-}
-
 int titleSize_px(int em_px) {
     return static_cast<int>(std::lround(kTitle_em * em_px));
 }
@@ -78,6 +72,12 @@ PictureLabels::PictureLabels(const ShownModel& shown, std::vector<LegendContent>
     if (m_title.empty() && m_legends.empty() && !m_extremes && !m_settings.axes)
         return;
     makeText();
+}
+
+/// Size of the labels' letters: readable in small pictures, in proportion in large ones.
+int PictureLabels::emFor(int width, int height) const {
+    const double side = std::min<double>(height, 0.75 * width) / m_scale;
+    return static_cast<int>(std::lround(m_scale * std::max({9.0, 7.0 + 0.008 * side, 0.014 * side})));
 }
 
 void PictureLabels::makeText() {

@@ -27,6 +27,8 @@ public:
     PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends, const LabelSettings& settings,
                   std::string title);
 
+    /// Of letters, lines and distances, for screens with small pixels.
+    void setScale(double scale) { m_scale = scale; }
     /// The picture with a column for legend and axes at its left and a row for the title at its top.
     PictureArea area(int width, int height);
     void draw(const Camera& camera, int width, int height, NgColorLong background);
@@ -37,6 +39,7 @@ public:
 private:
     struct Layout;
     Layout layOut(int width, int height, NgColorLong color);
+    int emFor(int width, int height) const;
     void layOutTitle(Layout& layout) const;
     void layOutColumn(Layout& layout) const;
     void makeText();
@@ -47,6 +50,7 @@ private:
     std::vector<LegendContent> m_legends; ///< those wanted
     LabelSettings m_settings;
     std::string m_title;
+    double m_scale = 1.0;
     std::optional<std::array<Extreme, 2>> m_extremes;
     std::optional<HostText> m_text;
     std::vector<std::uint32_t> m_iconNodes; ///< those given; else icons stand where the extremes are

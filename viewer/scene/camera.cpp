@@ -57,6 +57,20 @@ std::array<double, 16> orthographic(double halfWidth, double halfHeight, double 
     return m;
 }
 
+/// Half of the picture's height, in model length, that far before the target.
+double halfHeightAt(const Camera& camera, double nearer) {
+    return camera.perspective ? camera.halfHeight * (camera.distance - nearer) / camera.distance
+                              : camera.halfHeight;
+}
+
+/// What a place of the picture is from the target, to the right and upward, that far before it.
+std::array<double, 2> offsetInPicture(const Camera& camera, double x, double y, double nearer, int width,
+                                      int height) {
+    const double half = halfHeightAt(camera, nearer), aspect = static_cast<double>(width) / height;
+    return {(2.0 * x / width - 1.0 - camera.shift[0]) * half * aspect,
+            (1.0 - 2.0 * y / height - camera.shift[1]) * half};
+}
+
 /// Half sizes are those of the picture at unit distance.
 std::array<double, 16> perspective(double halfWidth, double halfHeight, double near, double far) {
     std::array<double, 16> m{};
@@ -152,6 +166,24 @@ void turnCamera(Camera& camera, double rightRad, double upRad) {
     axes.toward = cross(axes.right, axes.up);
     axes.up = unit(rotated(axes.up, axes.right, upRad));
     axes.toward = unit(cross(axes.right, axes.up));
+}
+
+std::array<double, 2> placeInPicture(const Camera& camera, const Point& point, int width, int height) {
+    const Point p = inCamera(camera, point);
+    const double half = halfHeightAt(camera, p[2]), aspect = static_cast<double>(width) / height;
+    return {0.5 * width * (1.0 + p[0] / (half * aspect) + camera.shift[0]),
+            0.5 * height * (1.0 - p[1] / half - camera.shift[1])};
+}
+
+Point pointInPicture(const Camera& camera, double x, double y, const Point& likeNear, int width, int height) {
+    const double nearer = inCamera(camera, likeNear)[2];
+    const auto [right, up] = offsetInPicture(camera, x, y, nearer, width, height);
+    const ViewAxes& axes = camera.axes;
+    return camera.target + right * axes.right + up * axes.up + nearer * axes.toward;
+}
+
+void moveCamera(Camera& camera, const Point& point, double x, double y, int width, int height) {
+    camera.target = camera.target + (point - pointInPicture(camera, x, y, point, width, height));
 }
 
 ViewMatrices viewMatrices(const Camera& camera, const Bounds& bounds, double aspect) {

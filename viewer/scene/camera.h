@@ -19,6 +19,7 @@ Bounds boundsOf(std::span<const Point> points);
 /// Orthonormal, right-handed directions of the picture in model space; toward points at the viewer.
 struct ViewAxes {
     Point right, up, toward;
+    bool operator==(const ViewAxes&) const = default;
 };
 
 /// "iso", a pair such as "xy" (x to the right, y up), or "X,Y,Z", the direction in which the viewer stands as
@@ -49,6 +50,14 @@ Camera fitCamera(const ViewAxes& axes, const Bounds& bounds, const PictureArea& 
 void centreCamera(Camera& camera, const PictureArea& area);
 /// Turns the camera about its target, as a drag by these angles (radians, to the right and upward) would.
 void turnCamera(Camera& camera, double rightRad, double upRad);
+
+/// Where a point stands in a picture, in pixels with y from the top. In perspective it must be before the
+/// eye.
+std::array<double, 2> placeInPicture(const Camera& camera, const Point& point, int width, int height);
+/// What stands at a place of a picture as near to the viewer as another point.
+Point pointInPicture(const Camera& camera, double x, double y, const Point& likeNear, int width, int height);
+/// Moves the camera sideways until a point stands at a place of the picture.
+void moveCamera(Camera& camera, const Point& point, double x, double y, int width, int height);
 
 /// Matrices in OpenGL's column-major order. The clip planes enclose the box.
 struct ViewMatrices {

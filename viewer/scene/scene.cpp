@@ -19,8 +19,8 @@ namespace {
 
 constexpr NgColorLong kNeutral = 0xFFCDB9A8; ///< a model without a field: light steel blue
 constexpr NgColorLong kEdgeColor = 0xFF303030;
-constexpr float kBeamWidth_px = 3.0f;
-constexpr float kPointSize_px = 6.0f;
+constexpr double kBeamWidth_px = 3.0;
+constexpr double kPointSize_px = 6.0;
 
 std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings& settings) {
     if (!shown.scalars)
@@ -195,10 +195,10 @@ void drawLines(_NgMeshStr* mesh, float* values) {
 
 /// How far beside an edge its pixels or samples lie, where a sloping face may be nearer: faces step back by
 /// that. Without multisampling a line's pixels lie within half a pixel in the direction of its minor axis.
-float edgeReach_px() {
+double edgeReach_px() {
     GLint samples = 0;
     glGetIntegerv(GL_SAMPLES, &samples);
-    return samples > 1 ? 1.0f : 0.6f;
+    return samples > 1 ? 1.0 : 0.6;
 }
 
 void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
@@ -236,16 +236,16 @@ Scene::~Scene() {
 }
 
 /// Transparent faces come last: they tint what is behind them.
-void Scene::draw() {
+void Scene::draw(double scale) {
     if (m_environment)
         m_environment->drawBackground();
-    drawOpaqueFaces();
-    drawBeams();
-    drawPoints();
-    drawEdges();
+    drawOpaqueFaces(scale);
+    drawBeams(scale);
+    drawPoints(scale);
+    drawEdges(scale);
     if (m_markers)
         m_markers->drawSolids();
-    drawTransparentFaces();
+    drawTransparentFaces(scale);
     if (m_markers)
         m_markers->drawSymbols();
 }
@@ -305,8 +305,8 @@ void Scene::drawPart(Part& part, Draw draw) {
     }
 }
 
-void Scene::drawOpaqueFaces() {
-    glPolygonOffset(m_edgeReach_px, 1.0f);
+void Scene::drawOpaqueFaces(double scale) {
+    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_drawFlatFaces)
         m_drawFlatFaces();
@@ -317,8 +317,8 @@ void Scene::drawOpaqueFaces() {
     glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
-void Scene::drawTransparentFaces() {
-    glPolygonOffset(m_edgeReach_px, 1.0f);
+void Scene::drawTransparentFaces(double scale) {
+    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), 1.0f);
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_bodies)
         m_bodies->drawTransparent();
@@ -332,23 +332,25 @@ void Scene::drawFaces() {
     m_plainFaces.Draw();
 }
 
-void Scene::drawBeams() {
-    glLineWidth(kBeamWidth_px);
+void Scene::drawBeams(double scale) {
+    glLineWidth(static_cast<float>(scale * kBeamWidth_px));
     drawPart(m_beams, drawLines);
     glLineWidth(1.0f);
 }
 
-void Scene::drawPoints() {
-    glPointSize(kPointSize_px);
+void Scene::drawPoints(double scale) {
+    glPointSize(static_cast<float>(scale * kPointSize_px));
     drawPart(m_points, drawMeshPoints);
     glPointSize(1.0f);
 }
 
-void Scene::drawEdges() {
+void Scene::drawEdges(double scale) {
     if (!m_edges)
         return;
     ngl_set_color_long(kEdgeColor);
+    glLineWidth(static_cast<float>(scale));
     ngl_mesh(m_edges.get(), m_edgeMode == EdgeMode::All ? NglMeshEdges : NglMeshSilhouette);
+    glLineWidth(1.0f);
 }
 
 } // namespace nruview

@@ -23,7 +23,8 @@ public:
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
-    void draw();
+    /// The scale is that of line widths, for screens with small pixels.
+    void draw(double scale = 1.0);
     /// What the colours of the faces and of the markers mean, for as long as the scene is there.
     std::vector<LegendContent> legends(const ShownModel& shown) const;
     /// Beams or single points: those with values, and the others by their colour.
@@ -35,19 +36,19 @@ public:
 private:
     void makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body);
     void makeLoose(const ShownModel& shown);
-    void drawOpaqueFaces();
-    void drawTransparentFaces();
+    void drawOpaqueFaces(double scale);
+    void drawTransparentFaces(double scale);
     void drawFaces();
-    void drawBeams();
-    void drawPoints();
-    void drawEdges();
+    void drawBeams(double scale);
+    void drawPoints(double scale);
+    void drawEdges(double scale);
     template <typename Draw>
     void drawPart(Part& part, Draw draw);
 
     std::optional<ColorBands> m_bands;
     EdgeMode m_edgeMode;
     std::function<void()> m_drawFlatFaces; ///< in place of the faces' meshes, where wanted
-    float m_edgeReach_px;
+    double m_edgeReach_px;
     bool m_transparent;
     std::optional<Environment> m_environment; ///< of bodies with physically based shading
     std::optional<Bodies> m_bodies;           ///< in place of the faces' meshes

@@ -42,6 +42,7 @@ struct ShownSettings {
     bool deformed = false;
     std::optional<double> deformFactor = {}; ///< nothing: automatic
     std::string deformBy = {};               ///< the displacement field; empty: found by its name
+    std::optional<double> phase_rad = {}; ///< the deformation times its cosine; bounds are those of the swing
     ElementSettings elements = {};
     std::optional<double> creaseDeg = {}; ///< nothing: the file's normals, else 30 degrees
 };

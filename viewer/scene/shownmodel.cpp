@@ -77,7 +77,6 @@ double automaticFactor(const Field& displacement, const Bounds& bounds) {
 
 /// Nodes without a finite displacement stay where they are.
 void deform(ShownModel& shown, const Field& displacement, double factor) {
-    shown.deformFactor = factor;
     for (std::uint32_t node = 0; node < shown.model.nodes.size(); ++node) {
         const Point moved = shown.points[node] + factor * displacementOf(displacement, node);
         if (std::isfinite(length(moved)))
@@ -86,6 +85,17 @@ void deform(ShownModel& shown, const Field& displacement, double factor) {
     for (std::size_t i = 0; i < shown.surface.centres.size(); ++i)
         shown.points[shown.model.nodes.size() + i] = interpolated(
             shown.surface.centres[i], Point{}, [&](std::uint32_t node) { return shown.points[node]; });
+}
+
+/// Bounds of both ends of a swing. Every point moves along a line, so they hold all of it.
+Bounds swing(ShownModel shown, const Field& displacement) {
+    deform(shown, displacement, shown.deformFactor);
+    Bounds bounds = surfaceBounds(shown.surface, shown.points);
+    deform(shown, displacement, -2.0 * shown.deformFactor);
+    const Bounds other = surfaceBounds(shown.surface, shown.points);
+    bounds.add(other.low);
+    bounds.add(other.high);
+    return bounds;
 }
 
 bool isWithin(const Bounds& bounds, const Point& point) {
@@ -128,13 +138,19 @@ ShownModel showModel(Model model, const ShownSettings& settings) {
         shown.points.push_back(modelPosition(shown, i));
     if (!settings.field.empty())
         shown.scalars = selectScalars(shown.model, settings.field, settings.step);
+    std::optional<Bounds> swung;
     if (settings.deformed) {
         const Field& displacement = displacementField(shown.model, settings);
         const Bounds undeformed = surfaceBounds(shown.surface, shown.points);
-        deform(shown, displacement,
-               settings.deformFactor.value_or(automaticFactor(displacement, undeformed)));
+        shown.deformFactor = settings.deformFactor.value_or(automaticFactor(displacement, undeformed));
+        if (settings.phase_rad)
+            swung = swing(shown, displacement);
+        deform(shown, displacement, shown.deformFactor * std::cos(settings.phase_rad.value_or(0.0)));
     }
-    const Bounds bounds = surfaceBounds(shown.surface, shown.points);
+    Bounds bounds = surfaceBounds(shown.surface, shown.points);
+    if (swung)
+        for (const Point& corner : {swung->low, swung->high})
+            bounds.add(corner);
     if (bounds.empty())
         throw ViewerError("model", "has no elements that can be drawn");
     placeAboutOrigin(shown, bounds);

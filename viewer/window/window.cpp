@@ -10,10 +10,8 @@
 #include <memory>
 
 #include "viewer/error.h"
-#include "viewer/labels/labels.h"
-#include "viewer/markers/markerpick.h"
 #include "viewer/scene/frame.h"
-#include "viewer/scene/scene.h"
+#include "viewer/workspace/workspace.h"
 
 namespace nruview {
 
@@ -35,29 +33,14 @@ struct GlfwLibrary {
 
 /// What the callbacks change; the window's user pointer leads here.
 struct Interaction {
-    const ShownModel& shown;
-    const Options& options;
-    PictureLabels& labels;
-    Camera camera;
+    Workspace& workspace;
     double lastX = 0.0, lastY = 0.0;
     double pressX = 0.0, pressY = 0.0;
-    std::optional<std::array<int, 2>> picked = {}; ///< pixel of the picture whose read-out is shown
-    bool changed = true;
-
-    void moveView() {
-        picked.reset();
-        changed = true;
-    }
+    bool isStale = true; ///< the window has lost its picture
 };
 
 Interaction& interactionOf(GLFWwindow* window) {
     return *static_cast<Interaction*>(glfwGetWindowUserPointer(window));
-}
-
-PictureArea areaOf(GLFWwindow* window, PictureLabels& labels) {
-    int width = 0, height = 0;
-    glfwGetFramebufferSize(window, &width, &height);
-    return labels.area(std::max(width, 1), std::max(height, 1));
 }
 
 /// The picture's pixel at a place of the window, which may be measured in larger units.
@@ -72,8 +55,7 @@ std::array<int, 2> pixelAt(GLFWwindow* window, double x, double y) {
 void onMove(GLFWwindow* window, double x, double y) {
     Interaction& state = interactionOf(window);
     if (glfwGetMouseButton(window, GLFW_MOUSE_BUTTON_LEFT) == GLFW_PRESS) {
-        turnCamera(state.camera, kTurnRadPerPixel * (x - state.lastX), kTurnRadPerPixel * (state.lastY - y));
-        state.moveView();
+        state.workspace.turn(kTurnRadPerPixel * (x - state.lastX), kTurnRadPerPixel * (state.lastY - y));
     }
     state.lastX = x;
     state.lastY = y;
@@ -81,8 +63,8 @@ void onMove(GLFWwindow* window, double x, double y) {
 
 void onWheel(GLFWwindow* window, double, double notches) {
     Interaction& state = interactionOf(window);
-    state.camera.halfHeight *= std::pow(kZoomPerNotch, notches);
-    state.moveView();
+    const auto [x, y] = pixelAt(window, state.lastX, state.lastY);
+    state.workspace.zoom(std::pow(kZoomPerNotch, -notches), x, y);
 }
 
 /// A press and a release at the same place pick.
@@ -94,24 +76,20 @@ void onButton(GLFWwindow* window, int button, int action, int) {
         state.pressX = state.lastX;
         state.pressY = state.lastY;
     } else if (std::hypot(state.lastX - state.pressX, state.lastY - state.pressY) <= kClick_px) {
-        state.picked = pixelAt(window, state.lastX, state.lastY);
-        state.changed = true;
+        const auto [x, y] = pixelAt(window, state.lastX, state.lastY);
+        state.workspace.showReadOut(x, y);
     }
 }
 
 void onKey(GLFWwindow* window, int key, int, int action, int) {
-    Interaction& state = interactionOf(window);
     if (action == GLFW_PRESS && key == GLFW_KEY_ESCAPE)
         glfwSetWindowShouldClose(window, GLFW_TRUE);
-    if (action == GLFW_PRESS && key == GLFW_KEY_F) {
-        state.camera = fitCamera(state.camera.axes, state.shown.bounds, areaOf(window, state.labels),
-                                 state.options.perspective);
-        state.moveView();
-    }
+    if (action == GLFW_PRESS && key == GLFW_KEY_F)
+        interactionOf(window).workspace.fit();
 }
 
 void onRefresh(GLFWwindow* window) {
-    interactionOf(window).changed = true;
+    interactionOf(window).isStale = true;
 }
 
 GLFWwindow* openWindow(const Options& options) {
@@ -136,29 +114,21 @@ void connect(GLFWwindow* window, Interaction& state) {
 
 } // namespace
 
-void showWindow(const ShownModel& shown, const Markers& markers, const Options& options) {
+void showWindow(Model model, const Options& options) {
     const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
     const LibrarySession session(options.fixed);
-    Scene scene(shown, options.scene, options.body, &markers);
-    PictureLabels labels(shown, scene.legends(shown), options.labels, titleOf(shown, options));
-    Interaction state{shown, options, labels,
-                      fitCamera(options.view, shown.bounds, areaOf(window, labels), options.perspective)};
+    Workspace workspace(std::move(model), options);
+    Interaction state{workspace};
     connect(window, state);
     while (!glfwWindowShouldClose(window)) {
         int width = 0, height = 0;
         glfwGetFramebufferSize(window, &width, &height);
-        if (state.changed && width > 0 && height > 0) {
-            centreCamera(state.camera, labels.area(width, height));
-            beginFrame(state.camera, shown.bounds, width, height, options.background);
-            scene.draw();
-            labels.draw(state.camera, width, height, options.background);
-            if (state.picked)
-                labels.drawReadOut(describePixel(shown, markers, options.scene.opacity >= 1.0,
-                                                 (*state.picked)[0], (*state.picked)[1]),
-                                   *state.picked, width, height, options.background);
+        state.isStale |= workspace.needsDrawing();
+        if (state.isStale && width > 0 && height > 0) {
+            workspace.draw(width, height);
             glfwSwapBuffers(window);
-            state.changed = false;
+            state.isStale = false;
         }
         glfwWaitEvents();
     }

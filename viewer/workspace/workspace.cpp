@@ -1,0 +1,259 @@
+// Everything that is drawn hangs together in one record, which a change replaces once it is whole.
+#include "viewer/workspace/workspace.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "viewer/error.h"
+#include "viewer/labels/labels.h"
+#include "viewer/markers/markerpick.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/frame.h"
+#include "viewer/scene/scene.h"
+#include "viewer/scene/sight.h"
+
+namespace nruview {
+
+namespace {
+
+constexpr double kNearestZoom = 1e-6, kFarthestZoom = 1e4; ///< height of the picture, by the model's size
+
+/// Selected elements that are drawn, as a box.
+Bounds boundsOfCells(const ShownModel& shown, const std::vector<std::uint32_t>& cells) {
+    Bounds bounds;
+    for (const std::uint32_t cell : cells)
+        if (shown.elements.isShown(cell))
+            for (const std::uint32_t node : shown.model.cellNodes(cell))
+                bounds.add(shown.points[node]);
+    return bounds;
+}
+
+} // namespace
+
+struct Workspace::Made {
+    Made(Model model, const Options& options)
+        : shown(showModel(std::move(model), options.shown)),
+          markers(makeMarkers(shown, options.markers, options.shown.step)),
+          scene((shown.bounds = boundsWith(shown.bounds, markers), shown), options.scene, options.body,
+                &markers),
+          labels(shown, scene.legends(shown), options.labels, titleOf(shown, options)) {}
+
+    ShownModel shown;
+    Markers markers;
+    Scene scene;
+    PictureLabels labels;
+};
+
+Workspace::Workspace(Model model, Options options)
+    : m_options(std::move(options)), m_made(std::make_unique<Made>(std::move(model), m_options)),
+      m_width(m_options.width), m_height(m_options.height) {
+    m_camera.axes = m_options.view;
+    m_camera.perspective = m_options.perspective;
+    fit();
+}
+
+Workspace::~Workspace() = default;
+
+const ShownModel& Workspace::shown() const {
+    return m_made->shown;
+}
+
+void Workspace::change(const std::function<void(Options&)>& edit) {
+    Options options = m_options;
+    edit(options);
+    const ShownModel& before = m_made->shown;
+    auto made = std::make_unique<Made>(before.model, options);
+    // The camera stands among what is drawn, whose place and unit may be others now.
+    const double unit = before.unit / made->shown.unit;
+    const Point shift = made->shown.drawn(before.middle);
+    m_camera.target = unit * m_camera.target + shift;
+    m_camera.distance *= unit;
+    m_camera.halfHeight *= unit;
+    const bool turns = options.view != m_options.view || options.perspective != m_options.perspective;
+    m_made = std::move(made);
+    m_options = std::move(options);
+    m_camera.perspective = m_options.perspective;
+    if (turns)
+        look(m_options.view);
+    m_readOut.reset();
+    m_needsDrawing = true;
+}
+
+PictureArea Workspace::area() {
+    return m_made->labels.area(m_width, m_height);
+}
+
+/// Labels may leave the model another part of the picture than before.
+void Workspace::resize(int width, int height, double scale) {
+    const bool isOther = width != m_width || height != m_height || scale != m_scale;
+    m_width = width;
+    m_height = height;
+    m_scale = scale;
+    m_made->labels.setScale(scale);
+    if (m_isFitted && isOther)
+        fit();
+    else
+        centreCamera(m_camera, area());
+}
+
+void Workspace::draw(int width, int height, double scale) {
+    resize(width, height, scale);
+    beginFrame(m_camera, shown().bounds, width, height, m_options.background);
+    m_made->scene.draw(m_scale);
+    m_made->labels.draw(m_camera, width, height, m_options.background);
+    if (m_readOut)
+        m_made->labels.drawReadOut(describeAt((*m_readOut)[0], (*m_readOut)[1]), *m_readOut, width, height,
+                                   m_options.background);
+    m_needsDrawing = false;
+}
+
+void Workspace::moved() {
+    m_isFitted = false;
+    m_readOut.reset();
+    m_needsDrawing = true;
+}
+
+void Workspace::setCamera(const Camera& camera) {
+    m_camera = camera;
+    moved();
+}
+
+void Workspace::look(const ViewAxes& axes) {
+    m_camera.axes = axes;
+    if (m_isFitted)
+        fit();
+    else
+        moved();
+}
+
+void Workspace::fit() {
+    m_camera = fitCamera(m_camera.axes, shown().bounds, area(), m_camera.perspective);
+    moved();
+    m_isFitted = true;
+}
+
+void Workspace::fitSelected() {
+    const Bounds bounds = boundsOfCells(shown(), selected());
+    if (bounds.empty())
+        return fit();
+    m_camera = fitCamera(m_camera.axes, bounds, area(), m_camera.perspective);
+    moved();
+}
+
+void Workspace::turn(double rightRad, double upRad) {
+    turnCamera(m_camera, rightRad, upRad);
+    moved();
+}
+
+void Workspace::pan(double dx, double dy) {
+    const auto [x, y] = placeInPicture(m_camera, m_camera.target, m_width, m_height);
+    drag(m_camera.target, x + dx, y + dy);
+}
+
+Point Workspace::anchorAt(double x, double y) const {
+    const int column = static_cast<int>(std::floor(x)), row = static_cast<int>(std::floor(y));
+    const double distance = m_camera.perspective ? pickAt(column, row).distance : INFINITY;
+    if (!std::isfinite(distance))
+        return pointInPicture(m_camera, x, y, m_camera.target, m_width, m_height);
+    const Ray ray = rayThrough(column, row);
+    return pointInPicture(m_camera, x, y, ray.origin + distance * ray.direction, m_width, m_height);
+}
+
+void Workspace::drag(const Point& anchor, double x, double y) {
+    moveCamera(m_camera, anchor, x, y, m_width, m_height);
+    moved();
+}
+
+void Workspace::zoom(double factor, double x, double y) {
+    const double size = length(shown().bounds.high - shown().bounds.low);
+    const double halfHeight = m_camera.halfHeight / factor;
+    if (!(halfHeight > kNearestZoom * size) || !(halfHeight < kFarthestZoom * std::max(size, 1.0)))
+        return;
+    const Point anchor = anchorAt(x, y);
+    m_camera.halfHeight = halfHeight;
+    drag(anchor, x, y);
+}
+
+Picked Workspace::pickAt(int x, int y) const {
+    return pick(shown(), x, y);
+}
+
+std::string Workspace::describeAt(int x, int y) const {
+    return describePixel(shown(), m_made->markers, m_options.scene.opacity >= 1.0, x, y);
+}
+
+void Workspace::showReadOut(int x, int y) {
+    m_readOut = {x, y};
+    m_needsDrawing = true;
+}
+
+void Workspace::hideReadOut() {
+    m_needsDrawing |= m_readOut.has_value();
+    m_readOut.reset();
+}
+
+void Workspace::selectAt(int x, int y, Selecting how) {
+    const Picked picked = pickAt(x, y);
+    select(picked.kind != Picked::Kind::Nothing ? Cells{picked.cell} : Cells{}, how);
+}
+
+void Workspace::selectBox(int x0, int y0, int x1, int y1, Selecting how, bool onlyVisible) {
+    const PictureBox box(x0, y0, x1, y1);
+    select(onlyVisible ? visibleCellsWithin(shown(), m_camera, m_width, m_height, box)
+                       : cellsWithin(shown(), m_camera, m_width, m_height, box),
+           how);
+}
+
+void Workspace::select(const Cells& cells, Selecting how) {
+    Cells shownCells;
+    std::copy_if(cells.begin(), cells.end(), std::back_inserter(shownCells),
+                 [this](std::uint32_t cell) { return shown().elements.isShown(cell); });
+    const Cells result = joined(selected(), shownCells, how);
+    change(
+        [&](Options& options) { options.shown.elements.selected = numbersOfCells(shown().model, result); });
+}
+
+Cells Workspace::selected() const {
+    return cellsOf(shown().elements.settings.selected);
+}
+
+/// Selected elements would be drawn though they are hidden.
+void Workspace::hideCells(const Cells& cells) {
+    const Cells hidden = joined(cellsOf(shown().elements.settings.hidden), cells, Selecting::Add);
+    change([&](Options& options) {
+        options.shown.elements.hidden = numbersOfCells(shown().model, hidden);
+        options.shown.elements.selected.clear();
+    });
+}
+
+void Workspace::hideSelected() {
+    hideCells(selected());
+}
+
+void Workspace::isolateSelected() {
+    const ElementList all = {{0, static_cast<std::uint32_t>(shown().model.cellCount() - 1)}};
+    if (const Cells kept = selected(); !kept.empty())
+        hideCells(joined(cellsOf(all), kept, Selecting::Remove));
+}
+
+void Workspace::showAll() {
+    change([](Options& options) { options.shown.elements.hidden.clear(); });
+}
+
+int Workspace::stepCount() const {
+    return nruview::stepCount(shown().model);
+}
+
+int Workspace::step() const {
+    return m_options.shown.step.value_or(stepCount() - 1);
+}
+
+void Workspace::setStep(int step) {
+    change([step](Options& options) { options.shown.step = step; });
+}
+
+void Workspace::setPhase(std::optional<double> rad) {
+    change([rad](Options& options) { options.shown.phase_rad = rad; });
+}
+
+} // namespace nruview
