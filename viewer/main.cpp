@@ -14,6 +14,7 @@
 #include "viewer/app/offscreen.h"
 #include "viewer/app/options.h"
 #include "viewer/app/pngwriter.h"
+#include "viewer/app/report.h"
 #include "viewer/bodies/materials.h"
 #include "viewer/error.h"
 #include "viewer/model/samples.h"
@@ -48,6 +49,8 @@ void run(const Options& options) {
     routeMessages(options.verbose);
     if (options.materials)
         return printMaterials(std::cout);
+    if (options.report)
+        return reportStartUp(std::cout, options.fixed);
     Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
     const bool offscreen = !options.output.empty() || options.pick;
     if (options.list)

@@ -103,6 +103,10 @@ int NglIsShaderSupported() {
            GLeeEnabled(GLeeBufferObjects) && GLeeEnabled(GLeeTextureBufferObjects);
 }
 
+int NglHasCapability(int number) {
+    return GLeeEnabled(number);
+}
+
 // --- loading and reading back ------------------------------------------------------------------------------
 
 int NglInitMatrices(_NglInfoStr* info) {

@@ -14,7 +14,7 @@ namespace {
 
 bool tellsAll = false;
 bool holds = false;
-std::string held; ///< the last line while lines are held back
+std::vector<std::string> held; ///< lines since they are held back
 
 /// The library's texts may begin and end with line ends.
 void print(std::string_view text) {
@@ -23,7 +23,7 @@ void print(std::string_view text) {
         return;
     text = text.substr(first, text.find_last_not_of('\n') - first + 1);
     if (holds)
-        held = text;
+        held.emplace_back(text);
     else
         std::fprintf(stderr, "nruview: %.*s\n", static_cast<int>(text.size()), text.data());
 }
@@ -78,6 +78,10 @@ HeldMessages::~HeldMessages() {
 }
 
 std::string HeldMessages::last() const {
+    return held.empty() ? "" : held.back();
+}
+
+const std::vector<std::string>& HeldMessages::all() const {
     return held;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace nruview {
 
@@ -21,6 +22,7 @@ public:
     HeldMessages& operator=(const HeldMessages&) = delete;
     /// The last line, or nothing.
     std::string last() const;
+    const std::vector<std::string>& all() const;
 };
 
 } // namespace nruview

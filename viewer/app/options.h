@@ -24,6 +24,7 @@ struct Options {
     bool fixed = false;                    ///< fixed function where programs run too
     bool list = false;
     bool materials = false; ///< print the material table and end
+    bool report = false;    ///< print what start-up finds and end
     bool verbose = false;
     std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
 };
