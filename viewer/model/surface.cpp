@@ -171,7 +171,8 @@ void SurfaceBuilder::addTriangle(std::uint32_t a, std::uint32_t b, std::uint32_t
     m_surface.triangleCells.push_back(cell);
 }
 
-/// A quad of a collapsed cell can have two neighbouring corners in one: what is left is a triangle.
+/// A quad of a collapsed cell can have two neighbouring corners in one: what is left is a triangle. A warped
+/// quad is drawn as two triangles from its first corner, and cells on both sides of it must mean the same.
 void SurfaceBuilder::addQuad(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d,
                              std::uint32_t cell) {
     if (a == c || b == d)
@@ -182,7 +183,9 @@ void SurfaceBuilder::addQuad(std::uint32_t a, std::uint32_t b, std::uint32_t c, 
         return addTriangle(a, b, d, cell);
     if (c == d || d == a)
         return addTriangle(a, b, c, cell);
-    m_surface.quads.push_back({a, b, c, d});
+    std::array<std::uint32_t, 4> quad = {a, b, c, d};
+    std::rotate(quad.begin(), std::min_element(quad.begin(), quad.end()), quad.end());
+    m_surface.quads.push_back(quad);
     m_surface.quadCells.push_back(cell);
 }
 

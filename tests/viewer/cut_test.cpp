@@ -1,0 +1,318 @@
+// Cuts through solid elements against closed formulas for areas and volumes, linear fields and the skin.
+#include "viewer/section/cut.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numbers>
+#include <random>
+#include <tuple>
+
+#include "viewer/model/celltypes.h"
+#include "viewer/model/surface.h"
+
+namespace {
+
+using namespace nruview;
+using Index = std::uint32_t;
+
+Plane planeThrough(const Point& at, const Point& normal) {
+    return {unit(normal), dot(unit(normal), at)};
+}
+
+Cut cutAt(const Model& model, const Plane& plane) {
+    return cutSolids(model, model.nodes, plane, 1e-9);
+}
+
+std::vector<Point> cornersOf(const Model& model, const Cut& cut, const Cut::Polygon& polygon) {
+    std::vector<Point> corners;
+    for (Index i = 0; i < polygon.count; ++i)
+        corners.push_back(atCutVertex(cut, model.nodes.size(), cut.vertices[polygon.first + i], Point{},
+                                      [&](Index node) { return model.nodes[node]; }));
+    return corners;
+}
+
+/// Negative where a polygon turns against the normal.
+double areaOf(const Model& model, const Cut& cut, const Plane& plane) {
+    double area = 0.0;
+    for (const Cut::Polygon& polygon : cut.polygons) {
+        const std::vector<Point> corners = cornersOf(model, cut, polygon);
+        for (std::size_t i = 2; i < corners.size(); ++i)
+            area += 0.5 * dot(plane.normal, cross(corners[i - 1] - corners[0], corners[i] - corners[0]));
+    }
+    return area;
+}
+
+/// An element whose nodes stand at places in quarters of skew axes, three digits each.
+Model single(CellType type, const std::string& places, double mirror) {
+    const std::array<Point, 3> axes = {
+        {{mirror * 2, 0.25, -0.125}, {mirror * 0.5, 1.5, 0.375}, {mirror * -0.25, 0.125, 3}}};
+    Model model;
+    std::vector<Index> nodes;
+    for (std::size_t i = 0; i < places.size(); i += 4) {
+        Point node{5, -7, 2};
+        for (std::size_t k = 0; k < 3; ++k)
+            node = node + (places[i + k] - '0') / 4.0 * axes[k];
+        nodes.push_back(static_cast<Index>(nodes.size()));
+        model.nodes.push_back(node);
+    }
+    model.addCell(type, nodes);
+    return model;
+}
+constexpr double kDeterminant = 8.453125; // of the axes
+
+/// Between the heights of nodes and centres the area is quadratic: Simpson's rule gives the volume.
+double sweptVolume(const Model& model, const Point& direction) {
+    std::vector<double> heights;
+    for (const Point& node : model.nodes)
+        heights.push_back(dot(direction, node));
+    const Plane middle{direction, 0.5 * (*std::min_element(heights.begin(), heights.end()) +
+                                         *std::max_element(heights.begin(), heights.end()))};
+    const Cut cut = cutAt(model, middle);
+    for (Index i = 0; i < cut.centres.size(); ++i)
+        heights.push_back(
+            dot(direction, atCutPoint(cut, model.nodes.size(), static_cast<Index>(model.nodes.size()) + i,
+                                      Point{}, [&](Index node) { return model.nodes[node]; })));
+    std::sort(heights.begin(), heights.end());
+    double volume = 0.0;
+    for (std::size_t i = 1; i < heights.size(); ++i) {
+        const double step = heights[i] - heights[i - 1];
+        const auto area = [&](double part) {
+            const Plane plane{direction, heights[i - 1] + part * step};
+            return areaOf(model, cutAt(model, plane), plane);
+        };
+        if (step > 1e-6) // ends taken from within, by an open rule that is exact up to degree 3
+            volume += step / 3 * (2 * area(0.25) - area(0.5) + 2 * area(0.75));
+    }
+    return volume;
+}
+
+const std::string kTetra = "000 400 040 004", kTetraMiddles = " 200 220 020 002 202 022";
+const std::string kHexa = "000 400 440 040 004 404 444 044";
+const std::string kHexaMiddles = " 200 420 240 020 204 424 244 024 002 402 442 042";
+const std::string kHexaCentres = " 022 422 202 242 220 224 222";
+const std::string kWedge = "000 400 040 004 404 044", kWedgeMiddles = " 200 220 020 204 224 024 002 402 042";
+const std::string kPyramid = "000 400 440 040 224", kPyramidMiddles = " 200 420 240 020 112 312 332 132";
+
+TEST(Cut, SweepsTheVolumeOfEveryElementAndKeepsLinearFields) {
+    const std::tuple<CellType, std::string, double> rows[] = {
+        {CellType::Tetra, kTetra, 1. / 6},
+        {CellType::Tetra10, kTetra + kTetraMiddles, 1. / 6},
+        {CellType::Voxel, "000 400 040 440 004 404 044 444", 1},
+        {CellType::Hexa, kHexa, 1},
+        {CellType::Hexa, "000 400 400 040 004 404 404 044", 0.5}, // collapsed to a wedge
+        {CellType::Hexa20, kHexa + kHexaMiddles, 1},
+        {CellType::Hexa27, kHexa + kHexaMiddles + kHexaCentres, 1},
+        {CellType::Wedge, kWedge, 0.5},
+        {CellType::Wedge15, kWedge + kWedgeMiddles, 0.5},
+        {CellType::Wedge18, kWedge + kWedgeMiddles + " 202 222 022", 0.5},
+        {CellType::Pyramid, kPyramid, 1. / 3},
+        {CellType::Pyramid13, kPyramid + kPyramidMiddles, 1. / 3},
+    };
+    const auto field = [](const Point& p) { return 3 * p[0] - 2 * p[1] + 0.5 * p[2] + 7; };
+    for (const auto& [type, places, volume] : rows)
+        for (const double mirror : {1.0, -1.0}) {
+            SCOPED_TRACE(std::string(cellTypeName(type)) + (mirror < 0 ? ", mirrored" : ""));
+            const Model model = single(type, places, mirror);
+            const Point direction = unit({0.3, -0.7, 0.5});
+            EXPECT_NEAR(sweptVolume(model, direction), volume * kDeterminant, 1e-9);
+            const Cut cut = cutAt(model, planeThrough(model.nodes[0] + 0.01 * direction, direction));
+            ASSERT_FALSE(cut.polygons.empty());
+            for (const Cut::Polygon& polygon : cut.polygons) {
+                const std::vector<Point> corners = cornersOf(model, cut, polygon);
+                for (Index i = 0; i < polygon.count; ++i)
+                    EXPECT_NEAR(atCutVertex(cut, model.nodes.size(), cut.vertices[polygon.first + i], 0.0,
+                                            [&](Index node) { return field(model.nodes[node]); }),
+                                field(corners[i]), 1e-12);
+            }
+        }
+}
+
+/// n x n x n hexahedra in a cube of side n, their inner and outer nodes moved about by up to `warp`.
+Model gridOf(Index n, double warp) {
+    Model model;
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> shift(-warp, warp);
+    const Index m = n + 1;
+    for (Index i = 0; i < m * m * m; ++i)
+        model.nodes.push_back({i % m + shift(random), i / m % m + shift(random), i / m / m + shift(random)});
+    for (Index i = 0; i < n * n * n; ++i) {
+        const Index at = i % n + m * (i / n % n) + m * m * (i / n / n), up = at + m * m;
+        // Cells begin at different corners: their faces would be split differently by their own orders.
+        if (i % 2 == 0)
+            model.addCell(CellType::Hexa,
+                          std::array{at, at + 1, at + m + 1, at + m, up, up + 1, up + m + 1, up + m});
+        else
+            model.addCell(CellType::Hexa,
+                          std::array{at + 1, at + m + 1, at + m, at, up + 1, up + m + 1, up + m, up});
+    }
+    return model;
+}
+
+TEST(Cut, NodesInThePlaneNeitherCrackNorDouble) {
+    const Model model = gridOf(4, 0.0);
+    const std::tuple<const char*, Point, Point, double, std::size_t> rows[] = {
+        // name, a point, the normal, area of the cut, polygons
+        {"between layers", {2, 0, 0}, {1, 0, 0}, 16, 16},
+        {"the last face", {4, 0, 0}, {1, 0, 0}, 16, 16},
+        {"the first face", {0, 0, 0}, {1, 0, 0}, 0, 0},
+        {"just beside a layer", {2 + 1e-10, 0, 0}, {1, 0, 0}, 16, 16},
+        {"through edges", {4, 0, 0}, {1, 1, 0}, 16 * std::sqrt(2.0), 16},
+        {"through corners", {4, 0, 0}, {1, 1, 1}, 8 * std::sqrt(3.0), 16},
+        {"backward", {2, 0, 0}, {-1, 0, 0}, 16, 16},
+    };
+    for (const auto& [name, at, normal, area, polygons] : rows) {
+        SCOPED_TRACE(name);
+        const Plane plane = planeThrough(at, normal);
+        const Cut cut = cutAt(model, plane);
+        EXPECT_NEAR(areaOf(model, cut, plane), area, 1e-8);
+        EXPECT_EQ(cut.polygons.size(), polygons);
+        for (const Cut::Polygon& polygon : cut.polygons) { // of the elements that are kept
+            double lowest = 0.0;
+            for (const Index node : model.cellNodes(polygon.cell))
+                lowest = std::min(lowest, plane.distance(model.nodes[node]));
+            EXPECT_LT(lowest, -0.5);
+        }
+    }
+}
+
+/// Distance from a triangle of a point that is near its plane.
+double distanceTo(const std::array<Point, 3>& triangle, const Point& p) {
+    const Point normal = cross(triangle[1] - triangle[0], triangle[2] - triangle[0]);
+    double outside = std::abs(dot(unit(normal), p - triangle[0]));
+    for (int i = 0; i < 3; ++i) {
+        const Point inward = unit(cross(normal, triangle[(i + 1) % 3] - triangle[i]));
+        outside = std::max(outside, -dot(inward, p - triangle[i]));
+    }
+    return outside;
+}
+
+/// The same hexahedra with 20 nodes, their mid-side nodes moved about too.
+Model curved(Model model, double warp) {
+    std::map<std::array<Index, 2>, Index> middles;
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> shift(-warp, warp);
+    const Model linear = std::move(model);
+    model = Model{};
+    model.nodes = linear.nodes;
+    for (std::size_t cell = 0; cell < linear.cellCount(); ++cell) {
+        std::array<Index, 20> nodes{};
+        std::copy_n(linear.cellNodes(cell).begin(), 8, nodes.begin());
+        for (const FaceShape& face : cellShape(CellType::Hexa20).faces)
+            for (std::size_t i = 0; i < 4; ++i) {
+                const auto [a, b] = std::minmax(nodes[face.nodes[i]], nodes[face.nodes[(i + 1) % 4]]);
+                const auto [found, isNew] =
+                    middles.try_emplace({a, b}, static_cast<Index>(model.nodes.size()));
+                if (isNew)
+                    model.nodes.push_back(0.5 * (model.nodes[a] + model.nodes[b]) +
+                                          Point{shift(random), shift(random), shift(random)});
+                nodes[face.nodes[4 + i]] = found->second;
+            }
+        model.addCell(CellType::Hexa20, nodes);
+    }
+    return model;
+}
+
+/// The borders of all polygons: how often an edge is passed upward less how often downward.
+std::map<std::pair<Point, Point>, int> bordersOf(const Model& model, const Cut& cut) {
+    std::map<std::pair<Point, Point>, int> borders; // by positions, to the last bit
+    for (const Cut::Polygon& polygon : cut.polygons) {
+        const std::vector<Point> corners = cornersOf(model, cut, polygon);
+        for (std::size_t i = 0; i < corners.size(); ++i) {
+            const Point &a = corners[i], &b = corners[(i + 1) % corners.size()];
+            borders[a < b ? std::pair{a, b} : std::pair{b, a}] += a < b ? 1 : -1;
+        }
+    }
+    return borders;
+}
+
+double distanceToSkin(const Model& model, const Surface& surface, const Point& p) {
+    std::vector<Point> points = model.nodes;
+    for (const Surface::Centre& centre : surface.centres) {
+        points.push_back({});
+        for (std::size_t i = 0; i < 8; ++i)
+            points.back() = points.back() + centre.weights[i] * model.nodes[centre.nodes[i]];
+    }
+    double nearest = HUGE_VAL;
+    forEachFace(surface, [&](std::span<const Index> face, Index) {
+        for (std::size_t i = 2; i < face.size(); ++i)
+            nearest =
+                std::min(nearest, distanceTo({points[face[0]], points[face[i - 1]], points[face[i]]}, p));
+    });
+    return nearest;
+}
+
+TEST(Cut, OfWarpedElementsHasNoGapsAndEndsOnTheSkin) {
+    const Plane plane = planeThrough({2.1, 1.9, 2.2}, {0.4, 0.3, 0.8});
+    for (const Model& model : {gridOf(4, 0.3), curved(gridOf(4, 0.2), 0.05)}) {
+        const Surface surface = extractSurface(model);
+        std::size_t inner = 0, outer = 0;
+        for (const auto& [edge, balance] : bordersOf(model, cutAt(model, plane))) {
+            ++(balance == 0 ? inner : outer);
+            if (balance != 0) {
+                EXPECT_EQ(std::abs(balance), 1);
+                EXPECT_LT(distanceToSkin(model, surface, 0.5 * (edge.first + edge.second)), 1e-12);
+            }
+        }
+        EXPECT_GT(outer, 20u);
+        EXPECT_GT(inner, outer);
+    }
+}
+
+/// A ball of radius 1 about the origin: tetrahedra from its middle to an octahedron's faces, split `times`.
+Model ball(int times) {
+    Model model;
+    model.nodes = {{0, 0, 0}};
+    const auto add = [&](const auto& self, const Point& a, const Point& b, const Point& c, int left) -> void {
+        const Point ab = unit(a + b), bc = unit(b + c), ca = unit(c + a);
+        if (left == 0) {
+            const auto first = static_cast<Index>(model.nodes.size());
+            model.nodes.insert(model.nodes.end(), {a, b, c});
+            model.addCell(CellType::Tetra, std::array{Index{0}, first, first + 1, first + 2});
+            return;
+        }
+        self(self, a, ab, ca, left - 1);
+        self(self, ab, b, bc, left - 1);
+        self(self, ca, bc, c, left - 1);
+        self(self, ab, bc, ca, left - 1);
+    };
+    for (int i = 0; i < 8; ++i)
+        add(add, {i & 1 ? 1.0 : -1.0, 0, 0}, {0, i & 2 ? 1.0 : -1.0, 0}, {0, 0, i & 4 ? 1.0 : -1.0}, times);
+    return model;
+}
+
+TEST(Cut, OfABallIsADisc) {
+    const Model model = ball(5);
+    for (const double height : {-0.9, -0.3, 0.0, 0.5}) {
+        const Plane plane = planeThrough(height * unit({1, 2, -0.5}), {1, 2, -0.5});
+        const double disc = std::numbers::pi * (1 - height * height);
+        const double area = areaOf(model, cutAt(model, plane), plane);
+        EXPECT_LT(area, disc);
+        EXPECT_NEAR(area, disc, 0.005);
+    }
+}
+
+TEST(Cut, OutlinesFollowTheElementsAlone) {
+    Model model = single(CellType::Hexa20, kHexa + kHexaMiddles, 1.0);
+    const Plane plane = planeThrough(0.5 * (model.nodes[0] + model.nodes[6]), {0.1, 0.2, 0.9});
+    const Cut cut = cutAt(model, plane);
+    double outline = 0.0, expected = 0.0;
+    for (const Cut::Polygon& polygon : cut.polygons) {
+        const std::vector<Point> corners = cornersOf(model, cut, polygon);
+        for (Index i = 0; i < polygon.count; ++i)
+            if (cut.vertices[polygon.first + i].outlineFollows)
+                outline += length(corners[(i + 1) % polygon.count] - corners[i]);
+    }
+    Model linear = single(CellType::Hexa, kHexa, 1.0);
+    const Cut whole = cutAt(linear, plane);
+    ASSERT_EQ(whole.polygons.size(), 1u);
+    const std::vector<Point> corners = cornersOf(linear, whole, whole.polygons[0]);
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        expected += length(corners[(i + 1) % corners.size()] - corners[i]);
+    EXPECT_GT(cut.polygons.size(), 3u);
+    EXPECT_NEAR(outline, expected, 1e-12);
+}
+
+} // namespace
