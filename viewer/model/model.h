@@ -107,7 +107,7 @@ std::string_view cellTypeName(CellType type);
 /// nodes at all.
 void checkModel(const Model& model, const std::string& subject);
 
-/// Reads a .vtu, .vtk, .stl, .obj, .ply, .glb or .gltf file; throws ViewerError naming the file and the
+/// Reads a .vtu, .vtk, .frd, .stl, .obj, .ply, .glb or .gltf file; throws ViewerError naming the file and the
 /// reason.
 Model readModel(const std::string& path);
 

@@ -24,6 +24,10 @@ std::string loadFile(const std::filesystem::path& path);
 Model readVtu(std::string_view content);
 Model readLegacyVtk(std::string_view content);
 
+/// Results of CalculiX, .frd, which the content tells.
+bool isFrd(std::string_view content);
+Model readFrd(std::string_view content);
+
 /// A surface: .stl, .obj, .ply, .glb or .gltf. Nothing where the file is none of them; the path tells of
 /// those that have no mark in their content, and where the files that it names are.
 std::optional<Model> readSurface(std::string_view content, const std::filesystem::path& path);

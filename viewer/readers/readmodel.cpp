@@ -16,6 +16,8 @@ constexpr std::size_t kLongestText = 300;
 Model readContent(std::string_view content, const std::string& path) {
     if (content.starts_with("# vtk DataFile Version"))
         return readers::readLegacyVtk(content);
+    if (readers::isFrd(content))
+        return readers::readFrd(content);
     if (content.starts_with("\xEF\xBB\xBF"))
         content.remove_prefix(3);
     const std::size_t first = content.find_first_not_of(" \t\r\n");
@@ -23,7 +25,7 @@ Model readContent(std::string_view content, const std::string& path) {
         return readers::readVtu(content);
     if (std::optional<Model> surface = readers::readSurface(content, path))
         return std::move(*surface);
-    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, .stl, .obj, .ply, .glb and .gltf");
+    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, .frd, .stl, .obj, .ply, .glb and .gltf");
 }
 
 } // namespace

@@ -1,0 +1,254 @@
+// Result files of CalculiX: every element type in its place, the forms of numbers and blocks, one reason for
+// files that are damaged.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "viewer/error.h"
+#include "viewer/model/celltypes.h"
+#include "viewer/model/fields.h"
+
+namespace {
+
+using namespace nruview;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsNan;
+
+Model readText(const std::string& content) {
+    const auto path = std::filesystem::temp_directory_path() / ("frd_test_" + std::to_string(getpid()));
+    std::ofstream(path, std::ios::binary) << content;
+    struct Remover {
+        std::filesystem::path path;
+        ~Remover() { std::filesystem::remove(path); }
+    } remover{path};
+    return readModel(path.string());
+}
+
+template <class... Args>
+std::string format(const char* form, Args... args) {
+    std::array<char, 200> text;
+    std::snprintf(text.data(), text.size(), form, args...);
+    return text.data();
+}
+
+template <class T>
+std::string bytes(T value) {
+    return {reinterpret_cast<const char*>(&value), sizeof value};
+}
+
+std::string header(const char* name, int count, int form) {
+    return format("%6s%18s%12d%37s%d\n", name, "", count, "", form);
+}
+
+// --- elements ----------------------------------------------------------------------------------------------
+
+/// An element by its corners, "0" to "7", and mid-side nodes, "01" between two of them, in the file's order.
+struct Shape {
+    int number;
+    CellType type;
+    std::vector<const char*> nodes;
+};
+
+const std::vector<Shape> kShapes = {
+    {1, CellType::Hexa, {"0", "1", "2", "3", "4", "5", "6", "7"}},
+    {2, CellType::Wedge, {"0", "1", "2", "4", "5", "6"}},
+    {3, CellType::Tetra, {"0", "1", "2", "4"}},
+    {4, CellType::Hexa20, {"0",  "1",  "2",  "3",  "4",  "5",  "6",  "7",  "01", "12",
+                           "23", "30", "04", "15", "26", "37", "45", "56", "67", "74"}},
+    {5,
+     CellType::Wedge15,
+     {"0", "1", "2", "4", "5", "6", "01", "12", "20", "04", "15", "26", "45", "56", "64"}},
+    {6, CellType::Tetra10, {"0", "1", "2", "4", "01", "12", "20", "04", "14", "24"}},
+    {7, CellType::Triangle, {"0", "1", "2"}},
+    {8, CellType::Triangle6, {"0", "1", "2", "01", "12", "20"}},
+    {9, CellType::Quad, {"0", "1", "2", "3"}},
+    {10, CellType::Quad8, {"0", "1", "2", "3", "01", "12", "23", "30"}},
+    {11, CellType::Line, {"0", "1"}},
+    {12, CellType::Line3, {"0", "1", "01"}},
+};
+
+Point place(const std::string& node) {
+    constexpr std::array<Point, 8> kCorners = {
+        {{0, 0, 0}, {3, 0, 0}, {4, 2, 0}, {0, 2, 1}, {0, 0, 5}, {3, 0, 5}, {4, 2, 5}, {0, 2, 6}}};
+    const Point &a = kCorners[node.front() - '0'], &b = kCorners[node.back() - '0'];
+    return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
+}
+
+/// Every type once, each with nodes of its own and of alternating materials; elements are numbered from 70.
+std::string zoo(int form) {
+    const int width = form == 0 ? 5 : 10;
+    const std::size_t perLine = form == 0 ? 15 : 10;
+    std::string nodes, elements;
+    int node = 0;
+    for (const Shape& shape : kShapes) {
+        const int number = 69 + shape.number, material = 1 + shape.number % 2;
+        elements += form >= 2 ? bytes(number) + bytes(shape.number) + bytes(0) + bytes(material)
+                              : format(" -1%*d%5d%5d%5d\n", width, number, shape.number, 0, material);
+        for (std::size_t i = 0; i < shape.nodes.size(); ++i) {
+            const Point p = place(shape.nodes[i]);
+            ++node;
+            nodes += form == 3   ? bytes(node) + bytes(p[0]) + bytes(p[1]) + bytes(p[2])
+                     : form == 2 ? bytes(node) + bytes<float>(p[0]) + bytes<float>(p[1]) + bytes<float>(p[2])
+                                 : format(" -1%*d%12.5E%12.5E%12.5E\n", width, node, p[0], p[1], p[2]);
+            const bool isLast = i + 1 == shape.nodes.size() || (i + 1) % perLine == 0;
+            elements += form >= 2 ? bytes(node)
+                                  : (i % perLine == 0 ? " -2" : "") + format("%*d", width, node) +
+                                        (isLast ? "\n" : "");
+        }
+    }
+    const std::string end = form >= 2 ? "" : " -3\n";
+    return "    1C\n    1UMAT    2STEEL\n" + header("2C", node, form) + nodes + end +
+           header("3C", static_cast<int>(kShapes.size()), form) + elements + end + " 9999\n";
+}
+
+/// That each mid-side node is between its edge's ends, in the model's own order of nodes.
+void expectMidSides(const Model& model, std::size_t cell) {
+    const auto nodes = model.cellNodes(cell);
+    const auto expectMiddle = [&](int a, int b, int middle) {
+        for (int k = 0; k < 3; ++k)
+            EXPECT_DOUBLE_EQ(model.nodes[nodes[middle]][k],
+                             (model.nodes[nodes[a]][k] + model.nodes[nodes[b]][k]) / 2)
+                << cellTypeName(model.types[cell]) << " " << middle;
+    };
+    for (const FaceShape& face : cellShape(model.types[cell]).faces)
+        for (int i = face.corners; i < face.count; ++i)
+            expectMiddle(face.nodes[i - face.corners], face.nodes[(i - face.corners + 1) % face.corners],
+                         face.nodes[i]);
+    if (model.types[cell] == CellType::Line3)
+        expectMiddle(0, 1, 2);
+}
+
+class Forms : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Frd, Forms, testing::Range(0, 4));
+
+TEST_P(Forms, ElementsAreInTheModelsOrderAndInPartsByMaterial) {
+    const Model model = readText(zoo(GetParam()));
+    ASSERT_EQ(model.cellCount(), kShapes.size());
+    for (std::size_t cell = 0; cell < model.cellCount(); ++cell) {
+        const Shape& shape = kShapes[static_cast<std::size_t>(model.cellNumbers[cell] - 70)];
+        EXPECT_EQ(model.types[cell], shape.type);
+        EXPECT_EQ(model.nodes[model.cellNodes(cell)[1]], place("1"));
+        expectMidSides(model, cell);
+    }
+    ASSERT_EQ(model.parts.size(), 2u);
+    EXPECT_EQ(model.parts[0].name, "STEEL");
+    EXPECT_EQ(model.parts[1].name, "material 1");
+    EXPECT_THAT(model.cellNumbers, ElementsAre(70, 72, 74, 76, 78, 80, 71, 73, 75, 77, 79, 81));
+}
+
+// --- results -----------------------------------------------------------------------------------------------
+
+const std::string kMesh = "    1C\n" + header("2C", 2, 1) +
+                          " -1         7 0.00000E+00 0.00000E+00 0.00000E+00\n"
+                          " -1         5-1.00000E+00-2.00000E+00-3.0000E+100\n -3\n" +
+                          header("3C", 1, 1) + " -1         1   11    0    1\n -2         7         5\n -3\n";
+
+std::string begin(const char* value, int kind, int number, int form = 1) {
+    return format("  100CL  101%12s%12d%20s%2d%5d%10s%2d\n", value, 2, "", kind, number, "", form);
+}
+
+std::string named(const char* block, int type, const std::vector<const char*>& entities) {
+    std::string lines = format(" -4  %-8s%5zu    1\n", block, entities.size());
+    for (const std::string entity : entities)
+        lines += format(" -5  %-8s    1%5d    1    0%5d\n", entity.c_str(), type, entity == "ALL" ? 1 : 0);
+    return lines;
+}
+
+const std::string kDisp = named("DISP", 2, {"D1", "D2", "D3", "ALL"});
+
+TEST(Frd, NumbersFillTheirColumnsWithoutBlanks) {
+    const Model model = readText(kMesh + begin("1.0", 0, 1) + kDisp +
+                                 " -1         5-1.00000E+00-2.00000-10012.5000D+001\n -3\n" +
+                                 named("NDTEMP", 1, {"T"}).insert(0, begin("1.0", 0, 1)) +
+                                 " -1         7         NaN\n -1         5************\n -3\n 9999\n");
+    EXPECT_THAT(model.nodeNumbers, ElementsAre(7, 5));
+    EXPECT_EQ(model.nodes[1], (Point{-1, -2, -3e100}));
+    ASSERT_EQ(model.fields.size(), 2u);
+    EXPECT_THAT(model.fields[0].values, ElementsAre(IsNan(), IsNan(), IsNan(), -1, -2e-100, 125));
+    EXPECT_THAT(model.fields[1].values, ElementsAre(IsNan(), IsNan()));
+    EXPECT_EQ(findDisplacement(model, {}), &model.fields[0]);
+}
+
+TEST(Frd, StepsSayWhatTheyAre) {
+    const std::string disp = kDisp + " -1         7 0.00000E+00 0.00000E+00 0.00000E+00\n -3\n";
+    const std::string imaginary = std::string(disp).replace(disp.find("DISP "), 5, "DISPI");
+    const Model model = readText(
+        kMesh + "    1PSTEP                         1           1           1\n" + begin("0.5", 0, 1) + disp +
+        begin("1.25E-03", 1, 2) + disp + "    1PHID                          3\n" +
+        "    1PMODE                         4\n" + begin("417.2", 2, 3) + disp + begin("0.0", 4, 4) + disp +
+        begin("33.87", 4, 5) + disp + begin("72.0", 4, 6) + disp + begin("100.0", 1, 7) + disp +
+        begin("100.0", 1, 7) + imaginary + " 9999\n");
+    std::string labels;
+    for (const ResultStep& step : model.steps)
+        labels += step.label + (step.isMode ? "*|" : "|");
+    EXPECT_EQ(labels, "time 0.5|time 0.00125|mode 4, nodal diameter 3, 417.2 Hz*|preload|"
+                      "buckling 1, factor 33.87*|buckling 2, factor 72*|100 Hz|");
+    EXPECT_EQ(model.fields.back().name, "DISPI");
+    EXPECT_EQ(model.fields.back().step, 6u);
+}
+
+TEST(Frd, ValuesThatAreNoTensorBecomeFieldsOfTheirOwn) {
+    const std::vector<const char*> phases = {"MAGXX", "MAGYY", "MAGZZ", "MAGXY", "MAGYZ", "MAGZX",
+                                             "PHAXX", "PHAYY", "PHAZZ", "PHAXY", "PHAYZ", "PHAZX"};
+    const std::vector<const char*> contact = {"COPEN", "CSLIP1", "CSLIP2", "CPRESS", "CSHEAR1", "CSHEAR2"};
+    const auto line = [](const char* start, int first) {
+        std::string text = start;
+        for (int i = first; i < first + 6; ++i)
+            text += format("%12.5E", double(i));
+        return text + "\n";
+    };
+    const Model model =
+        readText(kMesh + begin("1.0", 1, 1) + named("PSTRESS", 14, phases) + line(" -1         5", 0) +
+                 line(" -2          ", 6) + " -3\n" + begin("1.0", 1, 1) + named("CONTACT", 4, contact) +
+                 line(" -1         5", 20) + " -3\n 9999\n");
+    ASSERT_EQ(model.fields.size(), 8u);
+    EXPECT_EQ(model.fields[1].name, "PSTRESS_PHA");
+    EXPECT_EQ(model.fields[1].components, 6);
+    EXPECT_EQ(model.fields[1].values[11], 11);
+    EXPECT_EQ(model.fields[5].name, "CONTACT_CPRESS");
+    EXPECT_EQ(model.fields[5].values[1], 23);
+}
+
+TEST(Frd, BinaryResultsAreThoseOfText) {
+    const Model model =
+        readText(kMesh + begin("1.0", 0, 1, 2) + kDisp + bytes(5) + bytes(1.5f) + bytes(-2.f) + bytes(0.25f) +
+                 bytes(7) + bytes(1.f) + bytes(2.f) + bytes(3.f) + " 9999\n");
+    EXPECT_THAT(model.fields.at(0).values, ElementsAre(1, 2, 3, 1.5, -2, 0.25));
+}
+
+std::string changed(std::string text, const std::string& from, const std::string& to) {
+    return text.replace(text.rfind(from), from.size(), to);
+}
+
+TEST(Frd, DamagedFilesEndInOneReason) {
+    const std::string block = begin("1.0", 0, 1) + kDisp;
+    const std::vector<std::pair<std::string, const char*>> rows = {
+        {kMesh.substr(0, kMesh.find(" -1         5")), "is cut short"},
+        {changed(kMesh, " -3\n", ""), "is cut short"},
+        {kMesh + block, "is cut short"},
+        {kMesh + begin("1.0", 0, 1, 3) + kDisp + bytes(5) + bytes(1.0), "is cut short"},
+        {changed(kMesh, "5\n", "6\n"), "node 6, which is not there"},
+        {changed(kMesh, "         5\n", "\n"), "element 1 (line) with 1 nodes"},
+        {changed(changed(kMesh, "5\n", "7\n"), "5-1", "7-1"), "node 7 is there twice"},
+        {kMesh.substr(0, kMesh.find("    3C")), "has no elements"},
+        {changed(kMesh, "11", "13"), "1 elements of type 13"},
+        {kMesh + block + " -1         5 1.00000E+00\n -3\n", "has no value 2 of node 5"},
+        {kMesh + begin("??", 0, 1) + kDisp + " -3\n", "without its time"},
+        {kMesh + "    7C\n", "begins no block: '    7C'"},
+    };
+    for (const auto& [content, reason] : rows)
+        try {
+            readText(content);
+            ADD_FAILURE() << "was read: " << reason;
+        } catch (const ViewerError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(reason));
+        }
+}
+
+} // namespace
