@@ -40,65 +40,9 @@ public:
     Watched() { put(*entry); }
 };
 
-/// All that a frame may call: `nm -D libNRenderUtl.so | grep epoxy_gl`, without what makes and deletes
-/// programs.
+/// All that the library imports, as the build lists it.
 void watch() {
-    (void)Watched<&epoxy_glActiveTexture>();
-    (void)Watched<&epoxy_glBindBuffer>();
-    (void)Watched<&epoxy_glBindSampler>();
-    (void)Watched<&epoxy_glBindTexture>();
-    (void)Watched<&epoxy_glBindVertexArray>();
-    (void)Watched<&epoxy_glBlendFunc>();
-    (void)Watched<&epoxy_glBufferData>();
-    (void)Watched<&epoxy_glBufferSubData>();
-    (void)Watched<&epoxy_glClientActiveTexture>();
-    (void)Watched<&epoxy_glColor4ub>();
-    (void)Watched<&epoxy_glColorPointer>();
-    (void)Watched<&epoxy_glCullFace>();
-    (void)Watched<&epoxy_glDeleteBuffers>();
-    (void)Watched<&epoxy_glDeleteTextures>();
-    (void)Watched<&epoxy_glDeleteVertexArrays>();
-    (void)Watched<&epoxy_glDepthMask>();
-    (void)Watched<&epoxy_glDisable>();
-    (void)Watched<&epoxy_glDisableClientState>();
-    (void)Watched<&epoxy_glDisableVertexAttribArray>();
-    (void)Watched<&epoxy_glDrawElements>();
-    (void)Watched<&epoxy_glEnable>();
-    (void)Watched<&epoxy_glEnableClientState>();
-    (void)Watched<&epoxy_glEnableVertexAttribArray>();
-    (void)Watched<&epoxy_glGenBuffers>();
-    (void)Watched<&epoxy_glGenTextures>();
-    (void)Watched<&epoxy_glGenVertexArrays>();
-    (void)Watched<&epoxy_glGetAttribLocation>();
-    (void)Watched<&epoxy_glGetDoublev>();
-    (void)Watched<&epoxy_glGetError>();
-    (void)Watched<&epoxy_glGetFloatv>();
-    (void)Watched<&epoxy_glGetIntegerv>();
-    (void)Watched<&epoxy_glGetLightfv>();
-    (void)Watched<&epoxy_glGetMaterialfv>();
-    (void)Watched<&epoxy_glGetString>();
-    (void)Watched<&epoxy_glGetUniformLocation>();
-    (void)Watched<&epoxy_glIsEnabled>();
-    (void)Watched<&epoxy_glLoadIdentity>();
-    (void)Watched<&epoxy_glLoadMatrixd>();
-    (void)Watched<&epoxy_glMatrixMode>();
-    (void)Watched<&epoxy_glNormalPointer>();
-    (void)Watched<&epoxy_glPopAttrib>();
-    (void)Watched<&epoxy_glPopClientAttrib>();
-    (void)Watched<&epoxy_glPopMatrix>();
-    (void)Watched<&epoxy_glPushAttrib>();
-    (void)Watched<&epoxy_glPushClientAttrib>();
-    (void)Watched<&epoxy_glPushMatrix>();
-    (void)Watched<&epoxy_glShadeModel>();
-    (void)Watched<&epoxy_glUniform1f>();
-    (void)Watched<&epoxy_glUniform1i>();
-    (void)Watched<&epoxy_glUniform2fv>();
-    (void)Watched<&epoxy_glUniform3fv>();
-    (void)Watched<&epoxy_glUniform4fv>();
-    (void)Watched<&epoxy_glUniformMatrix4fv>();
-    (void)Watched<&epoxy_glUseProgram>();
-    (void)Watched<&epoxy_glVertexAttribPointer>();
-    (void)Watched<&epoxy_glVertexPointer>();
+#include "glcalls_list.inc"
 }
 
 } // namespace

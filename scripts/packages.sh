@@ -1,11 +1,10 @@
-# Debian packages that the build, the tests and the benchmarks need. Source it, then call
+# Debian packages that the build and the tests need. Source it, then call
 # `install_packages SET...`: it installs what is missing with apt, or lists it where there is no apt.
 
 packages_build="g++ cmake ninja-build pkg-config libgl-dev libegl-dev libglu1-mesa-dev libepoxy-dev
   libpugixml-dev libpng-dev libjpeg62-turbo-dev libcli11-dev zlib1g-dev libglfw3-dev
   libgle3-dev libfreetype-dev libassimp-dev fonts-dejavu-core libegl1 libegl-mesa0 libgl1-mesa-dri"
 packages_test="clang libclang-rt-dev llvm libgtest-dev libgmock-dev libglm-dev xvfb"
-packages_bench="libbenchmark-dev"
 
 missing_packages() {
   local package
