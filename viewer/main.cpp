@@ -1,48 +1,51 @@
 // nruview: reads a model, shows it in a window or draws it into a file. A host's way through the library is
 // in scene/: frame.cpp (the view), scene.cpp (meshes and contours) and pick.cpp (picking); what a user can do
 // with a picture is in workspace/.
-#include <epoxy/gl.h>
-
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <new>
-#include <vector>
+#include <optional>
 
 #include "viewer/app/listing.h"
 #include "viewer/app/messages.h"
-#include "viewer/app/offscreen.h"
 #include "viewer/app/options.h"
 #include "viewer/app/pngwriter.h"
 #include "viewer/app/report.h"
 #include "viewer/bodies/materials.h"
 #include "viewer/error.h"
 #include "viewer/model/samples.h"
-#include "viewer/scene/frame.h"
 #include "viewer/window/window.h"
-#include "viewer/workspace/workspace.h"
+#include "viewer/workspace/animation.h"
+#include "viewer/workspace/offscreenplace.h"
+#include "viewer/workspace/script.h"
 
 namespace nruview {
 
 namespace {
 
-/// Draws without a display, into the file and for the pick that were asked for.
-void drawOffscreen(Model model, const Options& options) {
-    OffscreenContext context;
-    if (const std::string reason = context.create(options.width, options.height); !reason.empty())
-        throw ViewerError("off-screen drawing", reason);
-    const LibrarySession session(options.fixed);
-    Workspace workspace(std::move(model), options);
+/// Draws without a display what was asked for: a script's pictures, a pick, a file or several.
+void drawOffscreen(Model model, const Options& options, Script* script) {
+    OffscreenPlace place(std::move(model), options);
+    while (script != nullptr && !script->isAtEnd())
+        script->runNext(place);
     if (options.pick)
-        workspace.showReadOut((*options.pick)[0], (*options.pick)[1]);
-    workspace.draw(options.width, options.height);
-    if (options.pick)
-        std::cout << workspace.describeAt((*options.pick)[0], (*options.pick)[1]) << "\n";
-    if (options.output.empty())
+        place.workspace().showReadOut((*options.pick)[0], (*options.pick)[1]);
+    if (options.animate)
+        return writeAnimation(place, *options.animate, options.output);
+    if (!options.pick && options.output.empty())
         return;
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(options.width) * options.height);
-    glReadPixels(0, 0, options.width, options.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    writePng(options.output, options.width, options.height, pixels);
+    const Pixels picture = place.picture();
+    if (options.pick)
+        std::cout << place.workspace().describeAt((*options.pick)[0], (*options.pick)[1]) << "\n";
+    if (!options.output.empty())
+        writePng(options.output, picture.width, picture.height, picture.colors);
+}
+
+/// A script without mouse and keys that makes pictures needs no display.
+bool isOffscreen(const Options& options, const std::optional<Script>& script) {
+    return !options.output.empty() || options.pick ||
+           (script && script->makesFiles() && !script->usesInput());
 }
 
 void run(const Options& options) {
@@ -51,16 +54,19 @@ void run(const Options& options) {
         return printMaterials(std::cout);
     if (options.report)
         return reportStartUp(std::cout, options.fixed);
+    std::optional<Script> script;
+    if (!options.script.empty())
+        script.emplace(options.script);
     Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
-    const bool offscreen = !options.output.empty() || options.pick;
+    const bool offscreen = isOffscreen(options, script);
     if (options.list)
         listModel(std::cout, model, options.sample.empty() ? options.file : options.sample);
     if (options.list && !offscreen)
         return;
     if (offscreen)
-        drawOffscreen(std::move(model), options);
+        drawOffscreen(std::move(model), options, script ? &*script : nullptr);
     else
-        showWindow(std::move(model), options);
+        showWindow(std::move(model), options, script ? &*script : nullptr);
 }
 
 } // namespace

@@ -23,6 +23,16 @@ EGLDisplay openDisplay() {
     return EGL_NO_DISPLAY;
 }
 
+EGLSurface createSurface(EGLDisplay display, EGLConfig config, int width, int height) {
+    const std::array<EGLint, 5> size = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
+    return eglCreatePbufferSurface(display, config, size.data());
+}
+
+std::string noSurface(int width, int height) {
+    return "EGL cannot make a surface of " + std::to_string(width) + " x " + std::to_string(height) +
+           " pixels";
+}
+
 EGLContext createContext(EGLDisplay display, EGLConfig config) {
     const std::array<EGLint, 7> compatibility45 = {EGL_CONTEXT_MAJOR_VERSION,
                                                    4,
@@ -67,20 +77,30 @@ std::string OffscreenContext::create(int width, int height) {
                                            EGL_STENCIL_SIZE,
                                            8,
                                            EGL_NONE};
-    EGLConfig config = nullptr;
     EGLint count = 0;
-    if (!eglChooseConfig(m_display, wanted.data(), &config, 1, &count) || count < 1)
+    if (!eglChooseConfig(m_display, wanted.data(), &m_config, 1, &count) || count < 1)
         return "EGL has no RGBA8 / depth 24 / stencil 8 configuration";
-    const std::array<EGLint, 5> size = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
-    m_surface = eglCreatePbufferSurface(m_display, config, size.data());
+    m_surface = createSurface(m_display, m_config, width, height);
     if (m_surface == EGL_NO_SURFACE)
-        return "EGL cannot make a surface of " + std::to_string(width) + " x " + std::to_string(height) +
-               " pixels";
-    m_context = createContext(m_display, config);
+        return noSurface(width, height);
+    m_context = createContext(m_display, m_config);
     if (m_context == EGL_NO_CONTEXT)
         return "EGL cannot make an OpenGL compatibility context";
     if (!eglMakeCurrent(m_display, m_surface, m_surface, m_context))
         return "EGL cannot make the context current";
+    return {};
+}
+
+std::string OffscreenContext::resize(int width, int height) {
+    const EGLSurface surface = createSurface(m_display, m_config, width, height);
+    if (surface == EGL_NO_SURFACE)
+        return noSurface(width, height);
+    if (!eglMakeCurrent(m_display, surface, surface, m_context)) {
+        eglDestroySurface(m_display, surface);
+        return "EGL cannot make the context current";
+    }
+    eglDestroySurface(m_display, m_surface);
+    m_surface = surface;
     return {};
 }
 

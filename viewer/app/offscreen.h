@@ -16,10 +16,14 @@ public:
     /// Makes the context and its surface, of a size in pixels, current. Returns an empty text, or the reason
     /// why not.
     std::string create(int width, int height);
+    /// Gives the context a surface of another size. Returns an empty text, or the reason why not: then all is
+    /// as it was.
+    std::string resize(int width, int height);
     void destroy();
 
 private:
     void* m_display = nullptr;
+    void* m_config = nullptr;
     void* m_context = nullptr;
     void* m_surface = nullptr;
 };

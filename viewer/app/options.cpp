@@ -3,8 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
+#include <iterator>
+#include <set>
 
 #include "viewer/app/optionvalues.h"
 #include "viewer/error.h"
@@ -15,6 +18,10 @@ namespace nruview {
 namespace {
 
 constexpr double kOpacityOverTensors = 0.2;
+/// What a model that is shown has already.
+constexpr std::string_view kFixedOptions[] = {"--help",   "--version", "--file",   "--sample", "--output",
+                                              "--script", "--animate", "--list",   "--pick",   "--materials",
+                                              "--size",   "--fixed",   "--verbose"};
 
 std::string sampleHelp() {
     std::string text = "a built-in model instead of a file, N elements along its longest side:";
@@ -26,6 +33,14 @@ std::string sampleHelp() {
 /// An empty word, as of a script's unset variable, is no name.
 std::string refuseEmpty(const std::string& text) {
     return text.empty() ? "the name is empty" : "";
+}
+
+/// For values that are optional: auto takes away what was there.
+template <typename Parse>
+auto orAuto(Parse parse) {
+    return [parse](const char* option, const std::string& text) {
+        return text == "auto" ? std::nullopt : std::optional(parse(option, text));
+    };
 }
 
 /// An option whose text a function turns into a value.
@@ -41,6 +56,7 @@ template <typename Value, typename Parse>
 CLI::Option* addRepeated(CLI::App& app, const char* name, std::vector<Value>& values, Parse parse,
                          const char* form, const char* help) {
     const auto take = [&values, parse, name](const std::vector<std::string>& texts) {
+        values.clear();
         for (const std::string& text : texts)
             values.push_back(parse(name, text));
     };
@@ -54,6 +70,7 @@ template <typename List, typename Parse>
 CLI::Option* addLists(CLI::App& app, const char* name, List& list, Parse parse, const char* form,
                       const char* help) {
     const auto take = [&list, parse, name](const std::vector<std::string>& texts) {
+        list.clear();
         for (const std::string& text : texts)
             for (const auto& item : parse(name, text))
                 list.push_back(item);
@@ -85,13 +102,14 @@ void addContentOptions(CLI::App& app, Options& options) {
     addParsed(app, "--bands", options.scene.bands, parseBands, "N",
               "number of colours (default 12, at most 64)")
         ->needs(field);
-    addParsed(app, "--range", options.scene.range, parseRange, "MIN,MAX",
+    addParsed(app, "--range", options.scene.range, orAuto(parseRange), "MIN,MAX",
               "values of the first and the last colour; what lies outside takes these two")
         ->needs(field);
     app.add_flag("--smear", options.scene.smeared, "blend the colours into each other")->needs(field);
     const auto takeFactor = [&options](const std::string& text) {
-        options.shown.deformed = true;
-        options.shown.deformFactor = parseDeform("--deform", text);
+        options.shown.deformed = text != "off";
+        options.shown.deformFactor =
+            options.shown.deformed ? parseDeform("--deform", text) : std::optional<double>();
     };
     CLI::Option* deform =
         app.add_option_function<std::string>("--deform", takeFactor,
@@ -118,7 +136,7 @@ void addElementOptions(CLI::App& app, Options& options) {
     addRepeated(app, "--clip", elements.clips, parseClip, "AXIS:MIN,MAX",
                 "keep the elements whose middle lies between two coordinates, one of which may be missing "
                 "(x:,50); may be repeated");
-    CLI::Option* level = addParsed(app, "--fail-level", elements.failLevel, parseLevel, "N",
+    CLI::Option* level = addParsed(app, "--fail-level", elements.failLevel, orAuto(parseLevel), "N",
                                    "the level, from 0, that elements fail at or exist from");
     CLI::Option* fail = app.add_option("--fail", elements.failField,
                                        "element field: leave an element out from this level on");
@@ -133,11 +151,11 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
                    "draw into a PNG file, without a display (default: a window)")
         ->option_text("FILE.png")
         ->check(refuseEmpty);
-    addParsed(app, "--edges", options.scene.edges, parseEdges, "all|feature|none",
+    addParsed(app, "--edges", options.scene.edges, orAuto(parseEdges), "all|feature|none",
               "element edges (default: all; none of surface models and bodies)");
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",
               "smooth (default) with sharp edges kept, by triangle, or by element face");
-    addParsed(app, "--crease", options.shown.creaseDeg, parseCrease, "DEG",
+    addParsed(app, "--crease", options.shown.creaseDeg, orAuto(parseCrease), "DEG",
               "largest angle between faces that are shaded as one, in place of the file's normals "
               "(default: the file's normals, else 30)");
     addParsed(app, "--opacity", options.scene.opacity, parseOpacity, "X",
@@ -176,14 +194,15 @@ void addBodyOptions(CLI::App& app, Options& options) {
     for (const char* other : {"--field", "--pbr", "--fixed", "--opacity", "--shade"})
         legacy->excludes(app.get_option(other));
     app.add_flag("--materials", options.materials, "print the table of materials and end");
-    CLI::Option* color = addParsed(app, "--body-color", body.color, parseColor, "RRGGBB",
+    CLI::Option* color = addParsed(app, "--body-color", body.color, orAuto(parseColor), "RRGGBB",
                                    "colour of all bodies (default: the file's, else the material's)");
     color->excludes(field);
-    addParsed(app, "--front-color", body.frontColor, parseColor, "RRGGBB",
+    addParsed(app, "--front-color", body.frontColor, orAuto(parseColor), "RRGGBB",
               "colour of faces seen from their front; with --back-color shows which way they turn")
         ->excludes(field)
         ->excludes(color);
-    addParsed(app, "--back-color", body.backColor, parseColor, "RRGGBB", "colour of faces seen from behind")
+    addParsed(app, "--back-color", body.backColor, orAuto(parseColor), "RRGGBB",
+              "colour of faces seen from behind")
         ->excludes(field)
         ->excludes(color);
 }
@@ -197,12 +216,12 @@ void addMarkerOptions(CLI::App& app, Options& options) {
     MarkerSettings& markers = options.markers;
     CLI::Option* arrows =
         addField(app, "--arrows", markers.arrows, "vector field of the nodes to show as arrows from them");
-    addParsed(app, "--arrow-scale", markers.arrowScale, parseScale, "X",
+    addParsed(app, "--arrow-scale", markers.arrowScale, orAuto(parseScale), "X",
               "model length of a vector of size 1 (default: the longest is a tenth of the model's size)")
         ->needs(arrows);
     CLI::Option* spheres =
         addField(app, "--spheres", markers.spheres, "node field to show as coloured spheres at the nodes");
-    addParsed(app, "--sphere-size", markers.sphereSize, parseScale, "D",
+    addParsed(app, "--sphere-size", markers.sphereSize, orAuto(parseScale), "D",
               "diameter in model length (default: 0.015 of the model's size)")
         ->needs(spheres);
     addParsed(
@@ -253,6 +272,15 @@ void addLabelOptions(CLI::App& app, Options& options) {
 
 void addReportOptions(CLI::App& app, Options& options) {
     app.add_flag("--list", options.list, "print what is in the file, and draw only if -o is given");
+    CLI::Option* output = app.get_option("--output");
+    addParsed(
+        app, "--animate", options.animate, parseAnimation, "FRAMES[:steps|phase]",
+        "draw a motion into numbered files, -o NAME-%03d.png: the steps of the result, or the swing of the "
+        "deformed shape, which is that of modes and of results without steps")
+        ->needs(output);
+    app.add_option("--script", options.script, "run the commands of a file")
+        ->option_text("FILE")
+        ->check(refuseEmpty);
     addParsed(
         app, "--pick", options.pick, parsePixel, "X,Y",
         "print the node, edge or element under a pixel, counted from the upper left corner, with its value");
@@ -288,20 +316,49 @@ std::string firstLine(const std::string& text) {
     return text.substr(0, text.find('\n'));
 }
 
+/// What an option says of others.
+void settle(Options& options) {
+    options.labels.iconNodes = options.markers.nodes;
+    if (!options.labels.icons.empty() && !options.markers.nodes && options.shown.field.empty())
+        throw ViewerError("--icons", "--marker-nodes or --field is needed with it");
+    const ElementSettings& elements = options.shown.elements;
+    if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
+        throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");
+}
+
+/// Single options go with those that are there already, whatever stands on the same command line.
+void forgetCompany(CLI::App& app) {
+    for (CLI::Option* option : app.get_options()) {
+        for (CLI::Option* other : std::set<CLI::Option*>(option->get_needs()))
+            option->remove_needs(other);
+        for (CLI::Option* other : std::set<CLI::Option*>(option->get_excludes()))
+            option->remove_excludes(other);
+    }
+}
+
+/// The options of one command line; size is the picture's, if it is there.
+struct CommandLine {
+    explicit CommandLine(Options& options)
+        : app("Draws finite-element models with their results, and surface models.", "nruview") {
+        app.set_version_flag("--version", "nruview " NRUVIEW_VERSION);
+        addContentOptions(app, options);
+        addElementOptions(app, options);
+        addPictureOptions(app, options, size);
+        addBodyOptions(app, options);
+        addMarkerOptions(app, options);
+        addLabelOptions(app, options);
+        addReportOptions(app, options);
+    }
+    CLI::App app;
+    std::optional<std::array<int, 2>> size;
+};
+
 } // namespace
 
 std::optional<Options> readOptions(int argc, const char* const* argv) {
-    CLI::App app("Draws finite-element models with their results, and surface models.", "nruview");
-    app.set_version_flag("--version", "nruview " NRUVIEW_VERSION);
     Options options;
-    std::optional<std::array<int, 2>> size;
-    addContentOptions(app, options);
-    addElementOptions(app, options);
-    addPictureOptions(app, options, size);
-    addBodyOptions(app, options);
-    addMarkerOptions(app, options);
-    addLabelOptions(app, options);
-    addReportOptions(app, options);
+    CommandLine line(options);
+    CLI::App& app = line.app;
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& shown) {
@@ -315,19 +372,39 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");
     checkBody(options);
-    options.labels.iconNodes = options.markers.nodes;
-    if (!options.labels.icons.empty() && !options.markers.nodes && options.shown.field.empty())
-        throw ViewerError("--icons", "--marker-nodes or --field is needed with it");
+    settle(options);
     if (!options.markers.tensors.empty() && app.count("--opacity") == 0)
         options.scene.opacity = kOpacityOverTensors;
-    const ElementSettings& elements = options.shown.elements;
-    if (elements.failLevel && elements.failField.empty() && elements.failBeforeField.empty())
-        throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");
-    if (size) {
-        options.width = (*size)[0];
-        options.height = (*size)[1];
+    if (line.size) {
+        options.width = (*line.size)[0];
+        options.height = (*line.size)[1];
     }
     return options;
+}
+
+void setOption(Options& options, const std::string& name, const std::vector<std::string>& values) {
+    const std::string option = "--" + name.substr(std::min(name.find_first_not_of('-'), name.size()));
+    Options edited = options;
+    CommandLine line(edited);
+    forgetCompany(line.app);
+    if (line.app.get_option_no_throw(option) == nullptr)
+        throw ViewerError(option, "is no option");
+    if (std::find(std::begin(kFixedOptions), std::end(kFixedOptions), option) != std::end(kFixedOptions))
+        throw ViewerError(option, "cannot change while a model is shown");
+    std::vector<std::string> words;
+    for (const std::string& value : values)
+        words.insert(words.begin(), option + "=" + value); // CLI11 takes them from the end
+    if (values.empty())
+        words.push_back(option);
+    try {
+        line.app.parse(words);
+    } catch (const CLI::ParseError& error) {
+        throw ViewerError(option, firstLine(error.what()));
+    }
+    settle(edited);
+    if (option == "--tensors" && !values.empty() && edited.scene.opacity >= 1.0)
+        edited.scene.opacity = kOpacityOverTensors;
+    options = std::move(edited);
 }
 
 } // namespace nruview

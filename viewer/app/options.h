@@ -26,11 +26,18 @@ struct Options {
     bool materials = false; ///< print the material table and end
     bool report = false;    ///< print what start-up finds and end
     bool verbose = false;
-    std::optional<std::array<int, 2>> pick; ///< window pixel, y from the top
+    std::string script;                       ///< file of commands; empty: none
+    std::optional<AnimationSettings> animate; ///< then output is the name of numbered files
+    std::optional<std::array<int, 2>> pick;   ///< window pixel, y from the top
 };
 
 /// Reads the command line. Returns nothing after --help or --version, which it prints; throws ViewerError
 /// naming the argument that is wrong.
 std::optional<Options> readOptions(int argc, const char* const* argv);
+
+/// Gives one option of a model that is shown, named as on the command line with or without its dashes,
+/// another value; a flag without one is on. Earlier values of lists go. An empty word is the name of nothing,
+/// "auto" and "off" are what they are without the option, where it has one. Throws ViewerError.
+void setOption(Options& options, const std::string& name, const std::vector<std::string>& values);
 
 } // namespace nruview

@@ -282,4 +282,22 @@ int parseLevel(const char* option, const std::string& text) {
     return *level;
 }
 
+Motion parseMotion(const char* option, const std::string& text) {
+    if (text == "steps")
+        return Motion::Steps;
+    if (text == "phase")
+        return Motion::Phase;
+    refuse(option, text, "steps or phase");
+}
+
+AnimationSettings parseAnimation(const char* option, const std::string& text) {
+    const auto parts = split(text, ':');
+    const auto frames = parseNumber<int>(parts ? (*parts)[0] : text);
+    if (!frames || *frames < 1)
+        refuse(option, text, "a number of frames from 1, alone or with :steps or :phase");
+    if (!parts)
+        return {*frames, {}};
+    return {*frames, parseMotion(option, std::string((*parts)[1]))};
+}
+
 } // namespace nruview

@@ -26,6 +26,10 @@ ElementList parseElements(const char* option, const std::string& text);
 ColoredElements parseColored(const char* option, const std::string& text);
 /// "x:0,10"; either number may be missing.
 ElementClip parseClip(const char* option, const std::string& text);
+/// "steps" or "phase".
+Motion parseMotion(const char* option, const std::string& text);
+/// A number of frames, alone or with ":" and a motion.
+AnimationSettings parseAnimation(const char* option, const std::string& text);
 /// "on" or "off".
 bool parseSwitch(const char* option, const std::string& text);
 /// A list of nodes as of elements, else the name of a node set.

@@ -255,15 +255,17 @@ std::vector<Support> makeSupports(const ShownModel& shown, const MarkerSettings&
 
 Markers makeMarkers(const ShownModel& shown, const MarkerSettings& settings, std::optional<int> step) {
     Markers markers;
-    if (!settings.arrows.empty())
+    if (!settings.arrows.empty() && settings.solids)
         markers.arrows = makeArrows(shown, settings, step);
-    if (!settings.spheres.empty())
+    if (!settings.spheres.empty() && settings.solids)
         markers.spheres = makeSpheres(shown, settings, step);
-    if (!settings.tensors.empty())
+    if (!settings.tensors.empty() && settings.solids)
         markers.ellipsoids = makeEllipsoids(shown, settings, step);
-    markers.connectors = makeConnectors(shown, settings);
+    if (settings.solids)
+        markers.connectors = makeConnectors(shown, settings);
     markers.connectorShape = settings.connectorShape;
-    markers.supports = makeSupports(shown, settings);
+    if (settings.symbols)
+        markers.supports = makeSupports(shown, settings);
     markers.sphereSize = settings.sphereSize ? *settings.sphereSize / shown.unit : kSphere * sizeOf(shown);
     markers.widest = kWidestConnector * sizeOf(shown);
     return markers;

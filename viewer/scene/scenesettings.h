@@ -129,7 +129,17 @@ struct MarkerSettings {
     std::vector<std::array<std::uint32_t, 2>> connectors = {};
     ConnectorShape connectorShape = ConnectorShape::Rivet;
     std::vector<SupportedNodes> supports = {};
-    std::string tensors = {}; ///< tensor field
+    std::string tensors = {};           ///< tensor field
+    bool solids = true, symbols = true; ///< whether those with a body, and those of supports, are shown
+};
+
+/// Over the steps of a result, or over a swing.
+enum class Motion { Steps, Phase };
+
+struct AnimationSettings {
+    int frames = 0;
+    std::optional<Motion> motion =
+        {}; ///< nothing: the swing of a mode or where there is one step, else the steps
 };
 
 /// What is written on the picture. Legend and marks need a field.

@@ -66,7 +66,14 @@ Bounds surfaceBounds(const Surface& surface, const std::vector<Point>& points) {
     return bounds;
 }
 
-double automaticFactor(const Field& displacement, const Bounds& bounds) {
+std::vector<Point> undeformedPoints(const ShownModel& shown) {
+    std::vector<Point> points(shown.model.nodes.size() + shown.surface.centres.size());
+    for (std::uint32_t i = 0; i < points.size(); ++i)
+        points[i] = modelPosition(shown, i);
+    return points;
+}
+
+double factorFor(const Field& displacement, const Bounds& bounds) {
     double largest = 0.0;
     for (std::size_t node = 0; node < displacement.values.size() / 3; ++node) {
         const double size = length(displacementOf(displacement, static_cast<std::uint32_t>(node)));
@@ -133,16 +140,14 @@ ShownModel showModel(Model model, const ShownSettings& settings) {
         checkStep(shown.model, *settings.step);
     shown.elements = elementFacts(shown.model, settings.elements, settings.step);
     shown.surface = extractSurface(shown.model, shown.elements.shown);
-    const auto nodeCount = static_cast<std::uint32_t>(shown.model.nodes.size());
-    for (std::uint32_t i = 0; i < nodeCount + shown.surface.centres.size(); ++i)
-        shown.points.push_back(modelPosition(shown, i));
+    shown.points = undeformedPoints(shown);
     if (!settings.field.empty())
         shown.scalars = selectScalars(shown.model, settings.field, settings.step);
     std::optional<Bounds> swung;
     if (settings.deformed) {
         const Field& displacement = displacementField(shown.model, settings);
         const Bounds undeformed = surfaceBounds(shown.surface, shown.points);
-        shown.deformFactor = settings.deformFactor.value_or(automaticFactor(displacement, undeformed));
+        shown.deformFactor = settings.deformFactor.value_or(factorFor(displacement, undeformed));
         if (settings.phase_rad)
             swung = swing(shown, displacement);
         deform(shown, displacement, shown.deformFactor * std::cos(settings.phase_rad.value_or(0.0)));
@@ -155,6 +160,11 @@ ShownModel showModel(Model model, const ShownSettings& settings) {
         throw ViewerError("model", "has no elements that can be drawn");
     placeAboutOrigin(shown, bounds);
     return shown;
+}
+
+double automaticFactor(const ShownModel& shown, const ShownSettings& settings) {
+    return factorFor(displacementField(shown.model, settings),
+                     surfaceBounds(shown.surface, undeformedPoints(shown)));
 }
 
 double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell) {

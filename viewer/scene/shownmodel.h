@@ -33,6 +33,10 @@ struct ShownModel {
 /// to draw.
 ShownModel showModel(Model model, const ShownSettings& settings);
 
+/// The factor by which --deform auto moves the shape of a step: the largest displacement is a tenth of the
+/// model's size. 0 where nothing moves. Throws ViewerError without a displacement field.
+double automaticFactor(const ShownModel& shown, const ShownSettings& settings);
+
 /// Value of a point in a face of a cell: the node's or the cell's; NaN where there is none.
 double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell);
 

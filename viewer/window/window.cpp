@@ -31,6 +31,27 @@ struct GlfwLibrary {
     GlfwLibrary& operator=(const GlfwLibrary&) = delete;
 };
 
+/// Where a script's commands run.
+class WindowPlace : public CommandPlace {
+public:
+    WindowPlace(GLFWwindow* window, Workspace& workspace) : m_window(window), m_workspace(workspace) {}
+    Workspace& workspace() override { return m_workspace; }
+    void resize(int width, int height) override {
+        glfwSetWindowSize(m_window, width, height);
+        glfwPollEvents();
+    }
+    Pixels picture() override {
+        int width = 0, height = 0;
+        glfwGetFramebufferSize(m_window, &width, &height);
+        m_workspace.draw(std::max(width, 1), std::max(height, 1));
+        return readPixels(m_workspace.width(), m_workspace.height());
+    }
+
+private:
+    GLFWwindow* m_window;
+    Workspace& m_workspace;
+};
+
 /// What the callbacks change; the window's user pointer leads here.
 struct Interaction {
     Workspace& workspace;
@@ -114,13 +135,14 @@ void connect(GLFWwindow* window, Interaction& state) {
 
 } // namespace
 
-void showWindow(Model model, const Options& options) {
+void showWindow(Model model, const Options& options, Script* script) {
     const GlfwLibrary glfw;
     GLFWwindow* window = openWindow(options);
     const LibrarySession session(options.fixed);
     Workspace workspace(std::move(model), options);
     Interaction state{workspace};
     connect(window, state);
+    WindowPlace place(window, workspace);
     while (!glfwWindowShouldClose(window)) {
         int width = 0, height = 0;
         glfwGetFramebufferSize(window, &width, &height);
@@ -130,7 +152,14 @@ void showWindow(Model model, const Options& options) {
             glfwSwapBuffers(window);
             state.isStale = false;
         }
-        glfwWaitEvents();
+        if (script != nullptr && !script->isAtEnd()) {
+            script->runNext(place);
+            glfwPollEvents();
+        } else {
+            glfwWaitEvents();
+        }
+        if (script != nullptr && script->hasQuit())
+            glfwSetWindowShouldClose(window, GLFW_TRUE);
     }
 }
 

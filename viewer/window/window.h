@@ -2,12 +2,13 @@
 #pragma once
 
 #include "viewer/app/options.h"
-#include "viewer/model/model.h"
+#include "viewer/workspace/script.h"
 
 namespace nruview {
 
-/// Shows a model until the window is closed. Dragging turns it, the wheel zooms about the cursor, F fits it,
-/// Esc closes. Throws ViewerError when there is no display or no OpenGL.
-void showWindow(Model model, const Options& options);
+/// Shows a model until the window is closed, and runs a script's commands between its pictures. Dragging
+/// turns it, the wheel zooms about the cursor, F fits it, Esc closes. Throws ViewerError when there is no
+/// display or no OpenGL.
+void showWindow(Model model, const Options& options, Script* script = nullptr);
 
 } // namespace nruview

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "viewer/error.h"
 #include "viewer/model/vectors.h"
 #include "viewer/workspace/seenfaces.h"
 
@@ -65,6 +66,20 @@ Cells cellsOf(const ElementList& indices) {
             cells.push_back(static_cast<std::uint32_t>(cell));
     sortOnce(cells);
     return cells;
+}
+
+Cells cellsOfBlock(const Model& model, const std::string& name) {
+    ElementList ranges;
+    std::string names;
+    for (const ModelPart& part : model.parts) {
+        names += (names.empty() ? "" : ", ") + part.name;
+        if (part.name == name && part.cellCount > 0)
+            ranges.push_back({part.firstCell, part.firstCell + part.cellCount - 1});
+    }
+    if (ranges.empty())
+        throw ViewerError("block " + name,
+                          names.empty() ? "the model has no blocks" : "not there; the model has " + names);
+    return cellsOf(ranges);
 }
 
 Cells joined(const Cells& before, const Cells& cells, Selecting how) {

@@ -61,22 +61,29 @@ const ShownModel& Workspace::shown() const {
 void Workspace::change(const std::function<void(Options&)>& edit) {
     Options options = m_options;
     edit(options);
-    const ShownModel& before = m_made->shown;
-    auto made = std::make_unique<Made>(before.model, options);
-    // The camera stands among what is drawn, whose place and unit may be others now.
-    const double unit = before.unit / made->shown.unit;
-    const Point shift = made->shown.drawn(before.middle);
-    m_camera.target = unit * m_camera.target + shift;
-    m_camera.distance *= unit;
-    m_camera.halfHeight *= unit;
-    const bool turns = options.view != m_options.view || options.perspective != m_options.perspective;
+    const bool moves =
+        options.shown.step != m_options.shown.step || options.shown.phase_rad != m_options.shown.phase_rad;
+    const bool turns = options.view != m_options.view;
+    auto made = std::make_unique<Made>(shown().model, options);
+    keepPlace(shown(), made->shown);
     m_made = std::move(made);
     m_options = std::move(options);
+    m_made->labels.setScale(m_scale);
     m_camera.perspective = m_options.perspective;
     if (turns)
-        look(m_options.view);
+        m_camera.axes = m_options.view;
+    if (m_isFitted && !moves)
+        fit();
     m_readOut.reset();
     m_needsDrawing = true;
+}
+
+/// The camera stands among what is drawn, whose place and unit may be others now.
+void Workspace::keepPlace(const ShownModel& before, const ShownModel& after) {
+    const double unit = before.unit / after.unit;
+    m_camera.target = unit * m_camera.target + after.drawn(before.middle);
+    m_camera.distance *= unit;
+    m_camera.halfHeight *= unit;
 }
 
 PictureArea Workspace::area() {
@@ -138,6 +145,13 @@ void Workspace::fitSelected() {
         return fit();
     m_camera = fitCamera(m_camera.axes, bounds, area(), m_camera.perspective);
     moved();
+}
+
+void Workspace::fitTo(const Bounds& bounds) {
+    const Bounds drawn = {shown().drawn(bounds.low), shown().drawn(bounds.high)};
+    m_camera = fitCamera(m_camera.axes, drawn, area(), m_camera.perspective);
+    moved();
+    m_isFitted = true;
 }
 
 void Workspace::turn(double rightRad, double upRad) {
@@ -218,7 +232,7 @@ Cells Workspace::selected() const {
 }
 
 /// Selected elements would be drawn though they are hidden.
-void Workspace::hideCells(const Cells& cells) {
+void Workspace::hide(const Cells& cells) {
     const Cells hidden = joined(cellsOf(shown().elements.settings.hidden), cells, Selecting::Add);
     change([&](Options& options) {
         options.shown.elements.hidden = numbersOfCells(shown().model, hidden);
@@ -226,14 +240,18 @@ void Workspace::hideCells(const Cells& cells) {
     });
 }
 
-void Workspace::hideSelected() {
-    hideCells(selected());
+void Workspace::isolate(const Cells& cells) {
+    const ElementList all = {{0, static_cast<std::uint32_t>(shown().model.cellCount() - 1)}};
+    const Cells others = joined(cellsOf(all), cells, Selecting::Remove);
+    change([&](Options& options) {
+        options.shown.elements.hidden = numbersOfCells(shown().model, others);
+        options.shown.elements.selected.clear();
+    });
 }
 
 void Workspace::isolateSelected() {
-    const ElementList all = {{0, static_cast<std::uint32_t>(shown().model.cellCount() - 1)}};
     if (const Cells kept = selected(); !kept.empty())
-        hideCells(joined(cellsOf(all), kept, Selecting::Remove));
+        isolate(kept);
 }
 
 void Workspace::showAll() {

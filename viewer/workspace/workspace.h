@@ -31,7 +31,7 @@ public:
     bool needsDrawing() const { return m_needsDrawing; }
 
     /// Edits a copy of the options and makes anew what depends on what has changed. A new options.view turns
-    /// the camera there.
+    /// the camera there. A fitted view stays fitted, but for another step or phase.
     void change(const std::function<void(Options&)>& edit);
 
     /// The picture into the current framebuffer, from pixel (0, 0) on. The scale is that of letters and line
@@ -46,6 +46,10 @@ public:
     void fit();
     /// Nothing selected: all.
     void fitSelected();
+    /// A box as the file's coordinates have it, which takes the place of the model's for this time.
+    void fitTo(const Bounds& bounds);
+    /// Nobody has moved the view since it was fitted.
+    bool isFitted() const { return m_isFitted; }
     void turn(double rightRad, double upRad);
     /// Moves what is as far away as the target by so many pixels.
     void pan(double dx, double dy);
@@ -73,9 +77,11 @@ public:
     /// Of cells by index those that are shown.
     void select(const Cells& cells, Selecting how);
     Cells selected() const;
-    /// Hides what is selected, and selects nothing.
-    void hideSelected();
-    /// Hides all that is not selected.
+    /// Hides cells, or all others; then nothing is selected.
+    void hide(const Cells& cells);
+    void isolate(const Cells& cells);
+    void hideSelected() { hide(selected()); }
+    /// Without a selection nothing changes.
     void isolateSelected();
     void showAll();
 
@@ -91,7 +97,7 @@ public:
 
 private:
     struct Made;
-    void hideCells(const Cells& cells);
+    void keepPlace(const ShownModel& before, const ShownModel& after);
     PictureArea area();
     void moved();
     void resize(int width, int height, double scale);
@@ -101,7 +107,7 @@ private:
     Camera m_camera;
     int m_width, m_height;
     double m_scale = 1.0;
-    bool m_isFitted = true; ///< nobody has moved the view since the last fit
+    bool m_isFitted = true;
     bool m_needsDrawing = true;
     std::optional<std::array<int, 2>> m_readOut;
 };
