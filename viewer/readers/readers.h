@@ -28,6 +28,10 @@ Model readLegacyVtk(std::string_view content);
 bool isFrd(std::string_view content);
 Model readFrd(std::string_view content);
 
+/// Meshes of Abaqus and CalculiX, .inp. The path tells where the files are that it includes.
+bool isInp(std::string_view content, const std::filesystem::path& path);
+Model readInp(std::string_view content, const std::filesystem::path& path);
+
 /// A surface: .stl, .obj, .ply, .glb or .gltf. Nothing where the file is none of them; the path tells of
 /// those that have no mark in their content, and where the files that it names are.
 std::optional<Model> readSurface(std::string_view content, const std::filesystem::path& path);

@@ -1,0 +1,199 @@
+// Input files of Abaqus and CalculiX: element types by name, sets, parts, instances and included files, and
+// one reason for what is not read.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "viewer/error.h"
+#include "viewer/model/model.h"
+
+namespace {
+
+using namespace nruview;
+using testing::DoubleNear;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// A folder with files, and beside it one that they must not reach.
+class Inp : public testing::Test {
+protected:
+    Inp() {
+        write("inside/sub/more.inp", "2, 1.0, , 0\n");
+        write("inside/self.inp", "*INCLUDE, INPUT=self.inp\n");
+        write("outside.inp", "2, 1, 0, 0\n");
+        std::filesystem::create_symlink(m_folder / "outside.inp", m_folder / "inside/link.inp");
+    }
+    ~Inp() override { std::filesystem::remove_all(m_folder); }
+
+    void write(const std::string& name, const std::string& content) const {
+        std::filesystem::create_directories((m_folder / name).parent_path());
+        std::ofstream(m_folder / name, std::ios::binary) << content;
+    }
+    Model read(const std::string& content) const {
+        write("inside/model.inp", content);
+        return readModel((m_folder / "inside/model.inp").string());
+    }
+    std::string reason(const std::string& content) const {
+        try {
+            read(content);
+        } catch (const ViewerError& error) {
+            return error.what();
+        }
+        return "was read";
+    }
+
+    const std::filesystem::path m_folder =
+        std::filesystem::temp_directory_path() / ("inp_test_" + std::to_string(getpid()));
+};
+
+std::string nodes(int count) {
+    std::string text = "*NODE\n";
+    for (int i = 1; i <= count; ++i)
+        text += std::to_string(i) + ", " + std::to_string(i) + ".\n";
+    return text;
+}
+
+TEST_F(Inp, ElementTypesAreKnownByFamilyAndNumber) {
+    using enum CellType;
+    const std::vector<std::tuple<const char*, CellType, int>> rows = {
+        {"C3D4", Tetra, 4},       {"C3D5", Pyramid, 5},    {"C3D8I", Hexa, 8},      {"C3D10MH", Tetra10, 10},
+        {"SC6R", Wedge, 6},       {"DC3D15", Wedge15, 15}, {"C3D20RT", Hexa20, 20}, {"S4R5", Quad, 4},
+        {"STRI65", Triangle6, 6}, {"S9R5", Quad9, 9},      {"M3D3", Triangle, 3},   {"CPEG8RH", Quad8, 8},
+        {"CAX6M", Triangle6, 6},  {"R3D4", Quad, 4},       {"B31OS", Line, 2},      {"B32R", Line3, 3},
+        {"B23", Line, 2},         {"T2D3", Line3, 3},      {"SAX1", Line, 2},
+    };
+    for (const auto& [name, type, count] : rows) {
+        std::string element = "7";
+        for (int i = 1; i <= count; ++i)
+            element += (i == 11 ? ",\n" : ", ") + std::to_string(i);
+        const Model model = read(nodes(20) + "*ELEMENT, TYPE=" + name + "\n" + element + "\n");
+        ASSERT_EQ(model.types, std::vector{type}) << name;
+        EXPECT_EQ(model.connectivity.back(), type == Line3 ? 1 : count - 1) << name;
+    }
+    const Model model = read(nodes(3) + "*ELEMENT,TYPE=T3D2\n1,1,2\n*ELEMENT,TYPE=SPRINGA\n2,1,\n2\n3,1,3\n" +
+                             "*ELEMENT,TYPE=C3D15V\n*ELEMENT,TYPE=C3D27\n4,1,2,3\n*ELEMENT,TYPE=MASS\n5,1\n");
+    EXPECT_THAT(model.notes,
+                ElementsAre("skipped 1 elements of type C3D27", "skipped 1 elements of type MASS",
+                            "skipped 2 elements of type SPRINGA"));
+}
+
+TEST_F(Inp, SetsAndSectionsBecomeNodeSetsAndParts) {
+    const Model model = read(R"(** made by hand
+*heading
+1, 2, three
+*Node, nset = Some
+ 1, 0, 0
+*INCLUDE, INPUT=sub/more.inp
+ 30, 2., -1.5D+1, 2-3
+*ELEMENT,
+ TYPE=T3D2, ELSET="Left Side"
+5, 1,
+2
+
+9, 2, 30
+*ELEMENT, TYPE=T3D2, ELSET=right
+4, 1, 30
+*ELSET, ELSET=both
+LEFT SIDE, Right
+*NSET, NSET=odd, GENERATE
+1, 100, 2
+*NSET, NSET=all
+odd, 30, gone
+*Solid Section, elset=RIGHT, material=M
+1.
+*STEP
+*BOUNDARY
+odd, 1, 3
+*CLOAD
+30, 2, 5.
+*NODE PRINT, NSET=all
+U
+*END STEP
+)");
+    EXPECT_THAT(model.nodeNumbers, ElementsAre(1, 2, 30));
+    EXPECT_THAT(model.nodes, ElementsAre(Point{0, 0, 0}, Point{1, 0, 0}, Point{2, -15, 0.002}));
+    EXPECT_THAT(model.cellNumbers, ElementsAre(5, 9, 4));
+    std::string text;
+    for (const NodeSet& set : model.nodeSets)
+        text += set.name + testing::PrintToString(set.nodes) + " ";
+    EXPECT_EQ(text, "Some{ 0, 1, 2 } odd{ 0 } all{ 0, 2 } BOUNDARY{ 0 } CLOAD{ 2 } ");
+    ASSERT_EQ(model.parts.size(), 2u);
+    EXPECT_EQ(model.parts[0].name + "|" + model.parts[1].name, "other elements|RIGHT");
+    EXPECT_THAT(model.notes, ElementsAre("left out of set all: gone, which is not there"));
+}
+
+TEST_F(Inp, InstancesStandAtTheirPlaces) {
+    const Model model = read(R"(*PART, NAME=Bar
+*NODE
+1, 0, 0, 0
+2, 2, 0, 0
+*ELEMENT, TYPE=B31, ELSET=steel
+1, 1, 2
+*NSET, NSET=tip
+2
+*BEAM SECTION, ELSET=steel, SECTION=RECT, MATERIAL=M
+1., 1.
+*END PART
+*ASSEMBLY, NAME=A
+*INSTANCE, NAME=first, PART=bar
+*END INSTANCE
+*INSTANCE, NAME=second, PART=Bar
+1., 0, 0
+1., 5., 0, 1., 5., -2., 90.
+*END INSTANCE
+*NSET, NSET=ends, INSTANCE=Second
+1
+*NSET, NSET=ends
+first.TIP, second.2
+*END ASSEMBLY
+)");
+    // From (1 0 0) and (3 0 0), by a quarter turn about the negative z-axis through (1 5 0).
+    const std::vector<Point> places = {{0, 0, 0}, {2, 0, 0}, {-4, 5, 0}, {-4, 3, 0}};
+    ASSERT_EQ(model.nodes.size(), places.size());
+    for (std::size_t i = 0; i < places.size(); ++i)
+        for (int k = 0; k < 3; ++k)
+            EXPECT_THAT(model.nodes[i][k], DoubleNear(places[i][k], 1e-12)) << i << " " << k;
+    EXPECT_THAT(model.connectivity, ElementsAre(0, 1, 2, 3));
+    EXPECT_TRUE(model.nodeNumbers.empty());
+    EXPECT_THAT(model.notes,
+                ElementsAre(HasSubstr("numbered the nodes"), HasSubstr("numbered the elements")));
+    ASSERT_EQ(model.nodeSets.size(), 3u);
+    EXPECT_EQ(model.nodeSets[0].name, "ends");
+    EXPECT_THAT(model.nodeSets[0].nodes, ElementsAre(1, 2, 3));
+    EXPECT_EQ(model.nodeSets[2].name, "second.tip");
+    EXPECT_EQ(model.parts.at(1).name, "second.steel");
+}
+
+TEST_F(Inp, WhatIsNotReadEndsInOneReason) {
+    const std::string bar = nodes(3) + "*ELEMENT, TYPE=B31\n";
+    std::string doubling = bar + "1,1,2\n*NSET,NSET=A\n1,2,3\n";
+    for (int i = 0; i < 40; ++i)
+        doubling += "*NSET,NSET=A\nA\n";
+    const std::vector<std::pair<std::string, const char*>> rows = {
+        {"*NODE, INPUT=../outside.inp\n", "not in its own folder"},
+        {"*INCLUDE, INPUT=sub/../../outside.inp\n", "not in its own folder"},
+        {"*INCLUDE, INPUT=" + (m_folder / "outside.inp").string() + "\n", "not in its own folder"},
+        {"*INCLUDE, INPUT=link.inp\n", "not in its own folder"},
+        {"*INCLUDE, INPUT=none.inp\n", "which no such file"},
+        {"*INCLUDE, INPUT=self.inp\n", "includes too many files"},
+        {bar + "1, 1\n*STEP\n", "element 1 (B31) with less than 2 nodes"},
+        {bar + "1, 1, 2, 3\n", "element 1 (B31) with more than 2 nodes"},
+        {bar + "1, 1, 4\n", "element 1 with node 4, which is not there"},
+        {bar + "1, 1, x\n", "has 'x' for the number of a node"},
+        {bar + "1, 1, 2\n1, 2, 3\n", "element 1 is there twice"},
+        {bar, "has no elements"},
+        {nodes(2) + "*NGEN\n1, 2, 1\n", "uses *NGEN"},
+        {"*NODE, SYSTEM=C\n1, 1, 90\n", "not rectangular"},
+        {"*INSTANCE, NAME=a, PART=b\n*END INSTANCE\n", "part 'B', which is not there"},
+        {"# comment\n8 1 0 0 0\n1 0 0 0\n", "is an AVS UCD file"},
+        {"nothing\n", "does not begin with a keyword"},
+        {doubling, "more members than the viewer can hold"},
+    };
+    for (const auto& [content, expected] : rows)
+        EXPECT_THAT(reason(content), HasSubstr(expected)) << content;
+}
+
+} // namespace
