@@ -107,8 +107,8 @@ std::string_view cellTypeName(CellType type);
 /// nodes at all.
 void checkModel(const Model& model, const std::string& subject);
 
-/// Reads a .vtu, .vtk, .frd, .inp, .stl, .obj, .ply, .glb or .gltf file; throws ViewerError naming the file
-/// and the reason.
+/// Reads a file of any of the formats that docs/viewer.md names; throws ViewerError naming the file and the
+/// reason.
 Model readModel(const std::string& path);
 
 } // namespace nruview

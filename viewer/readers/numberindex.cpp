@@ -38,4 +38,9 @@ std::vector<std::uint32_t> NumberIndex::within(std::int64_t first, std::int64_t 
     return places;
 }
 
+bool NumberIndex::hasRepeated() const {
+    const auto same = [](const Entry& a, const Entry& b) { return a.number == b.number; };
+    return std::adjacent_find(m_entries.begin(), m_entries.end(), same) != m_entries.end();
+}
+
 } // namespace nruview::readers

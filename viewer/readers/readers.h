@@ -23,6 +23,8 @@ std::string loadFile(const std::filesystem::path& path);
 
 Model readVtu(std::string_view content);
 Model readLegacyVtk(std::string_view content);
+bool isGmsh(std::string_view content);
+Model readGmsh(std::string_view content);
 
 /// Results of CalculiX, .frd, which the content tells.
 bool isFrd(std::string_view content);

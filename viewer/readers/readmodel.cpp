@@ -23,11 +23,15 @@ Model readContent(std::string_view content, const std::string& path) {
     const std::size_t first = content.find_first_not_of(" \t\r\n");
     if (first != std::string_view::npos && content[first] == '<')
         return readers::readVtu(content);
+    if (first != std::string_view::npos && readers::isGmsh(content.substr(first)))
+        return readers::readGmsh(content);
     if (readers::isInp(content, path))
         return readers::readInp(content, path);
     if (std::optional<Model> surface = readers::readSurface(content, path))
         return std::move(*surface);
-    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, .frd, .inp, .stl, .obj, .ply, .glb and .gltf");
+    throw readers::Refusal(
+        "is none of .vtu (VTK XML), legacy .vtk, .frd, .inp, .msh (Gmsh), .stl, .obj, .ply, .glb and "
+        ".gltf");
 }
 
 } // namespace
