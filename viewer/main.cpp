@@ -57,16 +57,14 @@ void run(const Options& options) {
     std::optional<Script> script;
     if (!options.script.empty())
         script.emplace(options.script);
-    Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
     const bool offscreen = isOffscreen(options, script);
+    if (!offscreen && !options.list)
+        return showWindow(options, script ? &*script : nullptr);
+    Model model = options.sample.empty() ? readModel(options.file) : makeSample(options.sample);
     if (options.list)
         listModel(std::cout, model, options.sample.empty() ? options.file : options.sample);
-    if (options.list && !offscreen)
-        return;
     if (offscreen)
         drawOffscreen(std::move(model), options, script ? &*script : nullptr);
-    else
-        showWindow(std::move(model), options, script ? &*script : nullptr);
 }
 
 } // namespace

@@ -19,9 +19,9 @@ namespace {
 
 constexpr double kOpacityOverTensors = 0.2;
 /// What a model that is shown has already.
-constexpr std::string_view kFixedOptions[] = {"--help",   "--version", "--file",   "--sample", "--output",
-                                              "--script", "--animate", "--list",   "--pick",   "--materials",
-                                              "--size",   "--fixed",   "--verbose"};
+constexpr std::string_view kFixedOptions[] = {
+    "--help", "--version",   "--file", "--sample", "--output",  "--script",   "--animate", "--list",
+    "--pick", "--materials", "--size", "--fixed",  "--verbose", "--no-panel", "--samples", "--scale"};
 
 std::string sampleHelp() {
     std::string text = "a built-in model instead of a file, N elements along its longest side:";
@@ -289,6 +289,16 @@ void addReportOptions(CLI::App& app, Options& options) {
     app.add_flag("--verbose", options.verbose, "tell on standard error what the library has decided");
 }
 
+void addWindowOptions(CLI::App& app, Options& options) {
+    app.add_flag("!--no-panel", options.panel, "a window without the panel; Tab brings it");
+    app.add_option("--samples", options.samples,
+                   "of each pixel in a window: 1 (edges stay as they are in files), 2, 4 (default) or 8")
+        ->option_text("N")
+        ->check(CLI::IsMember({1, 2, 4, 8}));
+    addParsed(app, "--scale", options.displayScale, parseDisplayScale, "X",
+              "size of letters, lines and the panel in a window (default: the display's)");
+}
+
 /// The model's axis nearest to the upward direction of a view.
 ImageUp upwardAxis(const ViewAxes& view) {
     int axis = 0;
@@ -348,6 +358,7 @@ struct CommandLine {
         addMarkerOptions(app, options);
         addLabelOptions(app, options);
         addReportOptions(app, options);
+        addWindowOptions(app, options);
     }
     CLI::App app;
     std::optional<std::array<int, 2>> size;

@@ -26,6 +26,9 @@ struct Options {
     bool materials = false; ///< print the material table and end
     bool report = false;    ///< print what start-up finds and end
     bool verbose = false;
+    bool panel = true;                        ///< beside the picture in a window
+    int samples = 4;                          ///< for each pixel in a window; 1: edges are not smoothed
+    std::optional<double> displayScale;       ///< of letters and lines in a window; nothing: the display's
     std::string script;                       ///< file of commands; empty: none
     std::optional<AnimationSettings> animate; ///< then output is the name of numbered files
     std::optional<std::array<int, 2>> pick;   ///< window pixel, y from the top

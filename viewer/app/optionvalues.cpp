@@ -254,6 +254,13 @@ double parseScale(const char* option, const std::string& text) {
     return *scale;
 }
 
+double parseDisplayScale(const char* option, const std::string& text) {
+    const auto scale = parseNumber<double>(text);
+    if (!scale || !(*scale >= 0.5 && *scale <= 4.0))
+        refuse(option, text, "a number from 0.5 to 4");
+    return *scale;
+}
+
 ColoredElements parseColored(const char* option, const std::string& text) {
     const auto parts = split(text, '=');
     if (!parts)

@@ -41,6 +41,8 @@ std::vector<std::array<std::uint32_t, 2>> parseConnectors(const char* option, co
 ConnectorShape parseConnectorShape(const char* option, const std::string& text);
 /// A number above 0.
 double parseScale(const char* option, const std::string& text);
+/// 0.5 to 4.
+double parseDisplayScale(const char* option, const std::string& text);
 int parseLevel(const char* option, const std::string& text);
 
 } // namespace nruview

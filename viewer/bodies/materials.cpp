@@ -50,12 +50,24 @@ std::uint32_t packed(std::uint32_t rgb) {
     return 0xFF000000 | (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
 }
 
-} // namespace
-
-void printMaterials(std::ostream& out) {
+std::map<GuString, _RenderMaterialApperance, GuStringPredicate> wholeTable() {
     NRenderMaterialApperanceHandler::InitDefaultMaterials();
     std::map<GuString, _RenderMaterialApperance, GuStringPredicate> table;
     NRenderMaterialApperanceHandler::GetAllData(table);
+    return table;
+}
+
+} // namespace
+
+std::vector<std::string> materialNames() {
+    std::vector<std::string> names;
+    for (const auto& [name, appearance] : wholeTable())
+        names.push_back(name.Utf8());
+    return names;
+}
+
+void printMaterials(std::ostream& out) {
+    const auto table = wholeTable();
     std::size_t width = 8;
     for (const auto& [name, appearance] : table)
         width = std::max(width, name.GetLength());

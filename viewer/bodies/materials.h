@@ -4,11 +4,15 @@
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace nruview {
 
 /// What bodies are made of where no material is asked for.
 constexpr const char* kDefaultMaterial = "Steel";
+
+/// Of the library's table.
+std::vector<std::string> materialNames();
 
 /// The library's table, a line for each material.
 void printMaterials(std::ostream& out);

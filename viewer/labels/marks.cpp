@@ -1,8 +1,6 @@
 // A mark is a disc; a line leads from it to its label, which stands where little of the model is.
 #include "viewer/labels/marks.h"
 
-#include <epoxy/gl.h>
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -74,8 +72,7 @@ PixelRect movedInto(const PixelRect& area, PixelRect box) {
 
 /// How many pixels of a box show something of the model, transparent or not.
 int modelPixels(const PixelRect& box, NgColorLong background) {
-    std::vector<NgColorLong> pixels(static_cast<std::size_t>(box.width()) * box.height());
-    glReadPixels(box.left, box.bottom, box.width(), box.height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    const std::vector<NgColorLong> pixels = pixelsIn(box);
     return static_cast<int>(std::count_if(pixels.begin(), pixels.end(), [&](NgColorLong color) {
         return ((color ^ background) & 0xFFFFFF) != 0;
     }));

@@ -7,10 +7,53 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <numeric>
 #include <vector>
 
 namespace nruview {
+
+namespace {
+
+/// A rectangle of what is drawn to, ready for glReadPixels from (left, bottom) on: of a multisampled
+/// framebuffer object, which that refuses, a copy of one sample for each pixel.
+class ReadableRect {
+public:
+    explicit ReadableRect(const PixelRect& rect) : left(rect.left), bottom(rect.bottom) {
+        GLint samples = 0;
+        glGetIntegerv(GL_SAMPLES, &samples);
+        if (samples == 0)
+            return;
+        glGetIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &m_drawn);
+        if (m_drawn == 0)
+            return;
+        glGenRenderbuffers(1, &m_store);
+        glBindRenderbuffer(GL_RENDERBUFFER, m_store);
+        glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, rect.width(), rect.height());
+        glGenFramebuffers(1, &m_copy);
+        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, m_copy);
+        glFramebufferRenderbuffer(GL_DRAW_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_store);
+        glBlitFramebuffer(rect.left, rect.bottom, rect.right, rect.top, 0, 0, rect.width(), rect.height(),
+                          GL_COLOR_BUFFER_BIT, GL_NEAREST);
+        glBindFramebuffer(GL_READ_FRAMEBUFFER, m_copy);
+        left = bottom = 0;
+    }
+    ~ReadableRect() {
+        if (m_copy == 0)
+            return;
+        glBindFramebuffer(GL_FRAMEBUFFER, static_cast<GLuint>(m_drawn));
+        glDeleteFramebuffers(1, &m_copy);
+        glDeleteRenderbuffers(1, &m_store);
+    }
+    ReadableRect(const ReadableRect&) = delete;
+    ReadableRect& operator=(const ReadableRect&) = delete;
+
+    int left, bottom;
+
+private:
+    GLint m_drawn = 0;
+    GLuint m_copy = 0, m_store = 0;
+};
+
+} // namespace
 
 void fillRect(const PixelRect& rect, NgColorLong color) {
     const auto left = static_cast<double>(rect.left), right = static_cast<double>(rect.right);
@@ -70,15 +113,24 @@ void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColo
     N2DBoxDrawer().Render(panel);
 }
 
+std::vector<NgColorLong> pixelsIn(const PixelRect& rect) {
+    std::vector<NgColorLong> pixels(static_cast<std::size_t>(std::max(rect.width(), 0)) *
+                                    static_cast<std::size_t>(std::max(rect.height(), 0)));
+    if (pixels.empty())
+        return pixels;
+    const ReadableRect readable(rect);
+    glReadPixels(readable.left, readable.bottom, rect.width(), rect.height(), GL_RGBA, GL_UNSIGNED_BYTE,
+                 pixels.data());
+    return pixels;
+}
+
 NgColorLong colorOver(const PixelRect& rect) {
-    constexpr int kHalf = 128;
-    std::vector<std::uint8_t> greys(std::size_t{4} * std::max(rect.width(), 0) * std::max(rect.height(), 0));
-    glReadPixels(rect.left, rect.bottom, rect.width(), rect.height(), GL_RGBA, GL_UNSIGNED_BYTE,
-                 greys.data());
-    for (std::size_t i = 3; i < greys.size(); i += 4)
-        greys[i] = greys[i - 2]; // green, which counts most in brightness, in place of alpha
-    const auto sum = std::accumulate(greys.begin(), greys.end(), std::uint64_t{0});
-    return sum < kHalf * greys.size() ? 0xFFFFFFFF : 0xFF000000;
+    constexpr std::uint64_t kHalf = 128, kWeights = 4; // green counts most in brightness
+    std::uint64_t sum = 0;
+    const std::vector<NgColorLong> pixels = pixelsIn(rect);
+    for (const NgColorLong color : pixels)
+        sum += (color & 0xFF) + 2 * (color >> 8 & 0xFF) + (color >> 16 & 0xFF);
+    return sum < kHalf * kWeights * pixels.size() ? 0xFFFFFFFF : 0xFF000000;
 }
 
 TextSize textSize(const std::string& utf8, const TextStyle& style) {

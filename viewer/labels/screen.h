@@ -4,6 +4,7 @@
 #include <array>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "NRenderUtl/NRenderUtl.h"
 
@@ -39,6 +40,8 @@ void drawStroke(const _NgPoint2Str& from, const _NgPoint2Str& to, double width, 
 void drawPanel(const PixelRect& rect, int radius, NgColorLong background, NgColorLong textColor);
 void fillDisc(const _NgPoint2Str& center, double radius, NgColorLong color);
 
+/// What the picture shows in a rectangle, rows from bottom to top. Also of multisampled framebuffer objects.
+std::vector<NgColorLong> pixelsIn(const PixelRect& rect);
 /// Black or white, whichever stands out from what the picture shows in a rectangle of the window.
 NgColorLong colorOver(const PixelRect& rect);
 

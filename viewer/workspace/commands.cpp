@@ -28,7 +28,7 @@ struct Command {
 };
 
 constexpr std::size_t kAny = 1000;
-constexpr std::string_view kInputs[] = {"move", "press", "release", "wheel", "key"};
+constexpr std::string_view kInputs[] = {"move", "press", "release", "wheel", "key", "rest"};
 constexpr double kDeg = std::numbers::pi / 180.0;
 
 [[noreturn]] void refuse(const std::string& word, const char* expected) {

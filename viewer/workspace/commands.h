@@ -30,8 +30,8 @@ public:
     virtual void resize(int width, int height) = 0;
     /// The picture as it is now, drawn anew.
     virtual Pixels picture() = 0;
-    /// Mouse and keys: move X Y, press [left|middle|right], release, wheel N, key NAME. False where there are
-    /// none.
+    /// Mouse and keys: move X Y, press [left|middle|right] [shift] [ctrl], release, rest, wheel N, key NAME.
+    /// False where there are none.
     virtual bool takeInput(const Words& /*words*/) { return false; }
 };
 

@@ -206,6 +206,10 @@ void Workspace::hideReadOut() {
     m_readOut.reset();
 }
 
+void Workspace::drawReadOut(const std::string& text, const std::array<int, 2>& pixel) {
+    m_made->labels.drawReadOut(text, pixel, m_width, m_height, m_options.background);
+}
+
 void Workspace::selectAt(int x, int y, Selecting how) {
     const Picked picked = pickAt(x, y);
     select(picked.kind != Picked::Kind::Nothing ? Cells{picked.cell} : Cells{}, how);

@@ -67,6 +67,8 @@ public:
     /// Shows that line beside its pixel, until the view or what is shown changes.
     void showReadOut(int x, int y);
     void hideReadOut();
+    /// A line beside a pixel, on top of what is in the current framebuffer: for hosts that keep the picture.
+    void drawReadOut(const std::string& text, const std::array<int, 2>& pixel);
 
     // Selected elements are those of options().shown.elements.
     /// The element under or near the pixel; nothing there: none.
