@@ -126,6 +126,7 @@ TEST(Surface, CurvedFacesPassThroughTheirTrueCentres) {
         node = bend(node);
     const std::vector<Point> expected = pointsOf(straight, extractSurface(straight));
     const std::vector<Point> found = pointsOf(curved, extractSurface(curved));
+    EXPECT_NEAR(surfaceArea(straight, extractSurface(straight)), 22, 1e-12);
     ASSERT_EQ(found.size(), 26u);
     for (std::size_t i = 20; i < 26; ++i)
         EXPECT_LT(length(found[i] - bend(expected[i])), 1e-12);

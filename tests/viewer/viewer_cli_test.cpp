@@ -291,11 +291,12 @@ TEST_F(ViewerProgram, ListsWhatIsInAFileAndHelps) {
     EXPECT_EQ(exitCode, 0);
     for (const char* word : {"FILE", "--deform-by", "feature", "cantilever", "LIST=RRGGBB", "--fixed"})
         EXPECT_NE(help.find(word), std::string::npos) << word;
-    EXPECT_EQ(nruview("@two.vtk --list").output,
-              path("two.vtk") + "\nnodes 6\ncells 2\n  quad 2\nx 0 .. 2\ny 0 .. 1\nz 0.5 .. 0.5\nfields 3\n"
-                                "  T@node, node, 1 component, T 1 .. 6.5\n"
-                                "  disp, node, 3 components, disp:mag 0 .. 1\n"
-                                "  T@cell, cell, 1 component, T -1.5 .. 2.25\n");
+    EXPECT_EQ(nruview("@two.vtk --list").output, path("two.vtk") +
+                                                     "\nnodes 6\ncells 2\n  quad 2\nouter faces 2\n  quad "
+                                                     "2\narea 2\nx 0 .. 2\ny 0 .. 1\nz 0.5 .. 0.5\nfields 3\n"
+                                                     "  T@node, node, 1 component, T 1 .. 6.5\n"
+                                                     "  disp, node, 3 components, disp:mag 0 .. 1\n"
+                                                     "  T@cell, cell, 1 component, T -1.5 .. 2.25\n");
 }
 
 // Off the middle, so that a mirrored picture picks something else.

@@ -3,8 +3,11 @@
 
 #include <cstdio>
 #include <map>
+#include <numeric>
 
 #include "viewer/model/fields.h"
+#include "viewer/model/numbering.h"
+#include "viewer/model/surface.h"
 #include "viewer/scene/camera.h"
 
 namespace nruview {
@@ -30,12 +33,38 @@ void listCells(std::ostream& out, const Model& model) {
         out << "  " << cellTypeName(type) << " " << count << "\n";
 }
 
-void listPart(std::ostream& out, const ModelPart& part) {
-    out << "  " << (part.name.empty() ? "(no name)" : part.name) << ", ";
-    if (part.cellCount == 1)
-        out << "cell " << part.firstCell;
+/// What the drawing shows of solids and shells: a check against other programs.
+void listFaces(std::ostream& out, const Model& model) {
+    const Surface surface = extractSurface(model);
+    if (surface.faceCount == 0)
+        return;
+    const std::size_t others = surface.faceCount - surface.triangleFaces - surface.quadFaces;
+    out << "outer faces " << surface.faceCount << "\n";
+    for (const auto& [name, count] : {std::pair("triangle", surface.triangleFaces),
+                                      std::pair("quad", surface.quadFaces), std::pair("polygon", others)})
+        if (count > 0)
+            out << "  " << name << " " << count << "\n";
+    out << "area " << number(surfaceArea(model, surface)) << "\n";
+}
+
+/// The numbers that --hide and the like take.
+void listNumbers(std::ostream& out, const Model& model, const ModelPart& part) {
+    std::vector<std::uint32_t> cells(part.cellCount);
+    std::iota(cells.begin(), cells.end(), part.firstCell);
+    const ElementList numbers = numbersOfCells(model, std::move(cells));
+    if (numbers.empty())
+        out << "no cells";
+    else if (part.cellCount == 1)
+        out << "cell " << numbers.front().first;
+    else if (numbers.size() == 1)
+        out << "cells " << numbers.front().first << " to " << numbers.front().last;
     else
-        out << "cells " << part.firstCell << " to " << part.firstCell + part.cellCount - 1;
+        out << part.cellCount << " cells from " << numbers.front().first << " to " << numbers.back().last;
+}
+
+void listPart(std::ostream& out, const Model& model, const ModelPart& part) {
+    out << "  " << (part.name.empty() ? "(no name)" : part.name) << ", ";
+    listNumbers(out, model, part);
     char text[64];
     if (part.color) {
         std::snprintf(text, sizeof text, ", color %02x%02x%02x", *part.color & 0xFF, *part.color >> 8 & 0xFF,
@@ -98,10 +127,11 @@ void listSteps(std::ostream& out, const Model& model) {
 void listModel(std::ostream& out, const Model& model, const std::string& name) {
     out << name << "\nnodes " << model.nodes.size() << "\n";
     listCells(out, model);
+    listFaces(out, model);
     if (!model.parts.empty())
         out << "parts " << model.parts.size() << "\n";
     for (const ModelPart& part : model.parts)
-        listPart(out, part);
+        listPart(out, model, part);
     const Bounds bounds = boundsOf(model.nodes);
     for (int k = 0; k < 3; ++k)
         out << "xyz"[k] << " " << range(bounds.low[k], bounds.high[k]) << "\n";

@@ -7,7 +7,8 @@
 
 namespace nruview {
 
-/// Counts by cell type, bounds, fields with their ranges, result steps and the reader's notes.
+/// Counts by cell type, outer faces with their area, bounds, fields with their ranges, result steps and the
+/// reader's notes.
 void listModel(std::ostream& out, const Model& model, const std::string& name);
 
 } // namespace nruview

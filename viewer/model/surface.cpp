@@ -248,6 +248,7 @@ std::uint32_t SurfaceBuilder::addCentre(const Face& face) {
 
 void SurfaceBuilder::addFace(Face face, std::uint32_t cell) {
     ++m_surface.faceCount;
+    ++(face.corners == 3 ? m_surface.triangleFaces : m_surface.quadFaces);
     addOutline(face, cell);
     if (face.corners == 3)
         splitTriangle(face, cell);
@@ -340,6 +341,22 @@ Surface extractSurface(const Model& model, const std::vector<bool>& shown) {
     for (std::uint32_t cell = 0; cell < model.cellCount(); ++cell)
         addCell(builder, model, cell, drawn[cell]);
     return builder.finish();
+}
+
+double surfaceArea(const Model& model, const Surface& surface) {
+    std::vector<Point> points = model.nodes;
+    for (const Surface::Centre& centre : surface.centres) {
+        Point& middle = points.emplace_back(Point{});
+        for (std::size_t i = 0; i < centre.nodes.size(); ++i)
+            middle = middle + centre.weights[i] * model.nodes[centre.nodes[i]];
+    }
+    double twice = 0;
+    forEachFace(surface, [&](std::span<const std::uint32_t> corners, std::uint32_t) {
+        const Point& origin = points[corners[0]];
+        for (std::size_t i = 2; i < corners.size(); ++i)
+            twice += length(cross(points[corners[i - 1]] - origin, points[corners[i]] - origin));
+    });
+    return twice / 2;
 }
 
 } // namespace nruview

@@ -20,7 +20,8 @@ struct Surface {
     /// Outlines of the faces of shown cells as the elements have them: pairs of nodes, each once, mid-side
     /// pieces included, no inner edge of a split. In ascending order, the smaller node first.
     std::vector<std::array<std::uint32_t, 2>> edges;
-    std::size_t faceCount = 0; ///< element faces before splitting
+    std::size_t faceCount = 0;                    ///< element faces before splitting
+    std::size_t triangleFaces = 0, quadFaces = 0; ///< how many of these have three or four corners
 
     /// Additional points: point nodeCount + i is the mean of the nodes of centres[i], with the shape-function
     /// weights.
@@ -36,6 +37,9 @@ struct Surface {
 /// shown ones (a flag for each cell; none: all are), so that nothing is missing where others are hidden. The
 /// model must have passed checkModel.
 Surface extractSurface(const Model& model, const std::vector<bool>& shown = {});
+
+/// The area of all faces, each as the triangles and quads that it is split into.
+double surfaceArea(const Model& model, const Surface& surface);
 
 /// Corners of a face by its place in the order of forEachFace.
 inline std::span<const std::uint32_t> faceAt(const Surface& surface, std::size_t face) {
