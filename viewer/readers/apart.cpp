@@ -6,11 +6,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <concepts>
 #include <csignal>
 #include <fstream>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace nruview::readers {
 
@@ -19,105 +22,188 @@ namespace {
 constexpr char kDone = 'm', kRefused = 'r'; ///< first byte of what the child sends
 constexpr rlim_t kSpareMemory = rlim_t{1} << 30, kMemoryPerByte = 200;
 constexpr rlim_t kSpareSeconds = 20, kBytesPerSecond = 1 << 20;
+constexpr std::size_t kPipeSize = 1 << 20;
+constexpr const char* kFailed = "cannot be read: the reader has failed on it";
 
-// --- a model as bytes --------------------------------------------------------------------------------------
+// --- a model's way through the pipe ------------------------------------------------------------------------
 
-class Writer {
+template <typename Value, typename Record>
+concept Is = std::same_as<std::remove_const_t<Value>, Record>;
+
+void forEachMember(auto visit, Is<ModelPart> auto& part) {
+    visit(part.name);
+    visit(part.firstCell);
+    visit(part.cellCount);
+    visit(part.color);
+    visit(part.opacity);
+}
+
+void forEachMember(auto visit, Is<Field> auto& field) {
+    visit(field.name);
+    visit(field.location);
+    visit(field.components);
+    visit(field.values);
+    visit(field.step);
+}
+
+void forEachMember(auto visit, Is<ResultStep> auto& step) {
+    visit(step.label);
+    visit(step.value);
+    visit(step.isMode);
+}
+
+void forEachMember(auto visit, Is<NodeSet> auto& set) {
+    visit(set.name);
+    visit(set.nodes);
+}
+
+void forEachMember(auto visit, Is<Model> auto& model) {
+    visit(model.nodes);
+    visit(model.types);
+    visit(model.offsets);
+    visit(model.connectivity);
+    visit(model.fields);
+    visit(model.steps);
+    visit(model.nodeSets);
+    visit(model.nodeNumbers);
+    visit(model.cellNumbers);
+    visit(model.isSurface);
+    visit(model.parts);
+    visit(model.cornerNormals);
+    visit(model.notes);
+}
+
+template <typename Value>
+constexpr bool kIsList = requires(Value value) {
+    value.data();
+};
+template <typename Value>
+constexpr bool kIsPlain = std::is_trivially_copyable_v<Value>;
+
+/// Small values travel together, long lists straight from where they are.
+class Sender {
 public:
-    explicit Writer(std::string& bytes) : m_bytes(bytes) {}
+    explicit Sender(int pipe) : m_pipe(pipe) {}
 
     template <typename Value>
     void put(const Value& value) {
-        static_assert(std::is_trivially_copyable_v<Value>);
-        m_bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
+        if constexpr (kIsPlain<Value>)
+            putBytes(&value, sizeof value);
+        else if constexpr (kIsList<Value>)
+            putList(value);
+        else
+            forEachMember([this](const auto& member) { put(member); }, value);
     }
-    void put(const std::string& text) { putAll(text); }
-    template <typename Value>
-    void put(const std::vector<Value>& values) {
-        putAll(values);
-    }
-    void put(const ModelPart& part) {
-        put(part.name);
-        put(part.firstCell);
-        put(part.cellCount);
-        put(part.color);
-        put(part.opacity);
+    void finish() {
+        send(m_waiting.data(), m_waiting.size());
+        m_waiting.clear();
     }
 
 private:
-    template <typename Values>
-    void putAll(const Values& values) {
-        put(values.size());
-        if constexpr (std::is_trivially_copyable_v<typename Values::value_type>)
-            m_bytes.append(reinterpret_cast<const char*>(values.data()), values.size() * sizeof(values[0]));
+    template <typename List>
+    void putList(const List& list) {
+        put(list.size());
+        if constexpr (kIsPlain<typename List::value_type>)
+            putBytes(list.data(), list.size() * sizeof(typename List::value_type));
         else
-            for (const auto& value : values)
+            for (const auto& value : list)
                 put(value);
     }
+    void putBytes(const void* bytes, std::size_t size) {
+        if (m_waiting.size() + size > kPipeSize)
+            finish();
+        if (size > kPipeSize)
+            send(static_cast<const char*>(bytes), size);
+        else
+            m_waiting.append(static_cast<const char*>(bytes), size);
+    }
+    void send(const char* bytes, std::size_t size) {
+        while (size > 0) {
+            const ssize_t count = write(m_pipe, bytes, size);
+            if (count < 0 && errno != EINTR)
+                _exit(1);
+            bytes += std::max<ssize_t>(count, 0);
+            size -= static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        }
+    }
 
-    std::string& m_bytes;
+    int m_pipe;
+    std::string m_waiting;
 };
 
-class Reader {
+/// Takes what a Sender gives. Its end may come at any place, and what a failing reader sent may be anything:
+/// memory is laid out as bytes arrive.
+class Receiver {
 public:
-    explicit Reader(std::string_view bytes) : m_bytes(bytes) {}
+    Receiver(int pipe, std::size_t most) : m_pipe(pipe), m_left(most) {}
 
     template <typename Value>
     void get(Value& value) {
-        static_assert(std::is_trivially_copyable_v<Value>);
-        copy(&value, sizeof value);
-    }
-    void get(std::string& text) { getAll(text); }
-    template <typename Value>
-    void get(std::vector<Value>& values) {
-        getAll(values);
-    }
-    void get(ModelPart& part) {
-        get(part.name);
-        get(part.firstCell);
-        get(part.cellCount);
-        get(part.color);
-        get(part.opacity);
+        if constexpr (kIsPlain<Value>)
+            getBytes(reinterpret_cast<char*>(&value), sizeof value);
+        else if constexpr (kIsList<Value>)
+            getList(value);
+        else
+            forEachMember([this](auto& member) { get(member); }, value);
     }
 
 private:
-    template <typename Values>
-    void getAll(Values& values) {
+    template <typename List>
+    void getList(List& list) {
+        using Value = typename List::value_type;
         std::size_t count = 0;
         get(count);
-        if (count > m_bytes.size())
-            throw Refusal("cannot be read: the reader has failed on it");
-        values.resize(count);
-        if constexpr (std::is_trivially_copyable_v<typename Values::value_type>)
-            copy(values.data(), count * sizeof(values[0]));
-        else
-            for (auto& value : values)
-                get(value);
+        if (count > m_left / sizeof(Value))
+            throw Refusal(kFailed);
+        list.clear();
+        list.reserve(count);
+        if constexpr (kIsPlain<Value>) {
+            constexpr std::size_t kStep = kPipeSize / sizeof(Value);
+            while (list.size() < count) {
+                const std::size_t first = list.size();
+                list.resize(first + std::min(count - first, kStep));
+                getBytes(reinterpret_cast<char*>(list.data() + first), (list.size() - first) * sizeof(Value));
+            }
+        } else
+            while (list.size() < count)
+                get(list.emplace_back());
     }
-    void copy(void* target, std::size_t size) {
-        if (size > m_bytes.size())
-            throw Refusal("cannot be read: the reader has failed on it");
-        m_bytes.copy(static_cast<char*>(target), size);
-        m_bytes.remove_prefix(size);
+    void getBytes(char* target, std::size_t size) {
+        while (size > 0) {
+            if (m_taken == m_here.size())
+                fill();
+            const std::size_t count = std::min(size, m_here.size() - m_taken);
+            std::copy_n(m_here.data() + m_taken, count, target);
+            m_taken += count;
+            target += count;
+            size -= count;
+        }
+    }
+    void fill() {
+        m_here.resize(kPipeSize);
+        ssize_t count = -1;
+        do
+            count = read(m_pipe, m_here.data(), m_here.size());
+        while (count < 0 && errno == EINTR);
+        if (count <= 0 || static_cast<std::size_t>(count) > m_left)
+            throw Refusal(kFailed);
+        m_left -= static_cast<std::size_t>(count);
+        m_here.resize(static_cast<std::size_t>(count));
+        m_taken = 0;
     }
 
-    std::string_view m_bytes;
+    int m_pipe;
+    std::size_t m_left;
+    std::string m_here;
+    std::size_t m_taken = 0;
 };
 
-/// Gives or takes all members but the fields, in one order.
-template <typename Stream>
-void forEachMember(Stream stream, auto& model) {
-    stream(model.nodes);
-    stream(model.types);
-    stream(model.offsets);
-    stream(model.connectivity);
-    stream(model.parts);
-    stream(model.isSurface);
-    stream(model.cornerNormals);
-    stream(model.notes);
-}
-
 // --- the child ---------------------------------------------------------------------------------------------
+
+/// The child's memory, and so what it can send.
+rlim_t memoryFor(std::size_t fileSize) {
+    return kSpareMemory + kMemoryPerByte * fileSize;
+}
 
 /// Address space that the process has already; sanitizers have reserved terabytes.
 rlim_t usedMemory() {
@@ -133,7 +219,7 @@ void limit(int resource, rlim_t value) {
 
 /// What a failing reader prints is not for the user, who gets one line from the parent.
 void limitChild(std::size_t fileSize) {
-    limit(RLIMIT_AS, usedMemory() + kSpareMemory + kMemoryPerByte * fileSize);
+    limit(RLIMIT_AS, usedMemory() + memoryFor(fileSize));
     limit(RLIMIT_CPU, kSpareSeconds + fileSize / kBytesPerSecond);
     limit(RLIMIT_CORE, 0);
     const int nowhere = open("/dev/null", O_WRONLY);
@@ -141,63 +227,77 @@ void limitChild(std::size_t fileSize) {
     dup2(nowhere, STDOUT_FILENO);
 }
 
-std::string resultOf(const std::function<Model()>& read) {
+void sendResult(const std::function<Model()>& read, Sender& sender) {
+    std::string reason;
     try {
         const Model model = read();
-        std::string bytes(1, kDone);
-        forEachMember([writer = Writer(bytes)](const auto& member) mutable { writer.put(member); }, model);
-        return bytes;
+        sender.put(kDone);
+        sender.put(model);
+        return;
     } catch (const Refusal& refusal) {
-        return kRefused + std::string(refusal.what());
+        reason = refusal.what();
     } catch (const std::bad_alloc&) {
-        return kRefused + std::string("needs more memory than a file of its size should");
+        reason = "needs more memory than a file of its size should";
     }
+    sender.put(kRefused);
+    sender.put(reason);
 }
 
 [[noreturn]] void runChild(const std::function<Model()>& read, std::size_t fileSize, int pipe) {
     limitChild(fileSize);
-    const std::string bytes = resultOf(read);
-    std::size_t sent = 0;
-    while (sent < bytes.size()) {
-        const ssize_t count = write(pipe, bytes.data() + sent, bytes.size() - sent);
-        if (count < 0 && errno != EINTR)
-            _exit(1);
-        sent += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
+    Sender sender(pipe);
+    sendResult(read, sender);
+    sender.finish();
     _exit(0); // nothing that belongs to the parent is flushed or destroyed here
 }
 
 // --- the parent --------------------------------------------------------------------------------------------
 
-std::string receive(int pipe) {
-    std::string bytes;
-    std::vector<char> buffer(1 << 20);
-    for (;;) {
-        const ssize_t count = read(pipe, buffer.data(), buffer.size());
-        if (count > 0)
-            bytes.append(buffer.data(), static_cast<std::size_t>(count));
-        else if (count == 0 || errno != EINTR)
-            return bytes;
+/// The child and the pipe's end, until both are gone.
+class Child {
+public:
+    Child(pid_t process, int pipe) : m_process(process), m_pipe(pipe) {}
+    ~Child() { wait(); }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    int pipe() const { return m_pipe; }
+    int wait() {
+        if (m_pipe < 0)
+            return m_status;
+        close(std::exchange(m_pipe, -1));
+        while (waitpid(m_process, &m_status, 0) < 0 && errno == EINTR)
+            ;
+        return m_status;
     }
-}
 
-int waitFor(pid_t child) {
-    int status = -1;
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR)
-        ;
-    return status;
-}
+private:
+    pid_t m_process;
+    int m_pipe;
+    int m_status = -1;
+};
 
-Model modelOf(const std::string& bytes, int status) {
+Model modelOf(Child& child, std::size_t most) {
+    char answer = 0;
+    Model model;
+    std::string reason;
+    try {
+        Receiver receiver(child.pipe(), most);
+        receiver.get(answer);
+        if (answer == kDone)
+            receiver.get(model);
+        else
+            receiver.get(reason);
+    } catch (const Refusal&) {
+        answer = 0;
+    }
+    const int status = child.wait();
     if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU)
         throw Refusal("takes longer to read than a file of its size should");
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0 || bytes.empty())
-        throw Refusal("cannot be read: the reader has failed on it");
-    if (bytes[0] != kDone)
-        throw Refusal(bytes.substr(1));
-    Model model;
-    Reader reader(std::string_view(bytes).substr(1));
-    forEachMember([&](auto& member) { reader.get(member); }, model);
+    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0 || answer == 0)
+        throw Refusal(kFailed);
+    if (answer != kDone)
+        throw Refusal(reason);
     return model;
 }
 
@@ -207,17 +307,19 @@ Model readApart(const std::function<Model()>& read, std::size_t fileSize) {
     int ends[2];
     if (pipe(ends) != 0)
         throw Refusal("cannot be read: no pipe can be made");
-    const pid_t child = fork();
-    if (child == 0) {
+    fcntl(ends[0], F_SETPIPE_SZ, kPipeSize);
+    const pid_t process = fork();
+    if (process == 0) {
         close(ends[0]);
         runChild(read, fileSize, ends[1]);
     }
     close(ends[1]);
-    const std::string bytes = child > 0 ? receive(ends[0]) : "";
-    close(ends[0]);
-    if (child < 0)
+    if (process < 0) {
+        close(ends[0]);
         throw Refusal("cannot be read: no process can be started");
-    return modelOf(bytes, waitFor(child));
+    }
+    Child child(process, ends[0]);
+    return modelOf(child, memoryFor(fileSize));
 }
 
 } // namespace nruview::readers

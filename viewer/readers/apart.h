@@ -8,7 +8,7 @@
 namespace nruview::readers {
 
 /// The model that read gives, made in a child process with its memory and time limited by the size of the
-/// file. A Refusal in it is one here; so are a crash and a limit reached. Fields do not come back.
+/// file. A Refusal in it is one here; so are a crash and a limit reached.
 Model readApart(const std::function<Model()>& read, std::size_t fileSize);
 
 } // namespace nruview::readers
