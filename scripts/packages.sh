@@ -3,7 +3,7 @@
 
 packages_build="g++ cmake ninja-build pkg-config libgl-dev libegl-dev libglu1-mesa-dev libepoxy-dev
   libpugixml-dev libpng-dev libjpeg62-turbo-dev libcli11-dev zlib1g-dev libglfw3-dev libimgui-dev
-  libgle3-dev libfreetype-dev libassimp-dev fonts-dejavu-core libegl1 libegl-mesa0 libgl1-mesa-dri"
+  libgle3-dev libfreetype-dev libassimp-dev libnetcdf-dev fonts-dejavu-core libegl1 libegl-mesa0 libgl1-mesa-dri"
 packages_test="clang libclang-rt-dev llvm libgtest-dev libgmock-dev libglm-dev xvfb"
 
 missing_packages() {

@@ -35,13 +35,6 @@ std::optional<NumberedName> splitNumber(const std::string& name) {
     return result;
 }
 
-/// "disp_0001" belongs to the series "disp".
-std::string trimSeparator(const std::string& stem) {
-    const bool separated =
-        stem.size() > 1 && std::string_view("_-. ").find(stem.back()) != std::string_view::npos;
-    return separated ? stem.substr(0, stem.size() - 1) : stem;
-}
-
 /// One field among those of its series, with all that these share in front.
 struct Step {
     std::string name;
@@ -241,6 +234,12 @@ std::array<std::string, 2> splitSelector(const Model& model, const std::string& 
 }
 
 } // namespace
+
+std::string trimSeparator(const std::string& stem) {
+    const bool separated =
+        stem.size() > 1 && std::string_view("_-. ").find(stem.back()) != std::string_view::npos;
+    return separated ? stem.substr(0, stem.size() - 1) : stem;
+}
 
 std::vector<StepSeries> stepSeries(const Model& model) {
     std::vector<StepSeries> all;

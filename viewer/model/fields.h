@@ -25,6 +25,9 @@ struct StepSeries {
 };
 std::vector<StepSeries> stepSeries(const Model& model);
 
+/// Without one _ - . or blank at its end: "disp_0001" belongs to the series "disp".
+std::string trimSeparator(const std::string& stem);
+
 /// How many steps there are to choose from, by a number from 0; 1 for a model without results in steps.
 int stepCount(const Model& model);
 

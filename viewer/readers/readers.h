@@ -18,7 +18,10 @@ struct Refusal : std::runtime_error {
 /// Names from a file can hold anything: what is printed of them is one line of bounded length.
 std::string oneLine(std::string text);
 
-/// The whole content; refuses what is no file, or empty.
+/// Refuses what is no file, or empty.
+void checkFile(const std::filesystem::path& path);
+
+/// The whole content; refuses as checkFile does.
 std::string loadFile(const std::filesystem::path& path);
 
 Model readVtu(std::string_view content);
@@ -33,6 +36,10 @@ Model readFrd(std::string_view content);
 /// Meshes of Abaqus and CalculiX, .inp. The path tells where the files are that it includes.
 bool isInp(std::string_view content, const std::filesystem::path& path);
 Model readInp(std::string_view content, const std::filesystem::path& path);
+
+/// By the first bytes: netCDF of any kind, or HDF5.
+bool isExodus(const std::filesystem::path& path);
+Model readExodus(const std::filesystem::path& path);
 
 /// A surface: .stl, .obj, .ply, .glb or .gltf. Nothing where the file is none of them; the path tells of
 /// those that have no mark in their content, and where the files that it names are.

@@ -29,9 +29,9 @@ Model readContent(std::string_view content, const std::string& path) {
         return readers::readInp(content, path);
     if (std::optional<Model> surface = readers::readSurface(content, path))
         return std::move(*surface);
-    throw readers::Refusal(
-        "is none of .vtu (VTK XML), legacy .vtk, .frd, .inp, .msh (Gmsh), .stl, .obj, .ply, .glb and "
-        ".gltf");
+    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, Exodus II, .frd, .inp, .msh (Gmsh), "
+                           ".stl, .obj, .ply, .glb and "
+                           ".gltf");
 }
 
 } // namespace
@@ -42,28 +42,35 @@ std::string readers::oneLine(std::string text) {
     return text.size() <= kLongestText ? text : text.substr(0, kLongestText) + "...";
 }
 
-std::string readers::loadFile(const std::filesystem::path& path) {
+void readers::checkFile(const std::filesystem::path& path) {
     std::error_code error;
     if (!std::filesystem::exists(path, error))
         throw Refusal("no such file");
     if (!std::filesystem::is_regular_file(path, error))
         throw Refusal("is not a regular file");
-    std::ifstream file(path, std::ios::binary);
     const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (!file || error)
+    if (error || !std::ifstream(path))
         throw Refusal("cannot be opened");
-    std::string content(size, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(size));
-    if (static_cast<std::uintmax_t>(file.gcount()) != size)
-        throw Refusal("cannot be read");
-    if (content.empty())
+    if (size == 0)
         throw Refusal("is empty");
+}
+
+std::string readers::loadFile(const std::filesystem::path& path) {
+    checkFile(path);
+    std::ifstream file(path, std::ios::binary);
+    std::string content(std::filesystem::file_size(path), '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    if (static_cast<std::size_t>(file.gcount()) != content.size())
+        throw Refusal("cannot be read");
     return content;
 }
 
 Model readModel(const std::string& path) {
     try {
-        Model model = readContent(readers::loadFile(path), path);
+        readers::checkFile(path);
+        // netCDF takes what it needs from the file itself.
+        Model model =
+            readers::isExodus(path) ? readers::readExodus(path) : readContent(readers::loadFile(path), path);
         checkModel(model, path);
         return model;
     } catch (const readers::Refusal& refusal) {

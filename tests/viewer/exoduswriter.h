@@ -1,0 +1,105 @@
+// Writes small Exodus II files: dimensions and variables as a table, in any of netCDF's storage kinds.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <netcdf.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace nrutest {
+
+struct ExodusVariable {
+    std::string name;
+    nc_type type = NC_INT;
+    std::vector<std::string> dimensions;
+    std::vector<double> values;
+    std::string elementType = "";
+};
+
+struct ExodusWriter {
+    std::map<std::string, std::size_t> dimensions; ///< time_step grows, whatever its length
+    std::vector<ExodusVariable> variables;
+    std::map<std::string, std::vector<std::string>> texts; ///< rows of 33 characters
+
+    void real(const std::string& name, std::vector<std::string> dims, std::vector<double> values) {
+        variables.push_back({name, NC_DOUBLE, std::move(dims), std::move(values)});
+    }
+    void whole(const std::string& name, std::vector<std::string> dims, std::vector<double> values) {
+        variables.push_back({name, NC_INT, std::move(dims), std::move(values)});
+    }
+    /// Elements of one type, each with as many nodes.
+    void block(const std::string& type, std::size_t nodes, std::vector<double> connectivity) {
+        const std::string number = std::to_string(++dimensions["num_el_blk"]);
+        dimensions["num_elem"] += connectivity.size() / nodes;
+        dimensions["num_el_in_blk" + number] = connectivity.size() / nodes;
+        dimensions["num_nod_per_el" + number] = nodes;
+        variables.push_back({"connect" + number,
+                             NC_INT,
+                             {"num_el_in_blk" + number, "num_nod_per_el" + number},
+                             std::move(connectivity),
+                             type});
+    }
+    void points(const std::vector<std::vector<double>>& axes) {
+        dimensions["num_dim"] = axes.size();
+        dimensions["num_nodes"] = axes[0].size();
+        for (std::size_t i = 0; i < axes.size(); ++i)
+            real(
+                std::string("coord") + "xyz" [i], { "num_nodes" }, axes[i]);
+    }
+
+    void write(const std::string& path, int mode = NC_CLOBBER) {
+        int file = -1;
+        ASSERT_EQ(nc_create(path.c_str(), NC_CLOBBER | mode, &file), NC_NOERR);
+        for (const auto& [name, rows] : texts)
+            dimensions["rows_" + name] = rows.size();
+        dimensions["len_name"] = 33;
+        std::map<std::string, int> ids;
+        for (const auto& [name, length] : dimensions)
+            nc_def_dim(file, name.c_str(), name == "time_step" ? NC_UNLIMITED : length, &ids[name]);
+        for (const ExodusVariable& variable : variables)
+            define(file, variable, ids);
+        for (const auto& [name, rows] : texts)
+            define(file, {name, NC_CHAR, {"rows_" + name, "len_name"}, {}}, ids);
+        ASSERT_EQ(nc_enddef(file), NC_NOERR);
+        fill(file);
+        ASSERT_EQ(nc_close(file), NC_NOERR);
+    }
+
+private:
+    static void define(int file, const ExodusVariable& variable, std::map<std::string, int>& ids) {
+        std::vector<int> dims;
+        for (const std::string& name : variable.dimensions)
+            dims.push_back(ids.at(name));
+        int id = -1;
+        ASSERT_EQ(nc_def_var(file, variable.name.c_str(), variable.type, static_cast<int>(dims.size()),
+                             dims.data(), &id),
+                  NC_NOERR)
+            << variable.name;
+        if (!variable.elementType.empty())
+            nc_put_att_text(file, id, "elem_type", variable.elementType.size(), variable.elementType.c_str());
+    }
+    void fill(int file) {
+        int id = 0;
+        for (const ExodusVariable& variable : variables) {
+            std::vector<std::size_t> first(variable.dimensions.size()), counts;
+            for (const std::string& name : variable.dimensions)
+                counts.push_back(dimensions.at(name));
+            const double* values = variable.values.data();
+            if (values != nullptr) {
+                EXPECT_EQ(nc_put_vara_double(file, id, first.data(), counts.data(), values), NC_NOERR)
+                    << variable.name;
+            }
+            ++id;
+        }
+        for (const auto& [name, rows] : texts) {
+            std::string all;
+            for (std::string row : rows)
+                all += (row.resize(33), row);
+            ASSERT_EQ(nc_put_var_text(file, id++, all.data()), NC_NOERR);
+        }
+    }
+};
+
+} // namespace nrutest
