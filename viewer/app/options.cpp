@@ -18,6 +18,7 @@ namespace nruview {
 namespace {
 
 constexpr double kOpacityOverTensors = 0.2;
+constexpr const char* kNone = "none"; ///< a list of nothing
 /// What a model that is shown has already.
 constexpr std::string_view kFixedOptions[] = {
     "--help", "--version",   "--file", "--sample", "--output",  "--script",   "--animate", "--list",
@@ -58,7 +59,8 @@ CLI::Option* addRepeated(CLI::App& app, const char* name, std::vector<Value>& va
     const auto take = [&values, parse, name](const std::vector<std::string>& texts) {
         values.clear();
         for (const std::string& text : texts)
-            values.push_back(parse(name, text));
+            if (text != kNone)
+                values.push_back(parse(name, text));
     };
     return app.add_option_function<std::vector<std::string>>(name, take, help)
         ->allow_extra_args(false) // the next word is an option or the file
@@ -72,7 +74,7 @@ CLI::Option* addLists(CLI::App& app, const char* name, List& list, Parse parse, 
     const auto take = [&list, parse, name](const std::vector<std::string>& texts) {
         list.clear();
         for (const std::string& text : texts)
-            for (const auto& item : parse(name, text))
+            for (const auto& item : text != kNone ? parse(name, text) : List())
                 list.push_back(item);
     };
     return app.add_option_function<std::vector<std::string>>(name, take, help)
@@ -336,14 +338,32 @@ void settle(Options& options) {
         throw ViewerError("--fail-level", "--fail or --fail-before is needed with it");
 }
 
-/// Single options go with those that are there already, whatever stands on the same command line.
-void forgetCompany(CLI::App& app) {
-    for (CLI::Option* option : app.get_options()) {
-        for (CLI::Option* other : std::set<CLI::Option*>(option->get_needs()))
-            option->remove_needs(other);
-        for (CLI::Option* other : std::set<CLI::Option*>(option->get_excludes()))
-            option->remove_excludes(other);
+/// A single option goes with those that are there already, whatever stands on the same command line; an empty
+/// name takes away the one that was there.
+void standAlone(CLI::Option& option) {
+    for (CLI::Option* other : std::set<CLI::Option*>(option.get_needs()))
+        option.remove_needs(other);
+    for (CLI::Option* other : std::set<CLI::Option*>(option.get_excludes()))
+        option.remove_excludes(other);
+    try {
+        option.get_validator(0)->active(false);
+    } catch (const CLI::OptionNotFound&) { // it is not a name
     }
+}
+
+/// The words of one option, last one first as CLI11 takes them.
+std::vector<std::string> wordsFor(const CLI::Option& option, const std::string& name,
+                                  const std::vector<std::string>& values) {
+    const bool isFlag = option.get_items_expected_max() == 0;
+    std::vector<std::string> words;
+    for (auto value = values.rbegin(); value != values.rend(); ++value)
+        if (isFlag)
+            words.push_back(name + "=" + *value);
+        else
+            words.insert(words.end(), {*value, name});
+    if (values.empty())
+        words.push_back(name);
+    return words;
 }
 
 /// The options of one command line; size is the picture's, if it is there.
@@ -397,16 +417,13 @@ void setOption(Options& options, const std::string& name, const std::vector<std:
     const std::string option = "--" + name.substr(std::min(name.find_first_not_of('-'), name.size()));
     Options edited = options;
     CommandLine line(edited);
-    forgetCompany(line.app);
-    if (line.app.get_option_no_throw(option) == nullptr)
+    CLI::Option* known = line.app.get_option_no_throw(option);
+    if (known == nullptr)
         throw ViewerError(option, "is no option");
     if (std::find(std::begin(kFixedOptions), std::end(kFixedOptions), option) != std::end(kFixedOptions))
         throw ViewerError(option, "cannot change while a model is shown");
-    std::vector<std::string> words;
-    for (const std::string& value : values)
-        words.insert(words.begin(), option + "=" + value); // CLI11 takes them from the end
-    if (values.empty())
-        words.push_back(option);
+    standAlone(*known);
+    std::vector<std::string> words = wordsFor(*known, option, values);
     try {
         line.app.parse(words);
     } catch (const CLI::ParseError& error) {

@@ -39,8 +39,7 @@ struct Options {
 std::optional<Options> readOptions(int argc, const char* const* argv);
 
 /// Gives one option of a model that is shown, named as on the command line with or without its dashes,
-/// another value; a flag without one is on. Earlier values of lists go. An empty word is the name of nothing,
-/// "auto" and "off" are what they are without the option, where it has one. Throws ViewerError.
+/// another value; a flag without one is on. Earlier values of lists go. Throws ViewerError.
 void setOption(Options& options, const std::string& name, const std::vector<std::string>& values);
 
 } // namespace nruview

@@ -58,20 +58,25 @@ struct PictureLabels::Layout {
 
 PictureLabels::PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends,
                              const LabelSettings& settings, std::string title)
-    : m_shown(shown), m_settings(settings), m_title(std::move(title)) {
-    if (m_settings.legend)
-        m_legends.swap(legends);
-    if (m_settings.marks && shown.scalars)
-        m_extremes = findExtremes(shown);
+    : m_shown(shown), m_settings(settings) {
+    renew(std::move(legends), std::move(title));
     if (!m_settings.logo.empty())
         m_logo.emplace(m_settings.logo);
     if (!m_settings.icons.empty())
         m_icon.emplace(m_settings.icons);
     if (m_icon && m_settings.iconNodes)
         m_iconNodes = chosenNodes(shown.model, *m_settings.iconNodes, "--marker-nodes");
-    if (m_title.empty() && m_legends.empty() && !m_extremes && !m_settings.axes)
-        return;
-    makeText();
+}
+
+void PictureLabels::renew(std::vector<LegendContent> legends, std::string title) {
+    m_title = std::move(title);
+    m_legends.clear();
+    if (m_settings.legend)
+        for (const LegendContent& legend : legends) // their bands are references
+            m_legends.push_back(legend);
+    m_extremes = m_settings.marks && m_shown.scalars ? findExtremes(m_shown) : std::nullopt;
+    if (!m_title.empty() || !m_legends.empty() || m_extremes || m_settings.axes)
+        makeText();
 }
 
 /// Size of the labels' letters: readable in small pictures, in proportion in large ones.

@@ -27,6 +27,8 @@ public:
     PictureLabels(const ShownModel& shown, std::vector<LegendContent> legends, const LabelSettings& settings,
                   std::string title);
 
+    /// Other values under the same settings.
+    void renew(std::vector<LegendContent> legends, std::string title);
     /// Of letters, lines and distances, for screens with small pixels.
     void setScale(double scale) { m_scale = scale; }
     /// The picture with a column for legend and axes at its left and a row for the title at its top.

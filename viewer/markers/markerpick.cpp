@@ -131,8 +131,9 @@ std::optional<PickedMarker> pickMarker(const ShownModel& shown, const Markers& m
     return solid.found;
 }
 
-std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y) {
-    const Picked picked = pick(shown, x, y);
+std::string describePixel(const ShownModel& shown, Picker& picker, const Markers& markers, bool opaque, int x,
+                          int y) {
+    const Picked picked = picker.pick(x, y);
     const double hidden = opaque ? picked.distance : std::numeric_limits<double>::infinity();
     const auto marker = pickMarker(shown, markers, x, y, hidden);
     return marker ? marker->text : describe(shown, picked);

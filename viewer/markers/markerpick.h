@@ -5,6 +5,7 @@
 #include <string>
 
 #include "viewer/markers/markers.h"
+#include "viewer/scene/pick.h"
 
 namespace nruview {
 
@@ -19,6 +20,7 @@ std::optional<PickedMarker> pickMarker(const ShownModel& shown, const Markers& m
                                        double hidden);
 
 /// What is picked at a pixel, as one line: a marker, unless opaque faces hide it, else the model.
-std::string describePixel(const ShownModel& shown, const Markers& markers, bool opaque, int x, int y);
+std::string describePixel(const ShownModel& shown, Picker& picker, const Markers& markers, bool opaque, int x,
+                          int y);
 
 } // namespace nruview

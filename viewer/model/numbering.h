@@ -8,6 +8,7 @@ namespace nruview {
 /// Numbers first to last.
 struct ElementRange {
     std::uint32_t first = 0, last = 0;
+    bool operator==(const ElementRange&) const = default;
 };
 using ElementList = std::vector<ElementRange>;
 

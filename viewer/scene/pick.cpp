@@ -247,19 +247,26 @@ Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& 
 
 } // namespace
 
-Picked pick(const ShownModel& shown, int x, int y) {
+Picker::Picker(const ShownModel& shown)
+    : m_shown(shown), m_faces(makeFaceMesh(shown, [](auto, auto) { return true; })) {}
+
+Picked Picker::pick(int x, int y) {
+    const ShownModel& shown = m_shown;
     const Ray ray = rayThrough(x, y);
-    ngl::NglElementMesh faces = makeFaceMesh(shown, [](auto, auto) { return true; });
-    const Spot direct = firstFace(shown, faces, ray);
+    const Spot direct = firstFace(shown, m_faces, ray);
     double looseDistance = kNever;
     const Picked loose = pickLoose(shown, ray, x, y, looseDistance);
     if (loose.kind != Kind::Nothing && looseDistance <= direct.distance)
         return loose;
     const bool hit = direct.distance < kNever;
-    const Spot face = hit ? direct : faceAround(shown, faces, x, y);
+    const Spot face = hit ? direct : faceAround(shown, m_faces, x, y);
     Picked picked = face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};
     picked.distance = direct.distance;
     return picked;
+}
+
+Picked pick(const ShownModel& shown, int x, int y) {
+    return Picker(shown).pick(x, y);
 }
 
 std::string describe(const ShownModel& shown, const Picked& picked) {

@@ -19,9 +19,24 @@ struct Picked {
     double distance = std::numeric_limits<double>::infinity();
 };
 
-/// What is seen at a window pixel, y counted from the top, with the view of the last beginFrame: of the face
-/// hit first, a node within 4 pixels, else an edge within 3, else the element. Beams and single points in
-/// front count too.
+/// Finds what lies under pixels; what that takes is made with the first one and serves as long as the same
+/// faces are shown in the same places.
+class Picker {
+public:
+    explicit Picker(const ShownModel& shown);
+
+    /// What is seen at a window pixel, y counted from the top, with the view of the last beginFrame: of the
+    /// face
+    /// hit first, a node within 4 pixels, else an edge within 3, else the element. Beams and single points in
+    /// front count too.
+    Picked pick(int x, int y);
+
+private:
+    const ShownModel& m_shown;
+    ngl::NglElementMesh m_faces;
+};
+
+/// The same for a single pixel.
 Picked pick(const ShownModel& shown, int x, int y);
 
 /// One line without its end, for example "node 12 at 1 0.5 0: S:mises = 31.25".

@@ -21,8 +21,11 @@ constexpr NgColorLong kNeutral = 0xFFCDB9A8; ///< a model without a field: light
 constexpr NgColorLong kEdgeColor = 0xFF303030;
 constexpr double kBeamWidth_px = 3.0;
 constexpr double kPointSize_px = 6.0;
+/// Of depth's smallest steps: faces and edges reach the depth buffer by ways that round differently, which
+/// shows where a thin model is seen face-on and its depths fill the buffer's range.
+constexpr float kOffsetUnits = 64.0f;
 
-std::optional<ColorBands> makeBands(const ShownModel& shown, const SceneSettings& settings) {
+std::optional<ColorBands> bandsOf(const ShownModel& shown, const SceneSettings& settings) {
     if (!shown.scalars)
         return {};
     const auto found = finiteRange(shown.scalars->values);
@@ -49,6 +52,15 @@ std::optional<std::array<float, 4>> coordinates(const ShownModel& shown,
         values[i] = bands->coordinate(value);
     }
     return values;
+}
+
+/// Whether every face has values of the contour.
+bool areAllColored(const ShownModel& shown, const std::optional<ColorBands>& bands) {
+    bool areAll = true;
+    forEachFace(shown.surface, [&](std::span<const std::uint32_t> corners, std::uint32_t cell) {
+        areAll = areAll && coordinates(shown, bands, corners, cell);
+    });
+    return areAll;
 }
 
 /// The contour's values of all nodes or elements; a face that lacks one is not in the mesh. The library
@@ -215,17 +227,17 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body,
              const Markers* markers)
-    : m_bands(makeBands(shown, settings)), m_edgeMode(edgesOf(shown, settings, body)),
-      m_edgeReach_px(edgeReach_px()), m_transparent(settings.opacity < 1.0) {
-    makeFaces(shown, settings, body);
+    : m_settings(settings), m_body(body), m_areBodies(areBodies(shown, settings, body)),
+      m_edgeMode(edgesOf(shown, settings, body)), m_edgeReach_px(edgeReach_px()),
+      m_transparent(settings.opacity < 1.0) {
+    makeBands(shown);
+    makeFaces(shown);
     makeLoose(shown);
     const Surface& surface = shown.surface;
     if (m_edgeMode == EdgeMode::All && !surface.edges.empty())
         m_edges = outlineMesh(shown);
     if (m_edgeMode == EdgeMode::Feature && hasFaces(surface))
         m_edges = featureMesh(shown);
-    if (m_bands)
-        m_bands->createTexture(GL_TEXTURE_1D);
     if (markers)
         m_markers.emplace(*markers, settings, m_bands);
 }
@@ -233,6 +245,51 @@ Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodyS
 Scene::~Scene() {
     if (m_bands)
         glDeleteTextures(1, &m_bands->attributes().texture);
+}
+
+bool Scene::canUpdate(const ShownModel& shown, const ShownUpdate& update) const {
+    if (update.surface || update.shape || update.showsOthers ||
+        areBodies(shown, m_settings, m_body) != m_areBodies)
+        return false;
+    if (update.elements && update.elements->colored != shown.elements.colored)
+        return false;
+    if (!update.scalars)
+        return true;
+    const std::optional<Scalars>& before = *update.scalars;
+    return before && shown.scalars && before->location == shown.scalars->location &&
+           !(m_settings.smeared && before->location == FieldLocation::Cell);
+}
+
+bool Scene::update(const ShownModel& shown, const ShownUpdate& update) {
+    if (!canUpdate(shown, update))
+        return false;
+    if (update.scalars)
+        renewValues(shown);
+    if (update.elements && !m_bodies)
+        for (ngl::NglElementMesh* mesh : {&m_coloredFaces, &m_plainFaces})
+            setFacts(shown, *mesh);
+    if (update.scalars || update.elements)
+        makeLoose(shown);
+    return true;
+}
+
+/// Selected and coloured elements of before are forgotten first. Other facts stay.
+void Scene::setFacts(const ShownModel& shown, ngl::NglElementMesh& mesh) const {
+    if (mesh.ElementCount() == 0)
+        return;
+    const auto all = ngl::NglElements::Range(0, mesh.ElementCount());
+    if (mesh.SetVisible(all, true) != 0 || mesh.SetSelection(all, ngl::NglElementNotSelected) != 0)
+        throw std::bad_alloc();
+    applyFacts(shown.elements, mesh);
+}
+
+void Scene::renewValues(const ShownModel& shown) {
+    makeBands(shown);
+    const bool areComplete = areAllColored(shown, m_bands);
+    if (areComplete && m_plainFaces.ElementCount() == 0 && m_coloredFaces.ElementCount() != 0)
+        setValues(m_coloredFaces, shown, *m_bands);
+    else
+        makeFaces(shown);
 }
 
 /// Transparent faces come last: they tint what is behind them.
@@ -261,24 +318,32 @@ std::vector<LegendContent> Scene::legends(const ShownModel& shown) const {
     return legends;
 }
 
-void Scene::makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body) {
-    if (settings.legacy) {
-        m_drawFlatFaces = [&shown, body] { drawFlatFaces(shown, body); };
+void Scene::makeBands(const ShownModel& shown) {
+    if (m_bands)
+        glDeleteTextures(1, &m_bands->attributes().texture);
+    m_bands = bandsOf(shown, m_settings);
+    if (m_bands)
+        m_bands->createTexture(GL_TEXTURE_1D);
+}
+
+void Scene::makeFaces(const ShownModel& shown) {
+    if (m_settings.legacy) {
+        m_drawFlatFaces = [&shown, this] { drawFlatFaces(shown, m_body); };
         return;
     }
-    if (areBodies(shown, settings, body)) {
-        if (body.physical)
-            m_environment.emplace(body);
-        m_bodies.emplace(shown, body, settings.opacity);
+    if (m_areBodies) {
+        if (m_body.physical)
+            m_environment.emplace(m_body);
+        m_bodies.emplace(shown, m_body, m_settings.opacity);
         if (m_bodies->canDraw())
             return;
         m_bodies.reset();
         m_environment.reset();
         tell("no programs for bodies: they are drawn as an element mesh, with one light and one opacity");
     }
-    m_plainFaces = faceMesh(shown, m_bands, settings, body, false);
+    m_plainFaces = faceMesh(shown, m_bands, m_settings, m_body, false);
     if (m_bands)
-        m_coloredFaces = faceMesh(shown, m_bands, settings, body, true);
+        m_coloredFaces = faceMesh(shown, m_bands, m_settings, m_body, true);
 }
 
 void Scene::makeLoose(const ShownModel& shown) {
@@ -306,7 +371,7 @@ void Scene::drawPart(Part& part, Draw draw) {
 }
 
 void Scene::drawOpaqueFaces(double scale) {
-    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), 1.0f);
+    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), kOffsetUnits);
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_drawFlatFaces)
         m_drawFlatFaces();
@@ -318,7 +383,7 @@ void Scene::drawOpaqueFaces(double scale) {
 }
 
 void Scene::drawTransparentFaces(double scale) {
-    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), 1.0f);
+    glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), kOffsetUnits);
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_bodies)
         m_bodies->drawTransparent();

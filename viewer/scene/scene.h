@@ -23,6 +23,9 @@ public:
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
+    /// Takes over what is new of the shown model, which has it already; the update holds what was there.
+    /// False where the scene must be made anew.
+    bool update(const ShownModel& shown, const ShownUpdate& update);
     /// The scale is that of line widths, for screens with small pixels.
     void draw(double scale = 1.0);
     /// What the colours of the faces and of the markers mean, for as long as the scene is there.
@@ -34,7 +37,11 @@ public:
     };
 
 private:
-    void makeFaces(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body);
+    bool canUpdate(const ShownModel& shown, const ShownUpdate& update) const;
+    void makeBands(const ShownModel& shown);
+    void makeFaces(const ShownModel& shown);
+    void setFacts(const ShownModel& shown, ngl::NglElementMesh& mesh) const;
+    void renewValues(const ShownModel& shown);
     void makeLoose(const ShownModel& shown);
     void drawOpaqueFaces(double scale);
     void drawTransparentFaces(double scale);
@@ -45,6 +52,9 @@ private:
     template <typename Draw>
     void drawPart(Part& part, Draw draw);
 
+    SceneSettings m_settings;
+    BodySettings m_body;
+    bool m_areBodies;
     std::optional<ColorBands> m_bands;
     EdgeMode m_edgeMode;
     std::function<void()> m_drawFlatFaces; ///< in place of the faces' meshes, where wanted

@@ -16,12 +16,14 @@ namespace nruview {
 struct ColoredElements {
     ElementList elements;
     std::uint32_t color = 0; ///< packed 0xAABBGGRR
+    bool operator==(const ColoredElements&) const = default;
 };
 
 /// Keeps the elements whose middle lies within an interval along an axis.
 struct ElementClip {
     int axis = 0;
     double low = 0.0, high = 0.0; ///< may be infinite
+    bool operator==(const ElementClip&) const = default;
 };
 
 /// Which elements are drawn, and which of them stand out. Of overlapping lists the later one counts;
@@ -33,6 +35,7 @@ struct ElementSettings {
     std::optional<int> failLevel = {};   ///< with one or both of the next two
     std::string failField = {};          ///< level from which on an element is left out; empty: none is
     std::string failBeforeField = {};    ///< level before which it is
+    bool operator==(const ElementSettings&) const = default;
 };
 
 /// What is drawn of a model and in which shape.
@@ -45,6 +48,7 @@ struct ShownSettings {
     std::optional<double> phase_rad = {}; ///< the deformation times its cosine; bounds are those of the swing
     ElementSettings elements = {};
     std::optional<double> creaseDeg = {}; ///< nothing: the file's normals, else 30 degrees
+    bool operator==(const ShownSettings&) const = default;
 };
 
 enum class EdgeMode { All, Feature, None };
@@ -69,6 +73,7 @@ struct BodySettings {
     bool hasSides() const { return frontColor || backColor; }
     /// Whether a model is to be drawn as a body though it is none by its file.
     bool isAskedFor() const { return physical || color || hasSides(); }
+    bool operator==(const BodySettings&) const = default;
 };
 
 /// Contour colours, edges and surface.
@@ -80,12 +85,14 @@ struct SceneSettings {
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
     bool legacy = false; ///< faces by the library's face shading; then there are no values
+    bool operator==(const SceneSettings&) const = default;
 };
 
 /// Nodes by their numbers, or those of a node set.
 struct NodeChoice {
     ElementList nodes = {};
     std::string set = {}; ///< empty: the numbers count
+    bool operator==(const NodeChoice&) const = default;
 };
 
 /// The symbol of a support.
@@ -115,6 +122,7 @@ struct SupportedNodes {
     NodeChoice nodes = {};
     SupportKind kind = SupportKind::Clamp;
     int axis = 0; ///< of the kinds that have one
+    bool operator==(const SupportedNodes&) const = default;
 };
 
 enum class ConnectorShape { Rivet, Cylinder };
@@ -131,6 +139,7 @@ struct MarkerSettings {
     std::vector<SupportedNodes> supports = {};
     std::string tensors = {};           ///< tensor field
     bool solids = true, symbols = true; ///< whether those with a body, and those of supports, are shown
+    bool operator==(const MarkerSettings&) const = default;
 };
 
 /// Over the steps of a result, or over a swing.
@@ -150,6 +159,7 @@ struct LabelSettings {
     std::string logo = {};                    ///< picture for the lower right corner; empty: none
     std::string icons = {};                   ///< picture for marked nodes; empty: none
     std::optional<NodeChoice> iconNodes = {}; ///< nothing: those of the marks
+    bool operator==(const LabelSettings&) const = default;
 };
 
 } // namespace nruview

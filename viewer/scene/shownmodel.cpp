@@ -66,10 +66,17 @@ Bounds surfaceBounds(const Surface& surface, const std::vector<Point>& points) {
     return bounds;
 }
 
-std::vector<Point> undeformedPoints(const ShownModel& shown) {
-    std::vector<Point> points(shown.model.nodes.size() + shown.surface.centres.size());
+Point undeformedPosition(const Model& model, const Surface& surface, std::uint32_t point) {
+    if (point < model.nodes.size())
+        return model.nodes[point];
+    return interpolated(surface.centres[point - model.nodes.size()], Point{},
+                        [&](std::uint32_t node) { return model.nodes[node]; });
+}
+
+std::vector<Point> undeformedPoints(const Model& model, const Surface& surface) {
+    std::vector<Point> points(model.nodes.size() + surface.centres.size());
     for (std::uint32_t i = 0; i < points.size(); ++i)
-        points[i] = modelPosition(shown, i);
+        points[i] = undeformedPosition(model, surface, i);
     return points;
 }
 
@@ -83,23 +90,21 @@ double factorFor(const Field& displacement, const Bounds& bounds) {
 }
 
 /// Nodes without a finite displacement stay where they are.
-void deform(ShownModel& shown, const Field& displacement, double factor) {
-    for (std::uint32_t node = 0; node < shown.model.nodes.size(); ++node) {
-        const Point moved = shown.points[node] + factor * displacementOf(displacement, node);
+std::vector<Point> deformed(std::vector<Point> points, const Surface& surface, const Field& displacement,
+                            double factor) {
+    const std::size_t nodeCount = points.size() - surface.centres.size();
+    for (std::uint32_t node = 0; node < nodeCount; ++node) {
+        const Point moved = points[node] + factor * displacementOf(displacement, node);
         if (std::isfinite(length(moved)))
-            shown.points[node] = moved;
+            points[node] = moved;
     }
-    for (std::size_t i = 0; i < shown.surface.centres.size(); ++i)
-        shown.points[shown.model.nodes.size() + i] = interpolated(
-            shown.surface.centres[i], Point{}, [&](std::uint32_t node) { return shown.points[node]; });
+    for (std::size_t i = 0; i < surface.centres.size(); ++i)
+        points[nodeCount + i] =
+            interpolated(surface.centres[i], Point{}, [&](std::uint32_t node) { return points[node]; });
+    return points;
 }
 
-/// Bounds of both ends of a swing. Every point moves along a line, so they hold all of it.
-Bounds swing(ShownModel shown, const Field& displacement) {
-    deform(shown, displacement, shown.deformFactor);
-    Bounds bounds = surfaceBounds(shown.surface, shown.points);
-    deform(shown, displacement, -2.0 * shown.deformFactor);
-    const Bounds other = surfaceBounds(shown.surface, shown.points);
+Bounds joined(Bounds bounds, const Bounds& other) {
     bounds.add(other.low);
     bounds.add(other.high);
     return bounds;
@@ -114,57 +119,116 @@ bool isWithin(const Bounds& bounds, const Point& point) {
 
 /// From model coordinates to drawn ones. Nodes outside of all elements are drawn nowhere and may stand
 /// anywhere: not far off, which would cost the others their digits.
-void placeAboutOrigin(ShownModel& shown, const Bounds& bounds) {
-    shown.middle = 0.5 * bounds.low + 0.5 * bounds.high;
+void placeAboutOrigin(Shape& shape, const Bounds& bounds) {
+    shape.middle = 0.5 * bounds.low + 0.5 * bounds.high;
     const Point half = 0.5 * bounds.high - 0.5 * bounds.low;
     const double size = std::max({half[0], half[1], half[2]});
-    shown.unit = size > 0.0 ? std::ldexp(1.0, std::ilogb(size)) : 1.0;
-    for (Point& point : shown.points)
-        point = isWithin(bounds, point) ? shown.drawn(point) : Point{};
-    shown.bounds = {shown.drawn(bounds.low), shown.drawn(bounds.high)};
+    shape.unit = size > 0.0 ? std::ldexp(1.0, std::ilogb(size)) : 1.0;
+    for (Point& point : shape.points)
+        point = isWithin(bounds, point) ? shape.drawn(point) : Point{};
+    shape.bounds = {shape.drawn(bounds.low), shape.drawn(bounds.high)};
+}
+
+/// Deforms the points and returns what they span. Every point swings along a line: the bounds at both ends
+/// hold all of it.
+Bounds deform(Shape& shape, const Model& model, const Surface& surface, const ShownSettings& settings) {
+    const Field& displacement = displacementField(model, settings);
+    shape.deformFactor =
+        settings.deformFactor.value_or(factorFor(displacement, surfaceBounds(surface, shape.points)));
+    const auto at = [&](double swing) {
+        return deformed(shape.points, surface, displacement, swing * shape.deformFactor);
+    };
+    Bounds bounds;
+    if (settings.phase_rad)
+        bounds = joined(surfaceBounds(surface, at(1.0)), surfaceBounds(surface, at(-1.0)));
+    shape.points = at(std::cos(settings.phase_rad.value_or(0.0)));
+    return settings.phase_rad ? bounds : surfaceBounds(surface, shape.points);
+}
+
+Shape shapeOf(const Model& model, const Surface& surface, const ShownSettings& settings) {
+    Shape shape;
+    shape.creaseDeg = settings.creaseDeg.value_or(shape.creaseDeg);
+    shape.hasFileNormals = !model.cornerNormals.empty() && !settings.creaseDeg && !settings.deformed;
+    shape.points = undeformedPoints(model, surface);
+    const Bounds bounds =
+        settings.deformed ? deform(shape, model, surface, settings) : surfaceBounds(surface, shape.points);
+    if (bounds.empty())
+        throw ViewerError("model", "has no elements that can be drawn");
+    placeAboutOrigin(shape, bounds);
+    return shape;
+}
+
+std::optional<Scalars> scalarsOf(const Model& model, const ShownSettings& settings) {
+    if (settings.field.empty())
+        return {};
+    return selectScalars(model, settings.field, settings.step);
+}
+
+bool isOtherShape(const Model& model, const ShownSettings& before, const ShownSettings& after) {
+    if (after.deformed != before.deformed || after.creaseDeg != before.creaseDeg)
+        return true;
+    return after.deformed &&
+           (after.deformFactor != before.deformFactor || after.phase_rad != before.phase_rad ||
+            &displacementField(model, after) != &displacementField(model, before));
+}
+
+bool areOtherScalars(const Model& model, const ShownSettings& before, const ShownSettings& after) {
+    if (after.field != before.field)
+        return true;
+    return !after.field.empty() && after.step != before.step &&
+           &selectedField(model, after.field, after.step) != &selectedField(model, before.field, before.step);
 }
 
 } // namespace
 
-Point ShownModel::drawn(const Point& position) const {
+Point Shape::drawn(const Point& position) const {
     const Point offset = position - middle;
     return {offset[0] / unit, offset[1] / unit, offset[2] / unit}; // 1 / unit could overflow
 }
 
 ShownModel showModel(Model model, const ShownSettings& settings) {
     ShownModel shown;
-    shown.model = std::move(model);
-    shown.creaseDeg = settings.creaseDeg.value_or(shown.creaseDeg);
-    shown.hasFileNormals = !shown.model.cornerNormals.empty() && !settings.creaseDeg && !settings.deformed;
     if (settings.step)
-        checkStep(shown.model, *settings.step);
-    shown.elements = elementFacts(shown.model, settings.elements, settings.step);
-    shown.surface = extractSurface(shown.model, shown.elements.shown);
-    shown.points = undeformedPoints(shown);
-    if (!settings.field.empty())
-        shown.scalars = selectScalars(shown.model, settings.field, settings.step);
-    std::optional<Bounds> swung;
-    if (settings.deformed) {
-        const Field& displacement = displacementField(shown.model, settings);
-        const Bounds undeformed = surfaceBounds(shown.surface, shown.points);
-        shown.deformFactor = settings.deformFactor.value_or(factorFor(displacement, undeformed));
-        if (settings.phase_rad)
-            swung = swing(shown, displacement);
-        deform(shown, displacement, shown.deformFactor * std::cos(settings.phase_rad.value_or(0.0)));
-    }
-    Bounds bounds = surfaceBounds(shown.surface, shown.points);
-    if (swung)
-        for (const Point& corner : {swung->low, swung->high})
-            bounds.add(corner);
-    if (bounds.empty())
-        throw ViewerError("model", "has no elements that can be drawn");
-    placeAboutOrigin(shown, bounds);
+        checkStep(model, *settings.step);
+    shown.elements = elementFacts(model, settings.elements, settings.step);
+    shown.surface = extractSurface(model, shown.elements.shown);
+    shown.scalars = scalarsOf(model, settings);
+    static_cast<Shape&>(shown) = shapeOf(model, shown.surface, settings);
+    shown.model = std::move(model);
     return shown;
+}
+
+void ShownUpdate::swapInto(ShownModel& shown) noexcept {
+    if (elements)
+        std::swap(*elements, shown.elements);
+    if (surface)
+        std::swap(*surface, shown.surface);
+    if (shape)
+        std::swap(*shape, static_cast<Shape&>(shown));
+    if (scalars)
+        std::swap(*scalars, shown.scalars);
+}
+
+ShownUpdate updateOf(const ShownModel& shown, const ShownSettings& before, const ShownSettings& after) {
+    const Model& model = shown.model;
+    ShownUpdate update;
+    if (after.step)
+        checkStep(model, *after.step);
+    if (after.elements != before.elements || (after.elements.failLevel && after.step != before.step))
+        update.elements = elementFacts(model, after.elements, after.step);
+    update.showsOthers = update.elements && update.elements->shown != shown.elements.shown;
+    if (update.showsOthers)
+        update.surface = extractSurface(model, update.elements->shown);
+    if (areOtherScalars(model, before, after))
+        update.scalars = scalarsOf(model, after);
+    if (update.surface || isOtherShape(model, before, after))
+        update.shape = shapeOf(model, update.surface ? *update.surface : shown.surface, after);
+    return update;
 }
 
 double automaticFactor(const ShownModel& shown, const ShownSettings& settings) {
     return factorFor(displacementField(shown.model, settings),
-                     surfaceBounds(shown.surface, undeformedPoints(shown)));
+                     surfaceBounds(shown.surface, undeformedPoints(shown.model, shown.surface)));
 }
 
 double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell) {
@@ -180,11 +244,7 @@ double valueAt(const ShownModel& shown, std::uint32_t point, std::uint32_t cell)
 }
 
 Point modelPosition(const ShownModel& shown, std::uint32_t point) {
-    const std::vector<Point>& nodes = shown.model.nodes;
-    if (point < nodes.size())
-        return nodes[point];
-    return interpolated(shown.surface.centres[point - nodes.size()], Point{},
-                        [&](std::uint32_t node) { return nodes[node]; });
+    return undeformedPosition(shown.model, shown.surface, point);
 }
 
 } // namespace nruview

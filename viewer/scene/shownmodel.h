@@ -12,15 +12,11 @@ namespace nruview {
 /// Points are the model's nodes followed by the centres of the surface. They are drawn about the model's
 /// middle in a unit like its size: OpenGL's single precision would shake a small model far from the origin to
 /// pieces.
-struct ShownModel {
-    Model model;
-    ElementFacts elements;
-    Surface surface;
+struct Shape {
     std::vector<Point> points; ///< where each point is drawn: deformed when asked for
     Bounds bounds;             ///< of the surface, hidden elements included: they do not move the camera
     Point middle{};            ///< model position that is drawn at the origin
     double unit = 1.0;         ///< model length that is drawn as 1, a power of 2
-    std::optional<Scalars> scalars;
     double deformFactor = 0.0;
     double creaseDeg = 30.0;     ///< faces that meet at a larger angle are not shaded as one
     bool hasFileNormals = false; ///< corners take the model's normals where it has them
@@ -29,9 +25,31 @@ struct ShownModel {
     Point drawn(const Point& position) const;
 };
 
+struct ShownModel : Shape {
+    Model model;
+    ElementFacts elements;
+    Surface surface;
+    std::optional<Scalars> scalars;
+};
+
 /// Throws ViewerError for an unknown field, step or element, a missing displacement, or a model with nothing
 /// to draw.
 ShownModel showModel(Model model, const ShownSettings& settings);
+
+/// What other settings make of a shown model: the parts that they change.
+struct ShownUpdate {
+    std::optional<ElementFacts> elements;
+    std::optional<Surface> surface;
+    std::optional<Shape> shape;
+    std::optional<std::optional<Scalars>> scalars;
+    bool showsOthers = false; ///< other elements are drawn
+
+    /// Exchanges the parts; a second time undoes it.
+    void swapInto(ShownModel& shown) noexcept;
+};
+
+/// Throws ViewerError as showModel does.
+ShownUpdate updateOf(const ShownModel& shown, const ShownSettings& before, const ShownSettings& after);
 
 /// The factor by which --deform auto moves the shape of a step: the largest displacement is a tenth of the
 /// model's size. 0 where nothing moves. Throws ViewerError without a displacement field.

@@ -28,20 +28,35 @@ Bounds boundsOfCells(const ShownModel& shown, const std::vector<std::uint32_t>& 
     return bounds;
 }
 
+/// What the library and the host draw of a shown model.
+struct Drawing {
+    Drawing(const ShownModel& shown, const Options& options)
+        : markers(makeMarkers(shown, options.markers, options.shown.step)),
+          bounds(boundsWith(shown.bounds, markers)), scene(shown, options.scene, options.body, &markers),
+          labels(shown, scene.legends(shown), options.labels, titleOf(shown, options)) {}
+
+    Markers markers;
+    Bounds bounds;
+    Scene scene;
+    PictureLabels labels;
+};
+
 } // namespace
 
 struct Workspace::Made {
     Made(Model model, const Options& options)
         : shown(showModel(std::move(model), options.shown)),
-          markers(makeMarkers(shown, options.markers, options.shown.step)),
-          scene((shown.bounds = boundsWith(shown.bounds, markers), shown), options.scene, options.body,
-                &markers),
-          labels(shown, scene.legends(shown), options.labels, titleOf(shown, options)) {}
+          drawing(std::make_unique<Drawing>(shown, options)) {}
+
+    Picker& pickerOfShown() {
+        if (!picker)
+            picker.emplace(shown);
+        return *picker;
+    }
 
     ShownModel shown;
-    Markers markers;
-    Scene scene;
-    PictureLabels labels;
+    std::unique_ptr<Drawing> drawing;
+    std::optional<Picker> picker; ///< nothing until the first pick of these faces
 };
 
 Workspace::Workspace(Model model, Options options)
@@ -63,31 +78,60 @@ void Workspace::change(const std::function<void(Options&)>& edit) {
     edit(options);
     const bool moves =
         options.shown.step != m_options.shown.step || options.shown.phase_rad != m_options.shown.phase_rad;
-    const bool turns = options.view != m_options.view;
-    auto made = std::make_unique<Made>(shown().model, options);
-    keepPlace(shown(), made->shown);
-    m_made = std::move(made);
+    ShownModel& shown = m_made->shown;
+    const Point middle = shown.middle;
+    const double unit = shown.unit;
+    ShownUpdate update = updateOf(shown, m_options.shown, options.shown);
+    update.swapInto(shown);
+    try {
+        renew(options, update);
+    } catch (...) {
+        update.swapInto(shown);
+        throw;
+    }
+    keepPlace(middle, unit);
+    if (options.view != m_options.view)
+        m_camera.axes = options.view;
+    m_camera.perspective = options.perspective;
     m_options = std::move(options);
-    m_made->labels.setScale(m_scale);
-    m_camera.perspective = m_options.perspective;
-    if (turns)
-        m_camera.axes = m_options.view;
     if (m_isFitted && !moves)
         fit();
     m_readOut.reset();
     m_needsDrawing = true;
 }
 
-/// The camera stands among what is drawn, whose place and unit may be others now.
-void Workspace::keepPlace(const ShownModel& before, const ShownModel& after) {
-    const double unit = before.unit / after.unit;
-    m_camera.target = unit * m_camera.target + after.drawn(before.middle);
-    m_camera.distance *= unit;
-    m_camera.halfHeight *= unit;
+/// Makes what is drawn anew as far as needed; the shown model is updated already.
+void Workspace::renew(const Options& options, const ShownUpdate& update) {
+    const ShownModel& shown = m_made->shown;
+    const bool looksAlike = options.scene == m_options.scene && options.body == m_options.body &&
+                            options.markers == m_options.markers && options.labels == m_options.labels;
+    const bool movesMarkers =
+        options.markers != MarkerSettings() && (update.scalars || options.shown.step != m_options.shown.step);
+    std::unique_ptr<Drawing>& drawing = m_made->drawing;
+    if (!looksAlike || movesMarkers || !drawing->scene.update(shown, update)) {
+        drawing = std::make_unique<Drawing>(shown, options);
+        drawing->labels.setScale(m_scale);
+    } else if (update.scalars) {
+        drawing->labels.renew(drawing->scene.legends(shown), titleOf(shown, options));
+    }
+    if (update.shape || update.showsOthers)
+        m_made->picker.reset();
+}
+
+/// The camera stands among what is drawn, whose middle and unit were others before.
+void Workspace::keepPlace(const Point& middle, double unit) {
+    const double scale = unit / shown().unit;
+    m_camera.target = scale * m_camera.target + shown().drawn(middle);
+    m_camera.distance *= scale;
+    m_camera.halfHeight *= scale;
+}
+
+const Bounds& Workspace::bounds() const {
+    return m_made->drawing->bounds;
 }
 
 PictureArea Workspace::area() {
-    return m_made->labels.area(m_width, m_height);
+    return m_made->drawing->labels.area(m_width, m_height);
 }
 
 /// Labels may leave the model another part of the picture than before.
@@ -96,7 +140,7 @@ void Workspace::resize(int width, int height, double scale) {
     m_width = width;
     m_height = height;
     m_scale = scale;
-    m_made->labels.setScale(scale);
+    m_made->drawing->labels.setScale(scale);
     if (m_isFitted && isOther)
         fit();
     else
@@ -105,12 +149,12 @@ void Workspace::resize(int width, int height, double scale) {
 
 void Workspace::draw(int width, int height, double scale) {
     resize(width, height, scale);
-    beginFrame(m_camera, shown().bounds, width, height, m_options.background);
-    m_made->scene.draw(m_scale);
-    m_made->labels.draw(m_camera, width, height, m_options.background);
+    beginFrame(m_camera, bounds(), width, height, m_options.background);
+    m_made->drawing->scene.draw(m_scale);
+    m_made->drawing->labels.draw(m_camera, width, height, m_options.background);
     if (m_readOut)
-        m_made->labels.drawReadOut(describeAt((*m_readOut)[0], (*m_readOut)[1]), *m_readOut, width, height,
-                                   m_options.background);
+        m_made->drawing->labels.drawReadOut(describeAt((*m_readOut)[0], (*m_readOut)[1]), *m_readOut, width,
+                                            height, m_options.background);
     m_needsDrawing = false;
 }
 
@@ -134,7 +178,7 @@ void Workspace::look(const ViewAxes& axes) {
 }
 
 void Workspace::fit() {
-    m_camera = fitCamera(m_camera.axes, shown().bounds, area(), m_camera.perspective);
+    m_camera = fitCamera(m_camera.axes, bounds(), area(), m_camera.perspective);
     moved();
     m_isFitted = true;
 }
@@ -179,7 +223,7 @@ void Workspace::drag(const Point& anchor, double x, double y) {
 }
 
 void Workspace::zoom(double factor, double x, double y) {
-    const double size = length(shown().bounds.high - shown().bounds.low);
+    const double size = length(bounds().high - bounds().low);
     const double halfHeight = m_camera.halfHeight / factor;
     if (!(halfHeight > kNearestZoom * size) || !(halfHeight < kFarthestZoom * std::max(size, 1.0)))
         return;
@@ -189,11 +233,12 @@ void Workspace::zoom(double factor, double x, double y) {
 }
 
 Picked Workspace::pickAt(int x, int y) const {
-    return pick(shown(), x, y);
+    return m_made->pickerOfShown().pick(x, y);
 }
 
 std::string Workspace::describeAt(int x, int y) const {
-    return describePixel(shown(), m_made->markers, m_options.scene.opacity >= 1.0, x, y);
+    return describePixel(shown(), m_made->pickerOfShown(), m_made->drawing->markers,
+                         m_options.scene.opacity >= 1.0, x, y);
 }
 
 void Workspace::showReadOut(int x, int y) {
@@ -207,7 +252,7 @@ void Workspace::hideReadOut() {
 }
 
 void Workspace::drawReadOut(const std::string& text, const std::array<int, 2>& pixel) {
-    m_made->labels.drawReadOut(text, pixel, m_width, m_height, m_options.background);
+    m_made->drawing->labels.drawReadOut(text, pixel, m_width, m_height, m_options.background);
 }
 
 void Workspace::selectAt(int x, int y, Selecting how) {

@@ -99,7 +99,9 @@ public:
 
 private:
     struct Made;
-    void keepPlace(const ShownModel& before, const ShownModel& after);
+    void renew(const Options& options, const ShownUpdate& update);
+    void keepPlace(const Point& middle, double unit);
+    const Bounds& bounds() const;
     PictureArea area();
     void moved();
     void resize(int width, int height, double scale);

@@ -1,0 +1,294 @@
+// The state behind window, panel and scripts, driven by the commands of scripts.
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "tests/support/gltest.h"
+#include "viewer/error.h"
+#include "viewer/model/samples.h"
+#include "viewer/model/vectors.h"
+#include "viewer/scene/frame.h"
+#include "viewer/workspace/script.h"
+
+using namespace nruview;
+using nrutest::Picture;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Solids with fields of all kinds, a temperature in two steps that the second lacks at one node, a beam and
+/// a point.
+Model mixedModel() {
+    Model model = makeSample("cantilever:10");
+    const auto last = static_cast<std::uint32_t>(model.nodes.size() - 1);
+    model.nodes.push_back({50, 30, 0});
+    model.addCell(CellType::Line, std::array{last, last + 1});
+    model.addCell(CellType::Vertex, std::array{last + 1});
+    for (Field& field : model.fields)
+        field.values.resize((field.location == FieldLocation::Cell ? model.cellCount() : model.nodes.size()) *
+                            static_cast<std::size_t>(field.components));
+    for (const double factor : {1.0, -3.0}) {
+        Field field{factor > 0 ? "T0" : "T1", FieldLocation::Node, 1, {}};
+        for (std::size_t i = 0; i < model.nodes.size(); ++i)
+            field.values.push_back(factor * static_cast<double>(i % 7));
+        model.fields.push_back(field);
+    }
+    model.fields.back().values[last] = std::nan("");
+    return model;
+}
+
+/// A row of four unit quads in z = 0 before one in z = -1, a beam in z = 1 before the first, another and a
+/// point behind them, in two blocks.
+Model layers() {
+    Model model;
+    for (const double z : {0.0, -1.0})
+        for (int i = 0; i < 4; ++i) {
+            const auto at = static_cast<std::uint32_t>(model.nodes.size());
+            model.nodes.insert(model.nodes.end(),
+                               {{1.0 * i, 0, z}, {i + 1.0, 0, z}, {i + 1.0, 1, z}, {1.0 * i, 1, z}});
+            model.addCell(CellType::Quad, std::array{at, at + 1, at + 2, at + 3});
+        }
+    model.nodes.insert(model.nodes.end(), {{0.3, 0.5, 1}, {0.7, 0.5, 1}, {0.3, 0.5, -2}, {0.7, 0.5, -2}});
+    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{32, 33});
+    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{34, 35});
+    model.addCell(CellType::Vertex, std::array<std::uint32_t, 1>{34});
+    model.parts = {{"front", 0, 4, {}, 1.0}, {"back", 4, 7, {}, 1.0}};
+    return model;
+}
+
+class Workspaces : public nrutest::GlTest, public CommandPlace {
+protected:
+    void SetUp() override {
+        GlTest::SetUp();
+        m_session.emplace();
+        m_folder = fs::temp_directory_path() / ("nruview_workspace_" + std::to_string(getpid()));
+        fs::create_directories(m_folder);
+    }
+    void TearDown() override {
+        m_workspace.reset();
+        m_session.reset();
+        fs::remove_all(m_folder);
+        GlTest::TearDown();
+    }
+    void start(const Model& model, const char* view = "iso") {
+        Options options;
+        options.view = parseView(view);
+        options.width = options.height = kSize;
+        options.labels = {false, false, false, "", false};
+        m_workspace.emplace(model, options);
+    }
+    Workspace& workspace() override { return *m_workspace; }
+    void resize(int, int) override {}
+    Pixels picture() override {
+        m_workspace->draw(kSize, kSize);
+        m_pictures.push_back(read());
+        return readPixels(kSize, kSize);
+    }
+    Picture drawn() {
+        picture();
+        return m_pictures.back();
+    }
+    /// Commands parted by semicolons; the answer of the last.
+    std::string run(const std::string& commands) {
+        std::istringstream lines(commands);
+        std::string answer;
+        for (std::string line; std::getline(lines, line, ';');)
+            answer = runCommand(*this, wordsOf(line));
+        return answer;
+    }
+    std::string path(const char* name) const { return (m_folder / name).string(); }
+
+    fs::path m_folder;
+    std::optional<LibrarySession> m_session;
+    std::optional<Workspace> m_workspace;
+    std::vector<Picture> m_pictures;
+};
+
+} // namespace
+
+TEST_F(Workspaces, ChangesGiveThePictureThatAStartWithThemGives) {
+    const Model model = mixedModel();
+    start(model);
+    Picture before = drawn();
+    EXPECT_GT(before.countOtherThan(0xFFFFFFFF), 200);
+    for (const char* command : {"set field T",
+                                "step 0",
+                                "step 1",
+                                "step 0",
+                                "set select 0-1,20",
+                                "select none",
+                                "set highlight 3",
+                                "set highlight none",
+                                "set color 2,21=ff0000",
+                                "set color none",
+                                "hide 1,20",
+                                "isolate 0-2",
+                                "show all",
+                                "set field S_cell",
+                                "set bands 3",
+                                "set smear",
+                                "set field S:xx",
+                                "set smear off",
+                                "set deform auto",
+                                "phase 100",
+                                "phase off",
+                                "set deform off",
+                                "set arrows F",
+                                "set arrows ''",
+                                "set spheres T",
+                                "step 1",
+                                "markers off",
+                                "set field T",
+                                "set clip x:,50",
+                                "set clip none",
+                                "set edges feature",
+                                "set edges auto",
+                                "set opacity 0.5",
+                                "set opacity 1",
+                                "set field ''",
+                                "set body-color 00ff00",
+                                "hide 0",
+                                "select 1",
+                                "select none",
+                                "set body-color auto",
+                                "set field T",
+                                "set range 0,3",
+                                "set supports fixed",
+                                "symbols off",
+                                "set background 808080"}) {
+        run(command);
+        const Picture found = drawn();
+        Workspace fresh(model, m_workspace->options());
+        fresh.setCamera(m_workspace->camera());
+        fresh.draw(kSize, kSize);
+        EXPECT_TRUE(nrutest::samePicture(read(), found)) << command;
+        EXPECT_NE(nrutest::compare(found, before).pixels, 0) << command << " changes nothing";
+        before = found;
+    }
+}
+
+TEST_F(Workspaces, WrongCommandsNameTheirPlaceAndChangeNothing) {
+    start(mixedModel());
+    run("set field T; set deform auto; select 1; turn 20 10");
+    const Picture before = drawn();
+    for (const char* command : {"set field nope",
+                                "set hide 999",
+                                "set pbr; set hdr missing.hdr",
+                                "step 9",
+                                "step two",
+                                "set arrows nope",
+                                "set logo missing.png",
+                                "set opacity 2",
+                                "set fixed",
+                                "set nope 1",
+                                "set smear maybe",
+                                "set field",
+                                "set bands 3 4",
+                                "zoom 0",
+                                "zoom 2 5",
+                                "turn 1",
+                                "view q",
+                                "click 1 2 often",
+                                "select block none",
+                                "box 1 2 3 4 sideways",
+                                "animate 3 plain.png",
+                                "animate 3 a%d%d.png",
+                                "animate 3 a%s.png",
+                                "animate 0 a%d.png",
+                                "animate 3 /nowhere/a%d.png phase",
+                                "phase x",
+                                "bogus",
+                                "move 1 2",
+                                "shot 'a b",
+                                "shot /nowhere/a.png",
+                                "print all",
+                                "hide 1-",
+                                "size 0 5"}) {
+        std::ofstream(path("s.txt")) << "# a comment\n\nstep 1 # another\n" << command << "\n";
+        try {
+            for (Script script(path("s.txt")); !script.isAtEnd();)
+                script.runNext(*this);
+            ADD_FAILURE() << command << " is taken";
+        } catch (const ViewerError& error) {
+            EXPECT_TRUE(std::string(error.what()).starts_with(path("s.txt") + ":4: ")) << error.what();
+        }
+        EXPECT_TRUE(nrutest::samePicture(drawn(), before)) << command;
+    }
+}
+
+TEST_F(Workspaces, WhatIsUnderTheCursorStaysThere) {
+    for (const char* projection : {"persp off", "persp on"}) {
+        start(layers(), "xy");
+        run(projection);
+        run("turn 10 20");
+        drawn();
+        const Picked picked = m_workspace->pickAt(25, 33);
+        ASSERT_EQ(picked.kind, Picked::Kind::Element);
+        const double size = m_workspace->camera().halfHeight;
+        run("zoom 3 25 33");
+        EXPECT_NEAR(m_workspace->camera().halfHeight, size / 3.0, 1e-12);
+        drawn();
+        EXPECT_LT(length(m_workspace->pickAt(25, 33).position - picked.position), 1e-6)
+            << "zoom, " << projection;
+        m_workspace->drag(m_workspace->anchorAt(25, 33), 40, 22);
+        drawn();
+        EXPECT_LT(length(m_workspace->pickAt(40, 22).position - picked.position), 1e-6)
+            << "drag, " << projection;
+        const Point target = m_workspace->camera().target;
+        run("pan 10 0; pan -10 0");
+        EXPECT_LT(length(m_workspace->camera().target - target), 1e-12);
+    }
+}
+
+TEST_F(Workspaces, SelectsByPixelBoxAndBlock) {
+    // The picture is 4.2 units wide: the front's quads stand 15 pixels apart from 1.5 on, in rows 24 to 39.
+    const std::pair<const char*, const char*> rows[] = {
+        {"box 0 0 63 63", "0-10"},
+        {"box 0 0 63 63 visible", "0-3,8"},
+        {"box 14 20 50 45", "1-2,5-6"},
+        {"box 50 45 14 20 visible", "1-2"},
+        {"hide 2; box 14 20 50 45 visible", "1,6"},
+        {"hide 2; box 0 0 63 63", "0-1,3-10"},
+        {"hide 8; box 0 20 22 45 visible", "0"},
+        {"hide block front; box 0 0 63 63 visible", "4-8"},
+        {"isolate block front; box 0 0 63 63", "0-3"},
+        {"hide 0; select 0-1", "1"},
+        {"hide block front; show all; select block front", "0-3"},
+        {"click 24 35", "1"},
+        {"click 24 35; click 24 35 toggle", "nothing"},
+        {"click 24 35; click 40 35 add; click 24 35 remove", "2"},
+        {"select 1-3; box 14 20 50 45 toggle visible", "3"},
+        {"hide 1; click 24 35", "5"},
+        {"select 1; click 5 5", "nothing"},
+        {"select 1-2; hide selected; show all", "nothing"},
+    };
+    for (const auto& [commands, expected] : rows)
+        for (const char* projection : {"persp off", "persp on"}) {
+            start(layers(), "xy");
+            run(projection);
+            run(commands);
+            EXPECT_EQ(run("print selection"), expected) << commands << ", " << projection;
+        }
+}
+
+TEST_F(Workspaces, AnimationsKeepColorsAndViewAndLeaveAllAsItWas) {
+    start(mixedModel());
+    run("set field T; step 0");
+    const Picture before = drawn();
+    m_pictures.clear();
+    run("animate 4 " + path("swing-%03d.png") + " phase");
+    ASSERT_EQ(m_pictures.size(), 4u);
+    EXPECT_TRUE(fs::exists(path("swing-000.png")) && fs::exists(path("swing-003.png")));
+    EXPECT_TRUE(nrutest::samePicture(m_pictures[1], m_pictures[3])) << "both ways through the middle";
+    EXPECT_GT(nrutest::compare(m_pictures[0], m_pictures[2]).pixels, 50) << "a full swing";
+    m_pictures.clear();
+    run("animate 2 " + path("step%d.png"));
+    ASSERT_EQ(m_pictures.size(), 2u);
+    EXPECT_TRUE(nrutest::samePicture(drawn(), before));
+    run("set range -18,6; step 0");
+    EXPECT_TRUE(nrutest::samePicture(m_pictures[0], drawn())) << "the range of both steps";
+}
