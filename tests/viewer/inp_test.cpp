@@ -94,7 +94,7 @@ TEST_F(Inp, SetsAndSectionsBecomeNodeSetsAndParts) {
 2
 
 9, 2, 30
-*ELEMENT, TYPE=T3D2, ELSET=right
+*ELEMENT, TYPE=T3D2, ELSET=right,
 4, 1, 30
 *ELSET, ELSET=both
 LEFT SIDE, Right
@@ -177,7 +177,7 @@ TEST_F(Inp, WhatIsNotReadEndsInOneReason) {
         {"*INCLUDE, INPUT=sub/../../outside.inp\n", "not in its own folder"},
         {"*INCLUDE, INPUT=" + (m_folder / "outside.inp").string() + "\n", "not in its own folder"},
         {"*INCLUDE, INPUT=link.inp\n", "not in its own folder"},
-        {"*INCLUDE, INPUT=none.inp\n", "which no such file"},
+        {"*INCLUDE, INPUT=none.inp\n", "cannot include 'none.inp': no such file"},
         {"*INCLUDE, INPUT=self.inp\n", "includes too many files"},
         {bar + "1, 1\n*STEP\n", "element 1 (B31) with less than 2 nodes"},
         {bar + "1, 1, 2, 3\n", "element 1 (B31) with more than 2 nodes"},

@@ -99,7 +99,7 @@ void InpLines::include(const std::string& name) {
     try {
         m_sources.push_back({loadFile(target), {}});
     } catch (const Refusal& refusal) {
-        throw Refusal("includes '" + name + "', which " + refusal.what());
+        throw Refusal("cannot include '" + name + "': " + refusal.what());
     }
     m_sources.back().rest = m_sources.back().content;
     m_bytes += m_sources.back().content.size();
