@@ -32,14 +32,13 @@ void drawOffscreen(Model model, const Options& options, Script* script) {
     if (options.pick)
         place.workspace().showReadOut((*options.pick)[0], (*options.pick)[1]);
     if (options.animate)
-        writeAnimation(place, *options.animate, options.output);
-    const bool hasOutput = !options.output.empty() && !options.animate;
-    if (!options.pick && !hasOutput)
+        return writeAnimation(place, *options.animate, options.output);
+    if (!options.pick && options.output.empty())
         return;
     const Pixels picture = place.picture();
     if (options.pick)
         std::cout << place.workspace().describeAt((*options.pick)[0], (*options.pick)[1]) << "\n";
-    if (hasOutput)
+    if (!options.output.empty())
         writePng(options.output, picture.width, picture.height, picture.colors);
 }
 

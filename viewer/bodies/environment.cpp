@@ -68,34 +68,78 @@ void setImage(const std::string& file, ImageUp up) {
         refuse(file, error->GetTextUtf8(), messages.last());
 }
 
-} // namespace
+/// A file of this program's own, deleted with it; none without a name.
+struct TemporaryFile {
+    std::string path;
+    ~TemporaryFile() {
+        if (!path.empty())
+            std::remove(path.c_str());
+    }
+};
 
-Environment::TemporaryFile::~TemporaryFile() {
-    if (!path.empty())
-        std::remove(path.c_str());
+/// The library has one environment; its maps stay for those that want the same.
+struct InForce {
+    int users = 0;
+    std::string file; ///< as the settings name it; empty: none
+    ImageUp up = ImageUp::Y;
+    TemporaryFile studio; ///< the environment that is made up, once it is
+    std::string lastStep; ///< of the maps' build, as told
+    std::function<void()> build;
+};
+
+InForce& inForce() {
+    static InForce state;
+    return state;
 }
 
-Environment::Environment(const BodySettings& settings) {
-    const bool isMadeUp = settings.environment == BodySettings::kStudio;
-    if (isMadeUp) {
-        m_studio.path = newFile();
-        writeStudio(m_studio.path);
+const std::string& studioFile() {
+    std::string& path = inForce().studio.path;
+    if (path.empty()) {
+        path = newFile();
+        writeStudio(path);
     }
-    if (!settings.environment.empty())
-        setImage(isMadeUp ? m_studio.path : settings.environment,
-                 settings.environmentUp.value_or(ImageUp::Y));
-    NImageBasedLightHandler::SetProgressFunction(showProgress, &m_lastStep);
-    NImageBasedLightHandler::EnableHDRBackgroundRendering(settings.environmentBackground);
-    EnablePhysicallyBasedRendering(settings.physical);
-    EnableEnvironmentReflection(!settings.environment.empty());
+    return path;
+}
+
+void putInForce(const std::string& file, ImageUp up) {
+    InForce& state = inForce();
+    if (file.empty() || (file == state.file && up == state.up))
+        return;
+    setImage(file == BodySettings::kStudio ? studioFile() : file, up);
+    state.file = file;
+    state.up = up;
+    if (state.build && IsFastRendererEnabled() != 0)
+        state.build();
+}
+
+} // namespace
+
+Environment::Environment(const BodySettings& settings) : m_settings(settings) {
+    NImageBasedLightHandler::SetProgressFunction(showProgress, &inForce().lastStep);
+    use();
+    ++inForce().users;
 }
 
 Environment::~Environment() {
+    if (--inForce().users > 0)
+        return;
     EnableEnvironmentReflection(false);
     EnablePhysicallyBasedRendering(false);
     NImageBasedLightHandler::EnableHDRBackgroundRendering(false);
     NImageBasedLightHandler::SetProgressFunction(nullptr, nullptr);
     NImageBasedLightHandler::CleanUpBuffers();
+    inForce().file.clear();
+}
+
+void Environment::use() const {
+    putInForce(m_settings.environment, m_settings.environmentUp.value_or(ImageUp::Y));
+    NImageBasedLightHandler::EnableHDRBackgroundRendering(m_settings.environmentBackground);
+    EnablePhysicallyBasedRendering(m_settings.physical);
+    EnableEnvironmentReflection(!m_settings.environment.empty());
+}
+
+void Environment::setBuilder(std::function<void()> build) {
+    inForce().build = std::move(build);
 }
 
 /// The library turns the background by half a turn about z against the light; the view is turned back.

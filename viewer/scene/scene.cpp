@@ -294,8 +294,10 @@ void Scene::renewValues(const ShownModel& shown) {
 
 /// Transparent faces come last: they tint what is behind them.
 void Scene::draw(double scale) {
-    if (m_environment)
+    if (m_environment) {
+        m_environment->use();
         m_environment->drawBackground();
+    }
     drawOpaqueFaces(scale);
     drawBeams(scale);
     drawPoints(scale);

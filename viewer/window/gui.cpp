@@ -98,25 +98,46 @@ private:
     GLint m_program = 0;
 };
 
+/// The context of a Gui in force for the length of a block.
+class ContextInForce {
+public:
+    explicit ContextInForce(ImGuiContext* context) : m_before(ImGui::GetCurrentContext()) {
+        ImGui::SetCurrentContext(context);
+    }
+    ~ContextInForce() { ImGui::SetCurrentContext(m_before); }
+    ContextInForce(const ContextInForce&) = delete;
+    ContextInForce& operator=(const ContextInForce&) = delete;
+
+private:
+    ImGuiContext* m_before;
+};
+
 } // namespace
 
-Gui::Gui(GLFWwindow* window) {
-    IMGUI_CHECKVERSION();
-    ImGui::CreateContext();
+/// The first context stays in force: events find it there.
+Gui::Gui(GLFWwindow* window, bool takesEvents)
+    : m_context(ImGui::CreateContext()), m_takesEvents(takesEvents) {
+    const ContextInForce context(m_context);
     ImGui::GetIO().IniFilename = nullptr; // nothing is written into the user's folder
-    ImGui_ImplGlfw_InitForOpenGL(window, false);
+    if (takesEvents)
+        ImGui_ImplGlfw_InitForOpenGL(window, false);
     ImGui_ImplOpenGL2_Init();
 }
 
 Gui::~Gui() {
-    ImGui_ImplOpenGL2_Shutdown();
-    ImGui_ImplGlfw_Shutdown();
-    ImGui::DestroyContext();
+    {
+        const ContextInForce context(m_context);
+        ImGui_ImplOpenGL2_Shutdown();
+        if (m_takesEvents)
+            ImGui_ImplGlfw_Shutdown();
+    }
+    ImGui::DestroyContext(m_context);
 }
 
 void Gui::setScale(double scale, double perUnit) {
     if (scale == m_scale && perUnit == m_perUnit)
         return;
+    const ContextInForce context(m_context);
     m_scale = scale;
     m_perUnit = perUnit;
     setLooks(scale / perUnit);
@@ -128,26 +149,40 @@ double Gui::em() const {
     return kLetters_px * m_scale / m_perUnit;
 }
 
-void Gui::beginFrame() {
+void Gui::beginFrame(double width, double height) {
+    m_before = ImGui::GetCurrentContext();
+    ImGui::SetCurrentContext(m_context);
     ImGui_ImplOpenGL2_NewFrame();
-    ImGui_ImplGlfw_NewFrame();
+    if (m_takesEvents) {
+        ImGui_ImplGlfw_NewFrame();
+    } else {
+        ImGui::GetIO().DisplaySize = {static_cast<float>(width), static_cast<float>(height)};
+        ImGui::GetIO().DisplayFramebufferScale = {static_cast<float>(m_perUnit),
+                                                  static_cast<float>(m_perUnit)};
+    }
     ImGui::NewFrame();
 }
 
 void Gui::endFrame() {
     ImGui::Render();
+    ImGui::SetCurrentContext(m_before);
 }
 
 bool Gui::holdsMouse() const {
+    const ContextInForce context(m_context);
     return ImGui::IsAnyItemActive() ||
            ImGui::IsPopupOpen(nullptr, ImGuiPopupFlags_AnyPopupId | ImGuiPopupFlags_AnyPopupLevel);
 }
 
 bool Gui::takesText() const {
+    const ContextInForce context(m_context);
     return ImGui::GetIO().WantTextInput;
 }
 
 void Gui::draw() {
+    const ContextInForce context(m_context);
+    if (ImGui::GetFrameCount() == 0)
+        return;
     const GuiState state;
     ImGui_ImplOpenGL2_RenderDrawData(ImGui::GetDrawData());
 }

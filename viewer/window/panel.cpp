@@ -61,8 +61,13 @@ void Panel::attempt(const std::function<void()>& act) {
     }
 }
 
-void Panel::change(const std::function<void(Options&)>& edit) {
-    attempt([&] { m_workspace.change(edit); });
+void Panel::change(std::function<void(Options&)> edit) {
+    later([this, edit = std::move(edit)] { m_workspace.change(edit); });
+}
+
+void Panel::act() {
+    for (const auto& asked : std::exchange(m_asked, {}))
+        attempt(asked);
 }
 
 /// "nruview-001.png", the first that is not there.
@@ -142,7 +147,7 @@ void Panel::showBlock(const ModelPart& part, bool on) {
     std::iota(cells.begin(), cells.end(), part.firstCell);
     const Cells hidden = joined(cellsOf(m_workspace.shown().elements.settings.hidden), cells,
                                 on ? Selecting::Remove : Selecting::Add);
-    change([&](Options& options) {
+    change([=, this](Options& options) {
         options.shown.elements.hidden = numbersOfCells(m_workspace.shown().model, hidden);
     });
 }
@@ -186,20 +191,20 @@ void Panel::layOutSelection() {
         widgets::fact("Numbers", numbersText(model, cells));
     std::string list;
     if (widgets::text("Select", list))
-        change([&](Options& options) { options.shown.elements.selected = parseElements("Select", list); });
+        change([=](Options& options) { options.shown.elements.selected = parseElements("Select", list); });
     {
         const widgets::Disabled disabled(cells.empty());
         if (button("Hide", 0, 4, "hide the selection (H)"))
-            attempt([&] { m_workspace.hideSelected(); });
+            later([this] { m_workspace.hideSelected(); });
         if (button("Isolate", 1, 4, "show the selection alone (I)"))
-            attempt([&] { m_workspace.isolateSelected(); });
+            later([this] { m_workspace.isolateSelected(); });
         if (button("Fit", 2, 4, "fit the view to the selection (Shift+F)"))
-            m_workspace.fitSelected();
+            later([this] { m_workspace.fitSelected(); });
         if (button("Clear", 3, 4, "select nothing (Esc)"))
-            attempt([&] { m_workspace.select({}, Selecting::Replace); });
+            later([this] { m_workspace.select({}, Selecting::Replace); });
     }
     if (button("Show all", 0, 2, "show what is hidden, too (A)"))
-        attempt([&] { m_workspace.showAll(); });
+        later([this] { m_workspace.showAll(); });
     toggle("Box by dragging", m_interaction.boxMode);
     toggle("Seen ones only", m_interaction.onlyVisible);
     toggle("Read-out", m_interaction.readsOut);

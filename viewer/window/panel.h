@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "viewer/window/choices.h"
 #include "viewer/window/interaction.h"
@@ -24,6 +25,9 @@ public:
     void refuse(const std::string& text) { m_line = {text, true}; }
     /// Does it, or says why the workspace refuses.
     void attempt(const std::function<void()>& act);
+    /// Does what the user has asked for while the panel was laid out: once nothing is, since it may take
+    /// long.
+    void act();
     /// The file that the user wants the picture saved in; empty: none.
     std::string takeScreenshot() { return std::exchange(m_screenshot, ""); }
     /// As if the user had pressed the button for it.
@@ -32,7 +36,8 @@ public:
     void nameScreenshot();
 
 private:
-    void change(const std::function<void(Options&)>& edit);
+    void later(std::function<void()> asked) { m_asked.push_back(std::move(asked)); }
+    void change(std::function<void(Options&)> edit);
     const Options& options() const { return m_workspace.options(); }
     void option(const char* name, bool isOn, const std::function<void(Options&, bool)>& set);
     void chooseField(const char* name, const std::vector<std::string>& fields, const std::string& current,
@@ -69,6 +74,7 @@ private:
         std::string text;
         bool isRefusal = false;
     } m_line;
+    std::vector<std::function<void()>> m_asked;
     std::string m_screenshotFile, m_screenshot;
 };
 

@@ -25,7 +25,7 @@ constexpr double kOpacityOverTensors = 0.2;
 /// A switch among the options.
 void Panel::option(const char* name, bool isOn, const std::function<void(Options&, bool)>& set) {
     if (toggle(name, isOn))
-        change([&](Options& options) { set(options, isOn); });
+        change([=](Options& options) { set(options, isOn); });
 }
 
 /// A field among those given, or none of them.
@@ -36,7 +36,7 @@ void Panel::chooseField(const char* name, const std::vector<std::string>& fields
     const auto found = std::find(fields.begin(), fields.end(), current);
     int row = found == fields.end() ? 0 : static_cast<int>(found - fields.begin()) + 1;
     if (choose(name, rows, row))
-        change([&](Options& options) { set(options, row == 0 ? "" : rows[static_cast<std::size_t>(row)]); });
+        change([=](Options& options) { set(options, row == 0 ? "" : rows[static_cast<std::size_t>(row)]); });
 }
 
 void Panel::layOutViews() {
@@ -53,9 +53,9 @@ void Panel::layOutViews() {
         if (!button(label, i % 4, 4, key))
             continue;
         if (*view == '\0')
-            m_workspace.fit();
+            later([this] { m_workspace.fit(); });
         else
-            m_workspace.look(parseView(view));
+            later([this, axes = parseView(view)] { m_workspace.look(axes); });
     }
 }
 
@@ -67,18 +67,18 @@ void Panel::layOutPicture() {
     option("Perspective", options().perspective, [](Options& options, bool on) { options.perspective = on; });
     int edges = scene.edges ? static_cast<int>(*scene.edges) + 1 : 0;
     if (choose("Edges", {"automatic", "all", "feature edges", "none"}, edges))
-        change([&](Options& options) {
+        change([=](Options& options) {
             options.scene.edges = edges == 0 ? std::nullopt : std::optional(static_cast<EdgeMode>(edges - 1));
         });
     int shading = static_cast<int>(scene.shading);
     if (choose("Shading", {"smooth", "flat triangles", "element faces"}, shading))
-        change([&](Options& options) { options.scene.shading = static_cast<Shading>(shading); });
+        change([=](Options& options) { options.scene.shading = static_cast<Shading>(shading); });
     double opacity = scene.opacity;
     if (slide("Opacity", opacity, 0.0, 1.0, "%.2f"))
-        change([&](Options& options) { options.scene.opacity = opacity; });
+        change([=](Options& options) { options.scene.opacity = opacity; });
     std::uint32_t background = options().background;
     if (widgets::color("Background", background))
-        change([&](Options& options) { options.background = background; });
+        change([=](Options& options) { options.background = background; });
     const LabelSettings& labels = options().labels;
     option("Legend", labels.legend, [](Options& options, bool on) { options.labels.legend = on; });
     option("Extremes", labels.marks, [](Options& options, bool on) { options.labels.marks = on; });
@@ -91,7 +91,7 @@ void Panel::layOutBody() {
     const BodySettings& body = options().body;
     std::uint32_t color = body.color.value_or(0xFFCDB9A8);
     if (widgets::color("Colour", color))
-        change([&](Options& options) { options.body.color = color; });
+        change([=](Options& options) { options.body.color = color; });
     option("Realistic", body.physical, [](Options& options, bool on) { options.body.physical = on; });
     if (!body.physical)
         return;
@@ -99,14 +99,16 @@ void Panel::layOutBody() {
     const auto found = std::find(m_materials.begin(), m_materials.end(), material);
     int row = static_cast<int>(found - m_materials.begin());
     if (choose("Material", m_materials, row))
-        change([&](Options& options) { options.body.material = m_materials[static_cast<std::size_t>(row)]; });
+        change([=, this](Options& options) {
+            options.body.material = m_materials[static_cast<std::size_t>(row)];
+        });
     const bool isFile = !body.environment.empty() && body.environment != BodySettings::kStudio;
     int light = body.environment.empty() ? 0 : isFile ? 2 : 1;
     if (choose("Light", {"four lamps", "studio", "file below"}, light) && light < 2)
-        change([&](Options& options) { options.body.environment = light == 0 ? "" : BodySettings::kStudio; });
+        change([=](Options& options) { options.body.environment = light == 0 ? "" : BodySettings::kStudio; });
     std::string file = isFile ? body.environment : "";
     if (widgets::text("HDR file", file))
-        change([&](Options& options) { options.body.environment = file; });
+        change([=](Options& options) { options.body.environment = file; });
     if (!body.environment.empty())
         option("Shown behind", body.environmentBackground,
                [](Options& options, bool on) { options.body.environmentBackground = on; });

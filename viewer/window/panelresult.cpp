@@ -38,8 +38,8 @@ void Panel::layOutResult() {
         return;
     ResultChosen chosen = chosenResult(m_choices, options().shown.field);
     int row = chosen.result + 1;
-    const auto select = [&](const ResultChosen& now) {
-        change([&](Options& options) {
+    const auto select = [this](const ResultChosen& now) {
+        change([=, this](Options& options) {
             options.shown.field = selectorOf(m_choices, now);
             options.scene.range.reset(); // of another quantity
         });
@@ -60,13 +60,13 @@ void Panel::layOutSteps() {
         return;
     int step = m_workspace.step();
     if (choose("Step", m_choices.steps, step))
-        attempt([&] { m_workspace.setStep(step); });
+        later([=, this] { m_workspace.setStep(step); });
     const int last = m_workspace.stepCount() - 1;
     const std::array<std::pair<const char*, int>, 4> ways = {
         {{"|<", 0}, {"<", std::max(step - 1, 0)}, {">", std::min(step + 1, last)}, {">|", last}}};
     for (int i = 0; i < 4; ++i)
-        if (const auto& [label, to] = ways[static_cast<std::size_t>(i)]; button(label, i, 4))
-            attempt([&] { m_workspace.setStep(to); });
+        if (const auto& way = ways[static_cast<std::size_t>(i)]; button(way.first, i, 4))
+            later([this, to = way.second] { m_workspace.setStep(to); });
 }
 
 void Panel::layOutDeformation() {
@@ -75,7 +75,7 @@ void Panel::layOutDeformation() {
     const ShownSettings& shown = options().shown;
     bool isDeformed = shown.deformed;
     if (toggle("Deformed", isDeformed))
-        change([&](Options& options) {
+        change([=, this](Options& options) {
             options.shown.deformed = isDeformed;
             if (options.shown.deformBy.empty() && findDisplacement(m_workspace.shown().model, {}) == nullptr)
                 options.shown.deformBy = m_choices.vectors.front();
@@ -88,11 +88,11 @@ void Panel::layOutDeformation() {
     bool isAutomatic = !shown.deformFactor;
     double factor = m_workspace.shown().deformFactor;
     if (toggle("Factor by size", isAutomatic))
-        change([&](Options& options) {
+        change([=](Options& options) {
             options.shown.deformFactor = isAutomatic ? std::nullopt : std::optional(factor);
         });
     if (widgets::number("Factor", factor))
-        change([&](Options& options) { options.shown.deformFactor = factor; });
+        change([=](Options& options) { options.shown.deformFactor = factor; });
 }
 
 void Panel::layOutAnimation() {
@@ -108,12 +108,12 @@ void Panel::layOutAnimation() {
         slide("Swings a second", m_player.swingsPerSecond, 0.05, 3.0, "%.2f");
         double phase = degrees(m_workspace.phase().value_or(0.0));
         if (slide("Phase", phase, 0.0, 360.0, "%.0f°"))
-            attempt([&] { m_workspace.setPhase(phase * std::numbers::pi / 180.0); });
+            later([=, this] { m_workspace.setPhase(phase * std::numbers::pi / 180.0); });
     }
     if (button(m_player.isPlaying() ? "Stop" : "Play", 0, 2, "Space"))
         m_player.play(!m_player.isPlaying());
     if (button("Whole shape", 1, 2, "the deformation as it is, at rest"))
-        attempt([&] {
+        later([=, this] {
             m_player.play(false);
             m_workspace.setPhase({});
         });
@@ -125,26 +125,26 @@ void Panel::layOutColors() {
     const SceneSettings& scene = options().scene;
     int bands = scene.bands;
     if (slide("Bands", bands, 1, 64))
-        change([&](Options& options) { options.scene.bands = bands; });
+        change([=](Options& options) { options.scene.bands = bands; });
     bool isSmeared = scene.smeared;
     if (toggle("Blended", isSmeared))
-        change([&](Options& options) { options.scene.smeared = isSmeared; });
+        change([=](Options& options) { options.scene.smeared = isSmeared; });
     const auto found = finiteRange(m_workspace.shown().scalars->values);
     if (!found)
         return;
     bool isOwn = scene.range.has_value();
     std::array<double, 2> range = scene.range.value_or(*found);
     if (toggle("Own range", isOwn))
-        change([&](Options& options) { options.scene.range = isOwn ? std::optional(range) : std::nullopt; });
+        change([=](Options& options) { options.scene.range = isOwn ? std::optional(range) : std::nullopt; });
     const bool isHighSet = widgets::number("Highest", range[1]);
     if (widgets::number("Lowest", range[0]) || isHighSet)
-        attempt([&] { setRange(range); });
+        later([=, this] { setRange(range); });
 }
 
 void Panel::setRange(const std::array<double, 2>& range) {
     if (!(range[0] <= range[1]))
         throw ViewerError("range", "the lowest value is above the highest");
-    m_workspace.change([&](Options& options) { options.scene.range = range; });
+    m_workspace.change([=](Options& options) { options.scene.range = range; });
 }
 
 } // namespace nruview

@@ -82,7 +82,6 @@ void buildEnvironment(GLFWwindow* window, Progress& progress, const std::functio
         glfwMakeContextCurrent(nullptr);
     };
     workAside(build, show);
-    NImageBasedLightHandler::SetProgressFunction(nullptr, nullptr);
 }
 
 } // namespace nruview

@@ -35,8 +35,8 @@ void workAside(const std::function<void()>& work, const std::function<void()>& s
 /// "Reading part.vtu (120 MB)"
 std::string readingText(const Options& options);
 
-/// Builds the maps of the environment that lights the workspace's model, unless they are there, in a context
-/// that shares its objects with the window's. GL is this thread's own meanwhile, the library the other's.
+/// Builds the maps of the library's environment, unless they are there, in a context that shares
+/// its objects with the window's. GL is this thread's own meanwhile, the library the other's.
 void buildEnvironment(GLFWwindow* window, Progress& progress, const std::function<void()>& show);
 
 } // namespace nruview

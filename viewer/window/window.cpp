@@ -17,6 +17,7 @@
 #include <memory>
 
 #include "viewer/app/pngwriter.h"
+#include "viewer/bodies/environment.h"
 #include "viewer/error.h"
 #include "viewer/model/samples.h"
 #include "viewer/scene/frame.h"
@@ -35,6 +36,7 @@ namespace {
 
 constexpr double kRest_s = 0.15; ///< the mouse stands still from here on
 constexpr double kFrame_s = 1.0 / 60.0, kCursorBlink_s = 0.4, kLongestStep_s = 0.25;
+constexpr double kWaitFrame_s = 0.1; ///< while something takes long, which is not to be slowed down
 constexpr double kWidestPanel = 0.5; ///< of the window
 constexpr int kFramesToSettle = 2;   ///< Dear ImGui answers an event in the frame after it
 
@@ -65,6 +67,10 @@ public:
     Pixels picture() override;
     bool takeInput(const Words& words) override;
 
+    ~ViewerWindow() override { Environment::setBuilder(nullptr); }
+    ViewerWindow(const ViewerWindow&) = delete;
+    ViewerWindow& operator=(const ViewerWindow&) = delete;
+
 private:
     void connect();
     void open();
@@ -73,7 +79,7 @@ private:
     int panelWidth_px() const;
     void goOn();
     void frame();
-    bool buildEnvironmentWhereNeeded();
+    void makeEnvironment();
     void drawPicture();
     void drawBand();
     void show();
@@ -94,7 +100,7 @@ private:
     const Options m_options;
     Script* const m_script; ///< null: none
     GlWindow m_window;
-    Gui m_gui;
+    Gui m_gui, m_waitGui; ///< the panel, and what is told while something takes long
     KeptPicture m_picture;
     Progress m_progress;
     std::unique_ptr<Stage> m_stage; ///< null while the model is read
@@ -105,14 +111,15 @@ private:
     double m_busySince = 0.0, m_restAt = INFINITY, m_playedAt = 0.0;
     int m_framesDue = 1;
     std::optional<std::array<int, 4>> m_band; ///< that is in the finished picture
-    std::string m_builtEnvironment;
     std::exception_ptr m_failure;
 };
 
 ViewerWindow::ViewerWindow(const Options& options, Script* script)
     : m_options(options), m_script(script), m_window(options.width, options.height, windowTitle(options)),
-      m_gui(m_window.handle()), m_picture(options.samples), m_hasPanel(options.panel) {
+      m_gui(m_window.handle(), true), m_waitGui(m_window.handle(), false), m_picture(options.samples),
+      m_hasPanel(options.panel) {
     connect();
+    Environment::setBuilder([this] { makeEnvironment(); });
     updateSizes();
     m_window.resize(m_options.width + panelWidth_px(), m_options.height);
 }
@@ -128,7 +135,8 @@ int ViewerWindow::panelWidth_px() const {
 /// A minimized window keeps its picture.
 void ViewerWindow::updateSizes() {
     m_scale = m_options.displayScale.value_or(m_window.displayScale());
-    m_gui.setScale(m_scale, m_window.pixelsPerUnit());
+    for (Gui* gui : {&m_gui, &m_waitGui})
+        gui->setScale(m_scale, m_window.pixelsPerUnit());
     const int width = m_window.width(), height = m_window.height();
     if (width == 0 || height == 0)
         return;
@@ -154,20 +162,12 @@ void ViewerWindow::resize(int width, int height) {
 
 // --- the picture and what lies on it -----------------------------------------------------------------------
 
-/// The maps of an environment take seconds: they are made while the window lives. Returns whether frames
-/// were drawn.
-bool ViewerWindow::buildEnvironmentWhereNeeded() {
-    const BodySettings& body = workspace().options().body;
-    const std::string wanted =
-        body.physical && workspace().options().shown.field.empty() ? body.environment : "";
-    if (wanted.empty() || wanted == m_builtEnvironment)
-        return false;
-    m_builtEnvironment = wanted;
-    m_isBusy = true;
+/// The maps of an environment take seconds: they are made while the window lives.
+void ViewerWindow::makeEnvironment() {
+    const bool wasBusy = std::exchange(m_isBusy, true);
     m_busySince = glfwGetTime();
     buildEnvironment(m_window.handle(), m_progress, [this] { waitFrame(); });
-    m_isBusy = false;
-    return true;
+    m_isBusy = wasBusy;
 }
 
 void ViewerWindow::drawPicture() {
@@ -206,7 +206,6 @@ void ViewerWindow::show() {
 /// Everything as the window shows it but for the panel.
 Pixels ViewerWindow::picture() {
     updateSizes();
-    buildEnvironmentWhereNeeded();
     drawPicture();
     drawBand();
     m_picture.bindFinished();
@@ -345,18 +344,20 @@ bool ViewerWindow::takeInput(const Words& words) {
 void ViewerWindow::waitFrame() {
     if (m_window.shouldClose())
         std::_Exit(0); // nobody waits for the work; all that the process has goes with it
-    glfwWaitEventsTimeout(kFrame_s);
+    glfwWaitEventsTimeout(kWaitFrame_s);
     if (!m_stage)
         updateSizes();
-    m_gui.beginFrame();
+    const double perUnit = m_window.pixelsPerUnit();
+    m_waitGui.beginFrame(m_window.width() / perUnit, m_window.height() / perUnit);
     layOutProgress(m_progress.state(), glfwGetTime() - m_busySince);
-    m_gui.endFrame();
+    m_waitGui.endFrame();
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glClearColor(0.945f, 0.949f, 0.957f, 1.0f);
     glClear(GL_COLOR_BUFFER_BIT);
     if (m_stage)
         m_picture.show(m_window.height());
     m_gui.draw();
+    m_waitGui.draw();
     m_window.swap();
     m_picture.beginDrawing();
 }
@@ -410,21 +411,17 @@ void ViewerWindow::goOn() {
 
 void ViewerWindow::frame() {
     m_framesDue = std::max(m_framesDue - 1, 0);
-    m_gui.beginFrame();
-    if (m_hasPanel) {
-        const double perUnit = m_window.pixelsPerUnit(), left = m_picture.width() / perUnit;
-        m_stage->panel.layOut(left, m_window.width() / perUnit - left, m_window.height() / perUnit);
-    }
+    const double perUnit = m_window.pixelsPerUnit(), left = m_picture.width() / perUnit;
+    const double width = m_window.width() / perUnit, height = m_window.height() / perUnit;
+    m_gui.beginFrame(width, height);
+    if (m_hasPanel)
+        m_stage->panel.layOut(left, width - left, height);
     m_gui.endFrame();
+    m_stage->panel.act();
     if (const std::string file = m_stage->panel.takeScreenshot(); !file.empty())
         saveScreenshot(file);
-    if (workspace().needsDrawing()) {
-        if (buildEnvironmentWhereNeeded()) {
-            m_framesDue = kFramesToSettle;
-            return; // what was laid out is gone
-        }
+    if (workspace().needsDrawing())
         drawPicture();
-    }
     show();
 }
 
