@@ -32,13 +32,14 @@ void drawOffscreen(Model model, const Options& options, Script* script) {
     if (options.pick)
         place.workspace().showReadOut((*options.pick)[0], (*options.pick)[1]);
     if (options.animate)
-        return writeAnimation(place, *options.animate, options.output);
-    if (!options.pick && options.output.empty())
+        writeAnimation(place, *options.animate, options.output);
+    const bool hasOutput = !options.output.empty() && !options.animate;
+    if (!options.pick && !hasOutput)
         return;
     const Pixels picture = place.picture();
     if (options.pick)
         std::cout << place.workspace().describeAt((*options.pick)[0], (*options.pick)[1]) << "\n";
-    if (!options.output.empty())
+    if (hasOutput)
         writePng(options.output, picture.width, picture.height, picture.colors);
 }
 

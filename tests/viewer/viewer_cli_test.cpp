@@ -333,3 +333,24 @@ TEST_F(ViewerProgram, ShowsSurfacesWithTheirPartsAndWithoutTheirTriangles) {
     EXPECT_TRUE(contents(".png") == contents("none.png"));
     EXPECT_FALSE(contents(".png") == contents("all.png"));
 }
+
+TEST_F(ViewerProgram, RunsScriptsAndDrawsMotionsWithoutADisplay) {
+    const nrutest::Environment noDisplay = {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}};
+    write("good.txt",
+          "set field T\nset deform 2\nset hide 0\nset hide none\nview xy\nsize 80 60\nprint step\n"
+          "shot '" +
+              path("shot.png") + "'\nquit\nbogus\n");
+    const auto result = nruview("@two.vtk --size 50x50 --script @good.txt", noDisplay);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.output, "step 0 of 1\n");
+    EXPECT_EQ(nruview("@two.vtk --field T --deform 2 --view xy --size 80x60 -o @plain.png").exitCode, 0);
+    EXPECT_EQ(contents("shot.png"), contents("plain.png"));
+    write("bad.txt", "view xy\n\nset field X\n");
+    expectError(nruview("@two.vtk --script @bad.txt -o @x.png", noDisplay), "bad.txt:3: field X: ");
+    expectError(nruview("@two.vtk --script @missing.txt -o @x.png"), "missing.txt: ");
+    expectError(nruview("@two.vtk --animate 3 -o @x.png"), "x.png: ");
+    EXPECT_FALSE(fs::exists(path("x.png")));
+    EXPECT_EQ(nruview("@two.vtk --animate 2:phase --size 40x30 -o @m-%02d.png", noDisplay).exitCode, 0);
+    EXPECT_NE(contents("m-00.png"), contents("m-01.png"));
+    EXPECT_FALSE(contents("m-01.png").empty() || fs::exists(path("m-02.png")));
+}
