@@ -130,6 +130,10 @@ Work sphereMapper(unsigned size) {
     const vtkNew<vtkOpenGLSphereMapper> mapper;
     mapper->SetInputData(glyphs->data);
     mapper->SetScaleArray("radius");
+    const vtkNew<vtkCellArray> cells; // without them there are no bounds, and nothing is drawn
+    for (vtkIdType i = 0; i < static_cast<vtkIdType>(size); ++i)
+        cells->InsertNextCell({i});
+    glyphs->data->SetVerts(cells);
     addActor(mapper);
     return {[=](unsigned turn) {
                 const Markers& markers = (*sets)[turn % kMarkerSets];
