@@ -48,8 +48,8 @@ std::array<float, 4> transform(const Matrix4& a, float x, float y, float z);
 
 /// The unit instance of a shape.
 struct MarkerShape {
-    _Render3DMarkerType type;
-    int sliceCount;
+    _Render3DMarkerType type{};
+    int sliceCount = 0;
     std::vector<float> x, y, z; ///< of the vertices
     struct Triangle {
         std::array<std::uint16_t, 3> corners;

@@ -1,6 +1,7 @@
 // Draws of many 3D markers in one call: which way each is drawn.
 #include <cstring>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <vector>
 
@@ -85,7 +86,7 @@ private:
         const ProgramInUseGuard sectionProgram;
         if (!m_markers.colors.values)
             glGetFloatv(GL_CURRENT_COLOR, m_markers.currentColor.data());
-        const MarkerShape shape = readShape();
+        const MarkerShape& shape = knownShape();
         const MarkerWindow window;
         const bool software = drawsInSoftware();
         const bool hasRays = shape.isSphere() || shape.type == RENDER_3D_MARKER_CYLINDER;
@@ -115,7 +116,8 @@ private:
     /// As points, as outlines and as triangles, each what the ones before leave over: the nearest wins in any
     /// order.
     bool drawPlaced(const MarkerShape& shape, const MarkerWindow& window, bool rays) {
-        std::vector<std::size_t> left(m_markers.count);
+        static std::vector<std::size_t> left; // memory that is kept from call to call
+        left.resize(m_markers.count);
         std::iota(left.begin(), left.end(), std::size_t{0});
         if (rays && window.scalesByDepth() && !drawRays(shape, window, true, left))
             return false;
@@ -169,6 +171,15 @@ private:
                 triangles.add(eye, extent, m_markers.look(i));
         }
         return true;
+    }
+
+    /// The shape as read when its resolution was last another one.
+    const MarkerShape& knownShape() const {
+        static std::map<_Render3DMarkerType, MarkerShape> shapes;
+        MarkerShape& shape = shapes[marker().m_type];
+        if (shape.sliceCount != marker().m_sliceCount || shape.x.empty())
+            shape = readShape();
+        return shape;
     }
 
     MarkerShape readShape() const {

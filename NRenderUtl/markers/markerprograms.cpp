@@ -1,4 +1,4 @@
-// The programs of arrays of markers, each sent a section once.
+// The programs of markers, each sent a section once.
 #include "NRenderUtl/markers/markerprograms.h"
 
 #include <compare>
@@ -53,9 +53,12 @@ void build(ComposedProgram& program, const Variant& variant) {
         changes.defines.push_back("NO_HIGHLIGHTS");
     if (variant.contoured)
         changes.defines.push_back("VALUES_BY_MARKER");
-    else
+    else if (variant.kind != MarkerProgramKind::Single)
         changes.switches.push_back({"g_bct", 0});
     switch (variant.kind) {
+    case MarkerProgramKind::Single:
+        program.buildMarkers(changes);
+        break;
     case MarkerProgramKind::Instances:
         changes.defines.push_back("INSTANCES");
         program.buildMarkers(changes);

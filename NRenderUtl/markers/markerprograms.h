@@ -1,9 +1,10 @@
-// The programs of arrays of markers.
+// The programs of markers for the lights in use.
 #pragma once
 
 #include "NRenderUtl/shaders/nshaders.h"
 
 enum class MarkerProgramKind {
+    Single, ///< contoured or not by a uniform
     Instances,
     Triangles,
     CylinderRays,

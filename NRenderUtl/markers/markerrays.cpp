@@ -148,7 +148,15 @@ std::span<const VertexPart> MarkerRays::parts() {
 MarkerRays::MarkerRays(const NShaderProgram& program, const MarkerWindow& window, const MarkerShape& shape,
                        bool points)
     : m_window(window), m_shape(shape), m_points(points), m_deficit(deficitOf(shape)),
-      m_stream(program, sizeof(Vertex), parts()) {}
+      m_stream(program, sizeof(Vertex), parts()), m_vertices(lists().vertices), m_indices(lists().indices) {
+    m_vertices.clear(); // also of what a lack of memory broke off
+    m_indices.clear();
+}
+
+MarkerRays::Lists& MarkerRays::lists() {
+    static Lists lists;
+    return lists;
+}
 
 MarkerRays::~MarkerRays() {
     flush();

@@ -53,6 +53,13 @@ private:
     const PointGuard m_pointState;
     const float m_deficit; ///< by which the radius of the triangles' outline is smaller, at most, as a share
     MarkerStream m_stream;
-    std::vector<Vertex> m_vertices;
-    std::vector<std::uint16_t> m_indices;
+    std::vector<Vertex>& m_vertices;
+    std::vector<std::uint16_t>& m_indices;
+
+    /// Memory that is kept from call to call.
+    struct Lists {
+        std::vector<Vertex> vertices;
+        std::vector<std::uint16_t> indices;
+    };
+    static Lists& lists();
 };

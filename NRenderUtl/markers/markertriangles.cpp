@@ -51,11 +51,18 @@ std::span<const VertexPart> MarkerTriangles::parts() {
 MarkerTriangles::MarkerTriangles(const NShaderProgram& program, const MarkerWindow& window,
                                  const MarkerShape& shape)
     : m_window(window), m_shape(shape), m_stream(program, sizeof(Vertex), parts()) {
+    m_vertices.clear(); // also of what a lack of memory broke off
+    m_indices.clear();
     const std::size_t count = shape.x.size();
     for (std::vector<float>* values : {&m_x, &m_y, &m_z, &m_across, &m_up})
         values->resize(count);
     for (std::vector<std::int32_t>* values : {&m_column, &m_row, &m_used})
         values->resize(count);
+}
+
+MarkerTriangles::Lists& MarkerTriangles::lists() {
+    static Lists lists;
+    return lists;
 }
 
 MarkerTriangles::~MarkerTriangles() {

@@ -39,13 +39,22 @@ private:
     const MarkerWindow& m_window;
     const MarkerShape& m_shape;
     MarkerStream m_stream;
-    std::vector<Vertex> m_vertices;
-    std::vector<std::uint16_t> m_indices;
+    /// Memory that is kept from call to call.
+    struct Lists {
+        std::vector<Vertex> vertices;
+        std::vector<std::uint16_t> indices;
+        // Of the marker being added.
+        std::vector<float> x, y, z;            ///< eye space
+        std::vector<float> across, up;         ///< window, from the centre of pixel 0
+        std::vector<std::int32_t> column, row; ///< of the centre before a vertex; near one, the vertex's own
+        std::vector<std::int32_t> used;        ///< index of the vertex, -1 for none
+    };
+    static Lists& lists();
 
-    // Of the marker being added.
-    std::array<std::array<float, 3>, 3> m_normals; ///< the cofactors of its matrix
-    std::vector<float> m_x, m_y, m_z;              ///< eye space
-    std::vector<float> m_across, m_up;             ///< window, from the centre of pixel 0
-    std::vector<std::int32_t> m_column, m_row; ///< of the centre before a vertex; near one, the vertex's own
-    std::vector<std::int32_t> m_used;          ///< index of the vertex, -1 for none
+    std::vector<Vertex>& m_vertices = lists().vertices;
+    std::vector<std::uint16_t>& m_indices = lists().indices;
+    std::vector<float>&m_x = lists().x, &m_y = lists().y, &m_z = lists().z;
+    std::vector<float>&m_across = lists().across, &m_up = lists().up;
+    std::vector<std::int32_t>&m_column = lists().column, &m_row = lists().row, &m_used = lists().used;
+    std::array<std::array<float, 3>, 3> m_normals; ///< the cofactors of the marker's matrix
 };

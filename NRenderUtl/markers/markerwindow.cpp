@@ -5,6 +5,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <limits>
+#include <span>
 
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostmath.h"
@@ -97,17 +98,19 @@ void MarkerWindow::readPlanes(bool clipped) {
             sum[k] += sign * other[k];
         return sum;
     };
-    m_cutting = {plane(2, 1), plane(2, -1)};
+    m_cutting[0] = plane(2, 1);
+    m_cutting[1] = plane(2, -1);
+    m_cuttingCount = 2;
     m_sides = {plane(0, 1), plane(0, -1), plane(1, 1), plane(1, -1)};
     const GLint count = clipped ? integer(GL_MAX_CLIP_PLANES) : 0;
-    for (GLint i = 0; i < count; ++i) {
+    for (GLint i = 0; i < count && m_cuttingCount < m_cutting.size(); ++i) {
         const GLenum name = GL_CLIP_PLANE0 + static_cast<GLenum>(i);
         GLdouble p[4];
         if (glIsEnabled(name) == GL_FALSE)
             continue;
         glGetClipPlane(name, p);
-        m_cutting.push_back({static_cast<float>(p[0]), static_cast<float>(p[1]), static_cast<float>(p[2]),
-                             static_cast<float>(p[3])});
+        m_cutting[m_cuttingCount++] = {static_cast<float>(p[0]), static_cast<float>(p[1]),
+                                       static_cast<float>(p[2]), static_cast<float>(p[3])};
     }
 }
 
@@ -154,7 +157,7 @@ MarkerExtent MarkerWindow::extent(const MarkerShape& shape, const Matrix4& eye) 
             return MarkerExtent::Outside;
     }
     MarkerExtent extent = MarkerExtent::Inside;
-    for (const Plane4& plane : m_cutting) {
+    for (const Plane4& plane : std::span(m_cutting).first(m_cuttingCount)) {
         measure(plane);
         if (distance + reach < 0)
             return MarkerExtent::Outside;

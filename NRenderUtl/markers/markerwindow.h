@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <vector>
 
 #include "NRenderUtl/markers/markerarray.h"
 
@@ -53,7 +52,9 @@ private:
 
     Matrix4 m_modelView, m_projection, m_unprojection;
     std::array<float, 2> m_scale, m_offset;
-    std::vector<Plane4> m_cutting, m_sides;
+    std::array<Plane4, 2 + 32> m_cutting; ///< near, far, and those of the user
+    std::size_t m_cuttingCount = 0;
+    std::array<Plane4, 4> m_sides;
     bool m_onlyFronts = false, m_onlyCentres = false, m_rays = false, m_byDepth = false;
     float m_handedness = 1;
     Plane4 m_viewpoint{};

@@ -7,6 +7,7 @@
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/markers/markercolors.h"
+#include "NRenderUtl/markers/markerprograms.h"
 #include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/markers/nmarkers.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
@@ -28,6 +29,7 @@ struct RendererState {
     MarkerSection section{};
     bool canDraw = false; ///< a context was current when the section began
     HostState host;
+    NShaderProgram* program = nullptr; ///< that draws the markers of the open section one by one
 };
 
 RendererState& state() {
@@ -176,7 +178,7 @@ void N3DMarkerRenderer::Begin(_Render3DMarkerType type, _Render3DMarkerShape sha
     const bool byProgram = m_pShader && m_pShader->IsProgramValid() && state().canDraw;
     if (byProgram)
         beginProgram();
-    m_pMarker->Begin(byProgram ? m_pShader : nullptr, shape);
+    m_pMarker->Begin(byProgram ? state().program : nullptr, shape);
 }
 
 void N3DMarkerRenderer::beginProgram() {
@@ -184,10 +186,14 @@ void N3DMarkerRenderer::beginProgram() {
     readPaletteColor(kHighlightIndex, markerColors().highlight);
     setHostStateAside();
     m_bShaderActive = 1;
-    m_pShader->UseProgram(true);
     readSection(m_bClip);
-    setSectionUniforms(*m_pShader);
-    const int position = m_pShader->GetVertexAttributeLocation(RenderAttribPosition);
+    state().program = useMarkerProgram(MarkerProgramKind::Single, false);
+    if (!state().program) {
+        state().program = m_pShader; // for any lights
+        m_pShader->UseProgram(true);
+        setSectionUniforms(*m_pShader);
+    }
+    const int position = state().program->GetVertexAttributeLocation(RenderAttribPosition);
     if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
         glVertexAttribDivisor(static_cast<GLuint>(position), 0);
 }
@@ -195,7 +201,7 @@ void N3DMarkerRenderer::beginProgram() {
 /// Unbinds the shape, whose enabled attribute would otherwise reach what is drawn next.
 void N3DMarkerRenderer::leaveShape() {
     if (m_bShaderActive && m_pShader && m_pMarker && state().canDraw)
-        m_pMarker->End(m_pShader);
+        m_pMarker->End(state().program);
 }
 
 int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vector, float lengthScale,
@@ -208,7 +214,7 @@ int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vec
         ngl_get_floats_from_color_long(*color, rgba[0], rgba[1], rgba[2]);
     else
         glGetFloatv(GL_CURRENT_COLOR, rgba);
-    NShaderProgram* program = m_bShaderActive ? m_pShader : nullptr;
+    NShaderProgram* program = m_bShaderActive ? state().program : nullptr;
     if (program)
         setBlendingUniforms(*program);
     // The shapes' interface takes pointers to what they only read.

@@ -1,16 +1,47 @@
 // Uniforms of the program in use: by name, by enumeration, and whole records.
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostmath.h"
-#include "NRenderUtl/host/hostutl.h"
 #include "NRenderUtl/shaders/nshaders.h"
 #include "NRenderUtl/shaders/shadernames.h"
 
 namespace {
 
 constexpr int kMaxLights = 8; ///< size of the light arrays in GLSL
+
+/// Names of the members of one light, put together once.
+struct LightNames {
+    explicit LightNames(int i) {
+        const std::string light = "g_lights[" + std::to_string(i) + "].",
+                          physical = "g_pbrlights[" + std::to_string(i) + "].";
+        status = light + "status";
+        position = light + "position";
+        ambient = light + "ambient";
+        diffuse = light + "diffuse";
+        specular = light + "specular";
+        constant = light + "constattn";
+        linear = light + "linattn";
+        quadratic = light + "quadattn";
+        physicalStatus = physical + "status";
+        physicalPosition = physical + "position";
+    }
+    std::string status, position, ambient, diffuse, specular, constant, linear, quadratic;
+    std::string physicalStatus, physicalPosition;
+};
+
+const LightNames& namesOfLight(int i) {
+    static const std::vector<LightNames> names = [] {
+        std::vector<LightNames> made;
+        for (int light = 0; light < kMaxLights; ++light)
+            made.emplace_back(light);
+        return made;
+    }();
+    return names[static_cast<std::size_t>(i)];
+}
 
 GLint locationOf(std::int32_t program, const char* name) {
     return program > 0 && name ? glGetUniformLocation(static_cast<GLuint>(program), name) : -1;
@@ -104,24 +135,25 @@ void NShaderProgram::SetMVPMatrices(float* projection, float* modelView, bool no
 void NShaderProgram::SetLightUniforms(int count, NglLightParams* lights) {
     for (int i = 0; i < std::min(count, kMaxLights); ++i) {
         NglLightParams& light = lights[i];
-        const auto member = [&](const char* field) { return hostFormat("g_lights[%d].%s", i, field); };
-        SetUniformValue(member("status").c_str(), light.enabled);
+        const LightNames& names = namesOfLight(i);
+        SetUniformValue(names.status.c_str(), light.enabled);
         if (light.enabled == 0)
             continue;
-        SetVec4UniformValue(member("position").c_str(), light.position);
-        SetVec4UniformValue(member("ambient").c_str(), light.ambient);
-        SetVec4UniformValue(member("diffuse").c_str(), light.diffuse);
-        SetVec4UniformValue(member("specular").c_str(), light.specular);
-        SetUniformValue(member("constattn").c_str(), light.constantAttenuation);
-        SetUniformValue(member("linattn").c_str(), light.linearAttenuation);
-        SetUniformValue(member("quadattn").c_str(), light.quadraticAttenuation);
+        SetVec4UniformValue(names.position.c_str(), light.position);
+        SetVec4UniformValue(names.ambient.c_str(), light.ambient);
+        SetVec4UniformValue(names.diffuse.c_str(), light.diffuse);
+        SetVec4UniformValue(names.specular.c_str(), light.specular);
+        SetUniformValue(names.constant.c_str(), light.constantAttenuation);
+        SetUniformValue(names.linear.c_str(), light.linearAttenuation);
+        SetUniformValue(names.quadratic.c_str(), light.quadraticAttenuation);
     }
 }
 
 void NShaderProgram::SetPBRLightUniforms(int count, NglLightParams* lights) {
     for (int i = 0; i < std::min(count, kMaxLights); ++i) {
-        SetUniformValue(hostFormat("g_pbrlights[%d].status", i).c_str(), lights[i].enabled);
-        SetVec4UniformValue(hostFormat("g_pbrlights[%d].position", i).c_str(), lights[i].position);
+        const LightNames& names = namesOfLight(i);
+        SetUniformValue(names.physicalStatus.c_str(), lights[i].enabled);
+        SetVec4UniformValue(names.physicalPosition.c_str(), lights[i].position);
     }
 }
 
