@@ -76,12 +76,13 @@ class ElementPrograms::Bindings {
 public:
     Bindings() = default;
     ~Bindings() {
-        for (auto saved = m_saved.rbegin(); saved != m_saved.rend(); ++saved) {
-            glActiveTexture(saved->first);
-            glBindTexture(GL_TEXTURE_BUFFER, static_cast<GLuint>(saved->second));
-        }
-        if (m_saved.empty())
+        if (m_count == 0)
             return;
+        while (m_count > 0) {
+            const auto& [unit, texture] = m_saved[--m_count];
+            glActiveTexture(unit);
+            glBindTexture(GL_TEXTURE_BUFFER, static_cast<GLuint>(texture));
+        }
         glActiveTexture(static_cast<GLenum>(m_activeUnit));
         if (m_buffer != 0)
             glBindBuffer(GL_TEXTURE_BUFFER, static_cast<GLuint>(m_buffer));
@@ -91,7 +92,7 @@ public:
 
     /// Makes the unit of a texture active, to be bound there.
     void open(const ElementTexture& texture) {
-        if (m_saved.empty()) {
+        if (m_count == 0) {
             glGetIntegerv(GL_ACTIVE_TEXTURE, &m_activeUnit);
             glGetIntegerv(GL_TEXTURE_BUFFER, &m_buffer); // what creating and updating leave unbound
         }
@@ -99,12 +100,14 @@ public:
         GLint bound = 0;
         glActiveTexture(unit);
         glGetIntegerv(GL_TEXTURE_BINDING_BUFFER, &bound);
-        m_saved.push_back({unit, bound});
+        m_saved[m_count++] = {unit, bound};
     }
 
 private:
     GLint m_activeUnit = 0, m_buffer = 0;
-    std::vector<std::pair<GLenum, GLint>> m_saved;
+    /// The facts, the block, and elements and normals of two pieces at most.
+    std::array<std::pair<GLenum, GLint>, FactCount + 5> m_saved;
+    std::size_t m_count = 0;
 };
 
 ElementPrograms::ElementPrograms()
@@ -136,31 +139,31 @@ ElementPrograms::Piece ElementPrograms::ownPiece(const ElementSurface& surface, 
             derived ? &m_derived : nullptr};
 }
 
-std::vector<ElementPrograms::Piece> ElementPrograms::piecesOf(const ElementSurface& surface,
-                                                              ElementPlan& plan) {
+void ElementPrograms::findPieces(const ElementSurface& surface, ElementPlan& plan) {
+    m_pieces.clear();
     if (plan.way == ElementWay::Attribute) {
         const Piece piece = ownPiece(surface, plan);
-        if (piece.program.IsProgramValid())
-            return {piece};
+        if (piece.program.IsProgramValid()) {
+            m_pieces.push_back(piece);
+            return;
+        }
         plan.way = ElementWay::Mesh;
     }
-    const auto catalogued = [&](_RenderingShaderType type, ElementNumbering numbering, GLenum mode,
-                                RenderGLBuffer& indices, std::size_t count, ElementTexture& texture) {
+    const auto add = [&](_RenderingShaderType type, ElementNumbering numbering, GLenum mode,
+                         RenderGLBuffer& indices, std::size_t count, ElementTexture& texture) {
         const bool derived = plan.needsElements() && !countsElements(surface, numbering);
-        return Piece{*RenderingGetShaderProgram(type), nullptr, numbering, mode, indices, count,
-                     derived ? &texture : nullptr};
+        m_pieces.push_back({*RenderingGetShaderProgram(type), nullptr, numbering, mode, indices, count,
+                            derived ? &texture : nullptr});
     };
     if (plan.way == ElementWay::Mesh || surface.quadCount == 0 || plan.look == ElementLook::Facets)
-        return {catalogued(plan.way == ElementWay::Mesh ? RenderShaderMesh : RenderShaderMeshTriangles,
-                           ElementNumbering::Triangles, GL_TRIANGLES, m_buffers.triangles,
-                           triangleIndexCount(surface), m_derived)};
-    std::vector<Piece> pieces; // in the order of the faces, which transparency shows
-    if (surface.triangleCount > 0)
-        pieces.push_back(catalogued(RenderShaderMeshTriangles, ElementNumbering::Faces, GL_TRIANGLES,
-                                    m_buffers.triangles, 3 * std::size_t{surface.triangleCount}, m_derived));
-    pieces.push_back(catalogued(RenderShaderMeshQuads, ElementNumbering::Quads, GL_LINES_ADJACENCY,
-                                m_buffers.quads, 4 * std::size_t{surface.quadCount}, m_derivedQuads));
-    return pieces;
+        return add(plan.way == ElementWay::Mesh ? RenderShaderMesh : RenderShaderMeshTriangles,
+                   ElementNumbering::Triangles, GL_TRIANGLES, m_buffers.triangles,
+                   triangleIndexCount(surface), m_derived);
+    if (surface.triangleCount > 0) // in the order of the faces, which transparency shows
+        add(RenderShaderMeshTriangles, ElementNumbering::Faces, GL_TRIANGLES, m_buffers.triangles,
+            3 * std::size_t{surface.triangleCount}, m_derived);
+    add(RenderShaderMeshQuads, ElementNumbering::Quads, GL_LINES_ADJACENCY, m_buffers.quads,
+        4 * std::size_t{surface.quadCount}, m_derivedQuads);
 }
 
 // --- buffers and textures ----------------------------------------------------------------------------------
@@ -227,12 +230,12 @@ bool ElementPrograms::updateFacts(const ElementScene& scene, const ElementPlan& 
 /// The parameters of the own program.
 bool ElementPrograms::updateBlock(const ElementScene& scene, Bindings& bindings) {
     const auto& entries = scene.values.entries;
-    std::vector<BlockTexel> block = makeParameterBlock(blockLighting(), entries ? &*entries : nullptr);
+    std::array<BlockTexel, kParameterBlockSize> block;
+    putParameterBlock(blockLighting(), entries ? &*entries : nullptr, block);
     const auto count = static_cast<std::uint32_t>(block.size());
-    const std::size_t bytes = block.size() * sizeof(BlockTexel);
-    if (m_blockTexels.empty() || std::memcmp(block.data(), m_blockTexels.data(), bytes) != 0)
+    if (m_blockTexels.empty() || std::memcmp(block.data(), m_blockTexels.data(), sizeof block) != 0)
         m_block.changed({0, count});
-    m_blockTexels = std::move(block);
+    m_blockTexels.assign(block.begin(), block.end());
     bindings.open(m_block);
     if (!m_block.store(m_block.stale(count), count, m_blockTexels.data()))
         return false;
@@ -304,8 +307,8 @@ bool ElementPrograms::draw(const ElementScene& scene, const double modelView[16]
     std::optional<ElementPlan> plan = planElements(scene);
     if (!plan)
         return true;
-    const std::vector<Piece> pieces = piecesOf(scene.surface, *plan);
-    const Frame frame{scene, *plan, pieces};
+    findPieces(scene.surface, *plan);
+    const Frame frame{scene, *plan, m_pieces};
     const ProgramInUseGuard program;
     const OwnArraysGuard arrays;
     const PlainIndicesGuard indices;

@@ -44,7 +44,7 @@ private:
 
     Piece ownPiece(const ElementSurface& surface, const ElementPlan& plan);
     /// Takes another way where the driver refuses the plan's.
-    std::vector<Piece> piecesOf(const ElementSurface& surface, ElementPlan& plan);
+    void findPieces(const ElementSurface& surface, ElementPlan& plan);
     bool updateBuffers(const Frame& frame);
     bool updateFacts(const ElementScene& scene, const ElementPlan& plan, Bindings& bindings);
     bool updateBlock(const ElementScene& scene, Bindings& bindings);
@@ -61,4 +61,5 @@ private:
     ElementTexture m_derived, m_derivedQuads, m_normals;
     ElementTexture m_block;
     std::vector<BlockTexel> m_blockTexels; ///< as uploaded
+    std::vector<Piece> m_pieces;           ///< of the draw, in memory that is kept from frame to frame
 };

@@ -32,13 +32,32 @@ int contourType(const ElementPlan& plan) {
     return plan.smeared ? kSmearedContour : kBandedContour;
 }
 
-MeshProgramVariant variantOf(const ElementPlan& plan, bool derived) {
+/// What tells the own programs apart, which a frame looks up without making a variant.
+struct ProgramKey {
+    std::array<int, std::tuple_size_v<ElementSwitches>> switches;
+    bool highlights = false;
+    LightKinds lights{};
+    auto operator<=>(const ProgramKey&) const = default;
+};
+
+ProgramKey keyOf(const ElementPlan& plan, const ElementSwitches& switches) {
+    ProgramKey key;
+    std::ranges::transform(switches, key.switches.begin(), &ElementSwitch::value);
+    if (plan.look != ElementLook::Unlit) {
+        key.highlights = hasHighlights(blockLighting());
+        key.lights = kindsOfLights(blockLighting());
+    }
+    return key;
+}
+
+MeshProgramVariant variantOf(const ElementSwitches& switches, const ProgramKey& key) {
     MeshProgramVariant variant;
-    for (const ElementSwitch& fixed : switchesOf(plan, derived))
+    for (const ElementSwitch& fixed : switches)
         variant.switches.push_back({kUniformNames[fixed.uniform], fixed.value});
     variant.switches.push_back({"g_use_clr_scale", 1});
     variant.block = true;
-    variant.highlights = plan.look != ElementLook::Unlit && hasHighlights(blockLighting());
+    variant.highlights = key.highlights;
+    variant.lights = key.lights;
     variant.windingNormals = true;
     return variant;
 }
@@ -55,37 +74,41 @@ bool fetchesNormals(const ElementPlan& plan) {
            (plan.way == ElementWay::Mesh && plan.look == ElementLook::Facets);
 }
 
-std::vector<ElementSwitch> switchesOf(const ElementPlan& plan, bool derived) {
-    return {{RenderUniformSmooth, plan.look == ElementLook::Smooth},
-            {RenderUniformNormalWithoutSharp, 1},
-            {RenderUniformUseElementNormals, fetchesNormals(plan)},
-            {RenderUniformLightsOff, plan.look == ElementLook::Unlit},
-            {RenderUniformUnlit, 0}, // that switch would paint elements over front and back colours
-            {RenderUniformPhysicallyBased, 0},
-            {RenderUniformClipped, 1},
-            {RenderUniformFrontBackColors, plan.facing},
-            // Opaque faces too: the alpha of an element's own colour is not one.
-            {RenderUniformTransparent, 1},
-            {RenderUniformContour, plan.contour},
-            {RenderUniformContourType, contourType(plan)},
-            {RenderUniformAllVisible, !plan.hidden},
-            {RenderUniformSelection, plan.selected},
-            {RenderUniformElementColors, plan.colored},
-            {RenderUniformClipFlag, plan.clipFlag},
-            {RenderUniformFailureTest, plan.failureMode != 0},
-            {RenderUniformFailureMode, plan.failureMode},
-            {RenderUniformFailingConnectivity, 0},
-            {RenderUniformDerivedConnectivity, derived},
-            {RenderUniformDerivedVisibility, 0}};
+ElementSwitches switchesOf(const ElementPlan& plan, bool derived) {
+    return {{{RenderUniformSmooth, plan.look == ElementLook::Smooth},
+             {RenderUniformNormalWithoutSharp, 1},
+             {RenderUniformUseElementNormals, fetchesNormals(plan)},
+             {RenderUniformLightsOff, plan.look == ElementLook::Unlit},
+             {RenderUniformUnlit, 0}, // that switch would paint elements over front and back colours
+             {RenderUniformPhysicallyBased, 0},
+             {RenderUniformClipped, 1},
+             {RenderUniformFrontBackColors, plan.facing},
+             // Opaque faces too: the alpha of an element's own colour is not one.
+             {RenderUniformTransparent, 1},
+             {RenderUniformContour, plan.contour},
+             {RenderUniformContourType, contourType(plan)},
+             {RenderUniformAllVisible, !plan.hidden},
+             {RenderUniformSelection, plan.selected},
+             {RenderUniformElementColors, plan.colored},
+             {RenderUniformClipFlag, plan.clipFlag},
+             {RenderUniformFailureTest, plan.failureMode != 0},
+             {RenderUniformFailureMode, plan.failureMode},
+             {RenderUniformFailingConnectivity, 0},
+             {RenderUniformDerivedConnectivity, derived},
+             {RenderUniformDerivedVisibility, 0}}};
 }
 
 ElementProgram& ownProgram(const ElementPlan& plan, bool derived) {
-    static std::map<const NShaderProgram*, ElementProgram> known;
-    NShaderProgram& program = elementMeshProgram(variantOf(plan, derived));
-    const auto [found, isNew] = known.try_emplace(&program, ElementProgram{program});
-    if (isNew && program.IsProgramValid())
-        found->second.numberLocation = program.GetVertexAttributeLocation(kElementAttribute);
-    return found->second;
+    static std::map<ProgramKey, ElementProgram> known;
+    const ElementSwitches switches = switchesOf(plan, derived);
+    const ProgramKey key = keyOf(plan, switches);
+    if (const auto found = known.find(key); found != known.end())
+        return found->second;
+    NShaderProgram& program = elementMeshProgram(variantOf(switches, key));
+    ElementProgram& made = known.try_emplace(key, ElementProgram{program}).first->second;
+    if (program.IsProgramValid())
+        made.numberLocation = program.GetVertexAttributeLocation(kElementAttribute);
+    return made;
 }
 
 // --- setting -----------------------------------------------------------------------------------------------

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <optional>
-#include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/mesh/elementplan.h"
@@ -17,7 +16,8 @@ struct ElementSwitch {
     int value;
 };
 /// derived: primitives count something else than elements.
-std::vector<ElementSwitch> switchesOf(const ElementPlan& plan, bool derived);
+using ElementSwitches = std::array<ElementSwitch, 20>;
+ElementSwitches switchesOf(const ElementPlan& plan, bool derived);
 /// Whether normals are fetched by primitive: the geometry stages make them, and the own programs those of
 /// triangles.
 bool fetchesNormals(const ElementPlan& plan);

@@ -39,9 +39,8 @@ MeshRendererBlock::Texels lightDirections(const NglLightParams (&lights)[8]) {
 }
 
 MeshRendererBlock::Texels classicTexels(const BlockLighting& lighting) {
-    const std::vector<BlockTexel> made = makeParameterBlock(lighting, nullptr);
     MeshRendererBlock::Texels texels;
-    std::copy_n(made.begin(), texels.size(), texels.begin());
+    putLighting(lighting, texels);
     return texels;
 }
 
@@ -82,13 +81,14 @@ NShaderProgram& MeshRendererPrograms::classic() {
     if (!isLitOpaque(info) || !m_block.isUsable())
         return *this;
     const bool highlights = hasHighlights(lighting);
-    NShaderProgram& program =
-        built(highlights ? m_classic : m_classicWithoutHighlights, [=](ComposedProgram& variant) {
-            SourceChanges changes{{}, {{"g_usepbrmat", 0}, {"g_lightsOff", 0}}, true};
-            if (!highlights)
-                changes.defines.push_back("NO_HIGHLIGHTS");
-            variant.buildMeshRenderer(changes);
-        });
+    const LightKinds lights = kindsOfLights(lighting);
+    NShaderProgram& program = built(m_classic[{lights, highlights}], [=](ComposedProgram& variant) {
+        SourceChanges changes{{}, {{"g_usepbrmat", 0}, {"g_lightsOff", 0}}, true};
+        if (!highlights)
+            changes.defines.push_back("NO_HIGHLIGHTS");
+        defineLights(changes.defines, lights);
+        variant.buildMeshRenderer(changes);
+    });
     if (&program == this)
         return program;
     m_block.set(classicTexels(lighting));

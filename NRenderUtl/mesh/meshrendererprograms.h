@@ -2,7 +2,9 @@
 // picture that do a part.
 #pragma once
 
+#include <map>
 #include <optional>
+#include <utility>
 
 #include "NRenderUtl/lighting/nlighting.h"
 #include "NRenderUtl/mesh/meshrendererblock.h"
@@ -52,7 +54,8 @@ private:
     NShaderProgram& choose();
 
     Variant m_rig, m_environment;
-    Variant m_classic, m_classicWithoutHighlights;
+    std::map<std::pair<LightKinds, bool>, Variant>
+        m_classic; ///< by the lights, and whether they make highlights
     MeshRendererBlock m_block;
     bool m_readsBlock = false;
     NShaderProgram* m_selected = this;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "NRenderUtl/shaders/blocklayout.h"
-
 namespace {
 
 BlockTexel texel(const float rgb[4], float last) {
@@ -44,17 +42,34 @@ bool hasHighlights(const BlockLighting& lighting) {
            !(isBlack(lighting.front.specular) && isBlack(lighting.back.specular));
 }
 
-std::vector<BlockTexel> makeParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries) {
-    std::vector<BlockTexel> block(BlockEntries + kMostScaleEntries, BlockTexel{});
+LightKinds kindsOfLights(const BlockLighting& lighting) {
+    LightKinds kinds{0, false};
+    for (const NglLightParams& light : lighting.lights) {
+        kinds.count += isOn(light);
+        kinds.attenuated |= isOn(light) && (light.constantAttenuation != 1 || light.linearAttenuation != 0 ||
+                                            light.quadraticAttenuation != 0);
+    }
+    kinds.count = std::max(kinds.count, 1);
+    return kinds;
+}
+
+void putLighting(const BlockLighting& lighting, std::span<BlockTexel, BlockEntries> block) {
+    std::ranges::fill(block, BlockTexel{});
     for (int k = 0; k < 3; ++k)
         block[BlockEmission][k] = lighting.front.emission[k] + lighting.back.emission[k];
     block[BlockFront] = texel(lighting.front.specular, lighting.front.shininess);
     block[BlockBack] = texel(lighting.back.specular, lighting.back.shininess);
     putLights(lighting.lights, &block[BlockLights]);
+}
+
+void putParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries,
+                       std::span<BlockTexel, kParameterBlockSize> block) {
+    putLighting(lighting, block.first<BlockEntries>());
+    auto next = block.begin() + BlockEntries;
     if (entries)
-        std::transform(entries->entries.begin(), entries->entries.end(), block.begin() + BlockEntries,
-                       [](const ScaleEntry& e) {
-                           return BlockTexel{e.start, e.end, e.color, e.smearedTo};
-                       });
-    return block;
+        next =
+            std::transform(entries->entries.begin(), entries->entries.end(), next, [](const ScaleEntry& e) {
+                return BlockTexel{e.start, e.end, e.color, e.smearedTo};
+            });
+    std::fill(next, block.end(), BlockTexel{});
 }

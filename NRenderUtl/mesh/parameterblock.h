@@ -3,10 +3,11 @@
 
 #include <array>
 #include <span>
-#include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/mesh/scaleentries.h"
+#include "NRenderUtl/shaders/blocklayout.h"
+#include "NRenderUtl/shaders/meshprograms.h"
 
 using BlockTexel = std::array<float, 4>;
 
@@ -19,6 +20,12 @@ struct BlockLighting {
 
 /// Whether any highlight can be seen.
 bool hasHighlights(const BlockLighting& lighting);
-/// The texels as blocklayout.h lays them out, always as many. entries: null without a scale. Throws
-/// std::bad_alloc.
-std::vector<BlockTexel> makeParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries);
+/// Where none is on, the block has one light, which gives nothing.
+LightKinds kindsOfLights(const BlockLighting& lighting);
+
+constexpr std::size_t kParameterBlockSize = BlockEntries + kMostScaleEntries;
+/// Writes the texels as blocklayout.h lays them out: BlockEntries of the lighting, the rest of the scale, or
+/// zeros.
+void putLighting(const BlockLighting& lighting, std::span<BlockTexel, BlockEntries> block);
+void putParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries,
+                       std::span<BlockTexel, kParameterBlockSize> block);

@@ -5,6 +5,13 @@
 
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
+void defineLights(std::vector<std::string>& defines, const LightKinds& lights) {
+    if (lights.count > 0)
+        defines.push_back("LIGHTS " + std::to_string(lights.count));
+    if (!lights.attenuated)
+        defines.push_back("NO_ATTENUATION");
+}
+
 NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
     struct Entry {
         bool tried = false;
@@ -17,6 +24,7 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
         SourceChanges changes{{"ELEMENT_ATTRIBUTE"}, variant.switches, variant.block};
         if (!variant.highlights)
             changes.defines.push_back("NO_HIGHLIGHTS");
+        defineLights(changes.defines, variant.lights);
         if (variant.windingNormals)
             changes.defines.push_back("WINDING_NORMALS");
         entry.program.build(RenderShaderMesh, changes);

@@ -14,6 +14,13 @@ struct FixedSwitch {
     auto operator<=>(const FixedSwitch&) const = default;
 };
 
+/// What a program may know of the lights that are on, which spares it a loop and a division.
+struct LightKinds {
+    int count = 0; ///< 0: any number
+    bool attenuated = true;
+    auto operator<=>(const LightKinds&) const = default;
+};
+
 /// What is compiled into a program rather than read: a driver without a GPU computes both sides of every
 /// switch, for every fragment.
 struct MeshProgramVariant {
@@ -23,6 +30,7 @@ struct MeshProgramVariant {
     /// offset.
     bool block = false;
     bool highlights = true; ///< with a block: not all are black
+    LightKinds lights{};    ///< with a block
     /// Normals that the program derives point to the side that the winding says, as those of geometry stages
     /// do, rather than away from the viewer.
     bool windingNormals = false;
@@ -38,3 +46,6 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant = {});
 
 inline constexpr const char* kElementAttribute = "g_elem_attrib";
 inline constexpr const char* kEntriesUniform = "g_entries";
+
+/// The defines of blocklighting.glsl for lights.
+void defineLights(std::vector<std::string>& defines, const LightKinds& lights);

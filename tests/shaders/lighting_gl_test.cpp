@@ -142,19 +142,25 @@ TEST_F(ShaderLighting, ClassicModelFollowsTheRules) {
 TEST_F(ShaderLighting, ClassicModelFromABlockFollowsTheRules) {
     constexpr double kTolerance = 2e-5; // as above
     settings.transparent = 1;           // the block lights no alpha
-    for (const bool highlights : {true, false}) {
-        program = &elementMeshProgram({.block = true, .highlights = highlights});
+    for (const auto& [highlights, known] :
+         {std::pair{true, false}, {false, false}, {true, true}, {false, true}})
         for (const unsigned mask : {0u, 1u << 5, 0xC9u, 0xFFu})
             for (const double strength : {0.25, 4.0}) {
                 Lighting lighting = makeLighting(mask, strength);
+                if (known && mask == 0xC9u) // not attenuated
+                    for (NglLightParams& light : lighting.lights)
+                        light.constantAttenuation = 1,
+                        light.linearAttenuation = light.quadraticAttenuation = 0;
                 if (!highlights)
                     for (NglMatParams* side : {&lighting.front, &lighting.back})
                         std::fill_n(side->specular, 3, 0.0f);
-                EXPECT_EQ(hasHighlights({lighting.lights, lighting.front, lighting.back}),
-                          highlights && mask != 0);
+                const BlockLighting block{lighting.lights, lighting.front, lighting.back};
+                EXPECT_EQ(hasHighlights(block), highlights && mask != 0);
+                const LightKinds kinds = known ? kindsOfLights(block) : LightKinds{};
+                EXPECT_EQ(kinds.attenuated, !known || (mask != 0 && mask != 0xC9u));
+                program = &elementMeshProgram({.block = true, .highlights = highlights, .lights = kinds});
                 expectRules("block", lighting, kTolerance);
             }
-    }
 }
 
 TEST_F(ShaderLighting, PhysicallyBasedModelFollowsTheRules) {

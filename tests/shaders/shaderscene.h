@@ -199,9 +199,10 @@ private:
         if (unitOf("g_block") < 0)
             return;
         const auto entries = makeScaleEntries(m_scale);
-        texels("g_block", GL_RGBA32F,
-               makeParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back},
-                                  entries ? &*entries : nullptr));
+        std::vector<BlockTexel> block(kParameterBlockSize);
+        putParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back},
+                          entries ? &*entries : nullptr, std::span<BlockTexel, kParameterBlockSize>(block));
+        texels("g_block", GL_RGBA32F, block);
         if (entries)
             set(kEntriesUniform,
                 glm::vec3(entries->entries.size() - 1, entries->guessFactor, entries->guessOffset));

@@ -23,7 +23,11 @@ bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, ino
     vec3 toLight = place.xyz - position;
     float d = length(toLight);
     toLight /= d;
+#ifdef NO_ATTENUATION
+    float brightness = 1.0;
+#else
     float brightness = 1.0 / (place.w + ambient.w * d + diffuse.w * d * d);
+#endif
     float cosLight = dot(normal, toLight);
     // Ambient and diffuse weigh the same on both sides.
     ambientDiffuse += ambient.rgb * (brightness * kAmbientScale);
@@ -47,12 +51,17 @@ vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
     if (g_lightsOff != 0)
         return color;
     vec3 ambientDiffuse = vec3(0.0), specular = vec3(0.0);
+#ifdef LIGHTS
+    for (int i = 0; i < LIGHTS; ++i)
+        addLight(BLOCK_LIGHTS + 4 * i, position, normal, ambientDiffuse, specular);
+#else
     int at = BLOCK_LIGHTS;
     bool more;
     do {
         more = addLight(at, position, normal, ambientDiffuse, specular);
         at += 4;
     } while (more);
+#endif
     vec3 emission = texelFetch(g_block, BLOCK_EMISSION).rgb;
     return vec4(clamp(emission + ambientDiffuse * color.rgb + specular, 0.0, 1.0), color.a);
 }
