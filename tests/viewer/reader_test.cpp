@@ -139,6 +139,50 @@ TEST(Reader, ReadsEveryLegacyAttribute) {
     EXPECT_THAT(model.notes, ElementsAre(HasSubstr("note"), HasSubstr("bits")));
 }
 
+/// A collection of two files in a folder of its own: a text for each, and an element for each.
+struct Collection {
+    std::filesystem::path folder = kPath + ".d";
+    explicit Collection(const std::string& first, const std::string& second) {
+        std::filesystem::create_directory(folder);
+        std::ofstream(folder / "a.vtu") << first;
+        std::ofstream(folder / "b.vtu") << second;
+    }
+    ~Collection() { std::filesystem::remove_all(folder); }
+    Model read(const std::string& members) const {
+        std::ofstream(folder / "c.pvd")
+            << "<VTKFile type=\"Collection\"><Collection>" << members << "</Collection></VTKFile>";
+        return readModel(folder / "c.pvd");
+    }
+};
+const std::string kMembers = "<DataSet timestep='2.5' file='b.vtu'/><DataSet timestep='0.5' file='a.vtu'/>";
+
+TEST(Reader, ReadsTheFilesOfACollectionAsStepsOfOneMesh) {
+    const Model model = Collection(kAscii, replaced(kAscii, "-7 11 <", "-7 12 <")).read(kMembers);
+    EXPECT_THAT(model.nodes.back(), ElementsAre(-1.5, -7, 11));
+    ASSERT_EQ(model.fields.size(), 6u);
+    EXPECT_EQ(model.fields[4].name, model.fields[1].name);
+    EXPECT_EQ(std::pair(*model.fields[1].step, *model.fields[4].step), std::pair(0u, 1u));
+    EXPECT_EQ(std::pair(model.steps.at(0).label, model.steps.at(1).value),
+              std::pair(std::string("time 0.5"), 2.5));
+    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("nodes move")));
+}
+
+TEST(Reader, CollectionsThatAreNoStepsOfOneMeshAreRefused) {
+    const Collection other(kAscii, replaced(kAscii, "3 2 1 <", "3 2 0 <"));
+    const std::string replies[] = {"another mesh in b.vtu", "names none.vtu, which no such file",
+                                   "not lie in its folder", "several files for one time", "names no files"};
+    const std::string members[] = {kMembers, "<DataSet file='none.vtu'/>", "<DataSet file='../a.vtu'/>",
+                                   "<DataSet timestep='1' file='a.vtu'/><DataSet timestep='1' file='b.vtu'/>",
+                                   ""};
+    for (std::size_t i = 0; i < std::size(members); ++i)
+        try {
+            other.read(members[i]);
+            ADD_FAILURE() << members[i];
+        } catch (const ViewerError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(replies[i]));
+        }
+}
+
 /// With other numbers at the head of the first appended array.
 std::string withHeader(std::string file, const std::vector<std::uint64_t>& header) {
     std::string bytes;
@@ -154,6 +198,8 @@ TEST(Reader, BadFilesAreRefusedInOneLineWithTheReason) {
     const std::tuple<const char*, Text, Text, Text, Text> rows[] = {
         {"empty", "", "", "", "is empty"},
         {"none", "OFF\n1 0 0\n", "", "", "is none of"},
+        {"packed", "\x1F\x8B\x08", "", "", "is compressed with gzip; unpack it first"},
+        {"pieces", kAscii, "UnstructuredGrid", "PUnstructuredGrid", "only names files"},
         {"otherData", kAscii, "UnstructuredGrid", "ImageData", "'ImageData'"},
         {"lz4", kWideZlib, "vtkZLib", "vtkLZ4", "vtkLZ4DataCompressor"},
         {"noCells", kAscii, "Points='6' NumberOfCells='3'", "Points='0' NumberOfCells='0'", "has no cells"},

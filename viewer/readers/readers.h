@@ -21,10 +21,19 @@ std::string oneLine(std::string text);
 /// Refuses what is no file, or empty.
 void checkFile(const std::filesystem::path& path);
 
-/// The whole content; refuses as checkFile does.
+/// Refuses so many bytes of files where this machine's memory does not hold them.
+void checkMemory(std::uintmax_t size);
+
+/// The whole content; refuses as checkFile and checkMemory do.
 std::string loadFile(const std::filesystem::path& path);
 
+/// Refuses what a packing program has made.
+void refusePacked(std::string_view content);
+
 Model readVtu(std::string_view content);
+/// A .pvd file, which names a .vtu file for each time. The path tells where they are.
+bool isCollection(std::string_view content);
+Model readCollection(std::string_view content, const std::filesystem::path& path);
 Model readLegacyVtk(std::string_view content);
 bool isGmsh(std::string_view content);
 Model readGmsh(std::string_view content);

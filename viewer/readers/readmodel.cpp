@@ -1,7 +1,5 @@
-// readModel(): loads a file, tells its format by its first bytes and gives every refusal the file's name.
+// readModel(): tells a file's format by its first bytes and gives every refusal the file's name.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <new>
 
 #include "viewer/error.h"
@@ -22,16 +20,19 @@ Model readContent(std::string_view content, const std::string& path) {
         content.remove_prefix(3);
     const std::size_t first = content.find_first_not_of(" \t\r\n");
     if (first != std::string_view::npos && content[first] == '<')
-        return readers::readVtu(content);
+        return readers::isCollection(content) ? readers::readCollection(content, path)
+                                              : readers::readVtu(content);
     if (first != std::string_view::npos && readers::isGmsh(content.substr(first)))
         return readers::readGmsh(content);
     if (readers::isInp(content, path))
         return readers::readInp(content, path);
     if (std::optional<Model> surface = readers::readSurface(content, path))
         return std::move(*surface);
-    throw readers::Refusal("is none of .vtu (VTK XML), legacy .vtk, Exodus II, .frd, .inp, .msh (Gmsh), "
-                           ".stl, .obj, .ply, .glb and "
-                           ".gltf");
+    readers::refusePacked(content);
+    throw readers::Refusal(
+        "is none of .vtu and .pvd (VTK XML), legacy .vtk, Exodus II, .frd, .inp, .msh (Gmsh), "
+        ".stl, .obj, .ply, .glb and "
+        ".gltf");
 }
 
 } // namespace
@@ -40,29 +41,6 @@ std::string readers::oneLine(std::string text) {
     std::replace_if(
         text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
     return text.size() <= kLongestText ? text : text.substr(0, kLongestText) + "...";
-}
-
-void readers::checkFile(const std::filesystem::path& path) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error))
-        throw Refusal("no such file");
-    if (!std::filesystem::is_regular_file(path, error))
-        throw Refusal("is not a regular file");
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (error || !std::ifstream(path))
-        throw Refusal("cannot be opened");
-    if (size == 0)
-        throw Refusal("is empty");
-}
-
-std::string readers::loadFile(const std::filesystem::path& path) {
-    checkFile(path);
-    std::ifstream file(path, std::ios::binary);
-    std::string content(std::filesystem::file_size(path), '\0');
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
-    if (static_cast<std::size_t>(file.gcount()) != content.size())
-        throw Refusal("cannot be read");
-    return content;
 }
 
 Model readModel(const std::string& path) {

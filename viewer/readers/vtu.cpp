@@ -70,6 +70,8 @@ pugi::xml_node parseHeader(VtuFile& file) {
     if (!root)
         throw Refusal("has no VTKFile element");
     const std::string type = attribute(root, "type", "");
+    if (type == "PUnstructuredGrid" || type == "vtkMultiBlockDataSet")
+        throw Refusal("only names files that hold the data; open one of them");
     if (type != "UnstructuredGrid")
         throw Refusal("holds VTK data of type '" + type + "'; only UnstructuredGrid is supported");
     return root.child("UnstructuredGrid");
