@@ -20,7 +20,7 @@ namespace nruview::readers {
 namespace {
 
 constexpr char kDone = 'm', kRefused = 'r'; ///< first byte of what the child sends
-constexpr rlim_t kSpareMemory = rlim_t{1} << 30, kMemoryPerByte = 200;
+constexpr std::size_t kSpareMemory = std::size_t{1} << 30, kMemoryPerByte = 200;
 constexpr rlim_t kSpareSeconds = 20, kBytesPerSecond = 1 << 20;
 constexpr std::size_t kPipeSize = 1 << 20;
 constexpr const char* kFailed = "cannot be read: the reader has failed on it";
@@ -92,7 +92,7 @@ public:
         else if constexpr (kIsList<Value>)
             putList(value);
         else
-            forEachMember([this](const auto& member) { put(member); }, value);
+            forEachMember([this](const auto& member) { this->put(member); }, value);
     }
     void finish() {
         send(m_waiting.data(), m_waiting.size());
@@ -144,7 +144,7 @@ public:
         else if constexpr (kIsList<Value>)
             getList(value);
         else
-            forEachMember([this](auto& member) { get(member); }, value);
+            forEachMember([this](auto& member) { this->get(member); }, value);
     }
 
 private:
@@ -199,11 +199,6 @@ private:
 };
 
 // --- the child ---------------------------------------------------------------------------------------------
-
-/// The child's memory, and so what it can send.
-rlim_t memoryFor(std::size_t fileSize) {
-    return kSpareMemory + kMemoryPerByte * fileSize;
-}
 
 /// Address space that the process has already; sanitizers have reserved terabytes.
 rlim_t usedMemory() {
@@ -302,6 +297,10 @@ Model modelOf(Child& child, std::size_t most) {
 }
 
 } // namespace
+
+std::size_t memoryFor(std::size_t fileSize) {
+    return kSpareMemory + kMemoryPerByte * fileSize;
+}
 
 Model readApart(const std::function<Model()>& read, std::size_t fileSize) {
     int ends[2];

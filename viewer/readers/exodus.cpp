@@ -20,14 +20,16 @@ void readNodes(const ExodusFile& file, Model& model) {
     if (count > kMostNodes)
         throw Refusal("has more nodes than the viewer can hold");
     const bool together = file.has("coord");
-    const auto all = together ? file.values<double>("coord", dimensions * count) : std::vector<double>();
-    model.nodes.resize(count);
+    std::vector<double> values;
+    if (together)
+        values = file.values<double>("coord", dimensions * count);
     for (std::size_t axis = 0; axis < dimensions; ++axis) {
-        const auto own =
-            together ? std::vector<double>() : file.values<double>(std::string("coord") + "xyz"[axis], count);
-        const double* values = together ? all.data() + axis * count : own.data();
+        if (!together)
+            values = file.values<double>(std::string("coord") + "xyz"[axis], count);
+        model.nodes.resize(count);
+        const double* own = values.data() + (together ? axis * count : 0);
         for (std::size_t i = 0; i < count; ++i)
-            model.nodes[i][axis] = values[i];
+            model.nodes[i][axis] = own[i];
     }
 }
 

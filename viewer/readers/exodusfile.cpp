@@ -3,7 +3,7 @@
 
 #include <netcdf.h>
 
-#include <algorithm>
+#include "viewer/readers/apart.h"
 
 namespace nruview::readers {
 
@@ -49,12 +49,12 @@ std::string trimmed(const std::string& text) {
 
 } // namespace
 
-ExodusFile::ExodusFile(const std::filesystem::path& path) {
+ExodusFile::ExodusFile(const std::filesystem::path& path)
+    : m_fileSize(static_cast<std::size_t>(std::filesystem::file_size(path))) {
     // An absolute path cannot be taken for an address to download from.
-    const std::filesystem::path place = std::filesystem::absolute(path);
-    check(nc_open(place.c_str(), NC_NOWRITE, &m_id), "netCDF");
+    check(nc_open(std::filesystem::absolute(path).c_str(), NC_NOWRITE, &m_id), "netCDF");
     try {
-        compareSizes(std::filesystem::file_size(place));
+        compareSizes();
     } catch (...) {
         nc_close(m_id);
         throw;
@@ -66,23 +66,22 @@ ExodusFile::~ExodusFile() {
 }
 
 /// In the classic formats libnetcdf reads zeros behind the end of a file that is cut short.
-void ExodusFile::compareSizes(std::uintmax_t fileSize) const {
+void ExodusFile::compareSizes() const {
     int format = 0, variables = 0;
     check(nc_inq_format(m_id, &format), "its format");
     check(nc_inq_nvars(m_id, &variables), "its variables");
     if (format == NC_FORMAT_NETCDF4 || format == NC_FORMAT_NETCDF4_CLASSIC)
         return;
-    std::uintmax_t bytes = 0;
+    std::size_t left = m_fileSize;
     for (int id = 0; id < variables; ++id) {
-        char name[NC_MAX_NAME + 1] = "";
         nc_type type = NC_NAT;
         std::size_t size = 0;
-        check(nc_inq_var(m_id, id, name, &type, nullptr, nullptr, nullptr), "its variables");
+        check(nc_inq_vartype(m_id, id, &type), "its variables");
         check(nc_inq_type(m_id, type, nullptr, &size), "its types");
-        const auto count = product(shape(name));
-        bytes += count ? *count * size : fileSize + 1;
-        if (bytes > fileSize)
+        const auto count = product(shapeOf(id));
+        if (!count || *count > left / size)
             throw Refusal("is cut short: it cannot hold the variables that it announces");
+        left -= *count * size;
     }
 }
 
@@ -106,25 +105,30 @@ std::size_t ExodusFile::dimension(const std::string& name) const {
     return length;
 }
 
-std::vector<std::size_t> ExodusFile::shape(const std::string& name) const {
-    const int id = variable(name);
+std::vector<std::size_t> ExodusFile::shapeOf(int variable) const {
     int count = 0;
-    check(nc_inq_varndims(m_id, id, &count), name);
+    check(nc_inq_varndims(m_id, variable, &count), "its variables");
     std::vector<int> dimensions(static_cast<std::size_t>(count));
-    check(nc_inq_vardimid(m_id, id, dimensions.data()), name);
+    check(nc_inq_vardimid(m_id, variable, dimensions.data()), "its variables");
     std::vector<std::size_t> lengths(dimensions.size());
     for (std::size_t i = 0; i < lengths.size(); ++i)
-        check(nc_inq_dimlen(m_id, dimensions[i], &lengths[i]), name);
+        check(nc_inq_dimlen(m_id, dimensions[i], &lengths[i]), "its dimensions");
     return lengths;
+}
+
+std::vector<std::size_t> ExodusFile::shape(const std::string& name) const {
+    return shapeOf(variable(name));
 }
 
 template <typename Value>
 std::vector<Value> ExodusFile::values(const std::string& name, std::size_t count) const {
     const int id = variable(name);
-    const std::vector<std::size_t> lengths = shape(name);
+    const std::vector<std::size_t> lengths = shapeOf(id);
     if (product(lengths) != count)
         throw Refusal("has " + counted(lengths) + " values of " + name + " instead of " +
                       std::to_string(count));
+    if (count > memoryFor(m_fileSize) / sizeof(Value))
+        throw Refusal("needs more memory than a file of its size should");
     std::vector<Value> values(count);
     if (count > 0)
         check(load(m_id, id, values.data()), name);
@@ -138,7 +142,7 @@ template std::vector<std::uint32_t> ExodusFile::values(const std::string&, std::
 void ExodusFile::row(const std::string& name, std::vector<std::size_t> place,
                      std::span<double> values) const {
     const int id = variable(name);
-    const std::vector<std::size_t> lengths = shape(name);
+    const std::vector<std::size_t> lengths = shapeOf(id);
     if (lengths.size() != place.size() + 1 || lengths.back() != values.size())
         throw Refusal("has " + counted(lengths) + " values of " + name + " instead of " +
                       std::to_string(values.size()) + " at each step");
@@ -155,9 +159,9 @@ std::vector<std::string> ExodusFile::texts(const std::string& name) const {
     const int id = variable(name);
     nc_type type = NC_NAT;
     check(nc_inq_vartype(m_id, id, &type), name);
-    const std::vector<std::size_t> lengths = shape(name);
+    const std::vector<std::size_t> lengths = shapeOf(id);
     const auto size = product(lengths);
-    if (type != NC_CHAR || lengths.size() != 2 || !size)
+    if (type != NC_CHAR || lengths.size() != 2 || !size || *size > memoryFor(m_fileSize))
         throw Refusal("has no rows of characters in " + name);
     std::string all(*size, '\0');
     if (!all.empty())

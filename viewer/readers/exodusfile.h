@@ -32,9 +32,11 @@ public:
 
 private:
     int variable(const std::string& name) const;
-    void compareSizes(std::uintmax_t fileSize) const;
+    std::vector<std::size_t> shapeOf(int variable) const;
+    void compareSizes() const;
 
     int m_id = -1;
+    std::size_t m_fileSize = 0;
 };
 
 /// "connect3" and the like.
