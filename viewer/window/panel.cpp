@@ -65,9 +65,11 @@ void Panel::change(std::function<void(Options&)> edit) {
     later([this, edit = std::move(edit)] { m_workspace.change(edit); });
 }
 
-void Panel::act() {
-    for (const auto& asked : std::exchange(m_asked, {}))
-        attempt(asked);
+bool Panel::act() {
+    const auto asked = std::exchange(m_asked, {});
+    for (const auto& each : asked)
+        attempt(each);
+    return !asked.empty();
 }
 
 /// "nruview-001.png", the first that is not there.
@@ -128,7 +130,7 @@ void Panel::layOutModel() {
     for (const std::string& type : m_choices.cellTypes)
         widgets::fact(&type == &m_choices.cellTypes.front() ? "Elements" : "", type);
     for (const std::string& note : model.notes)
-        widgets::fact(&note == &model.notes.front() ? "Left out" : "", note);
+        widgets::fact(&note == &model.notes.front() ? "Note" : "", note);
     if (!model.parts.empty())
         layOutBlocks();
 }
@@ -157,6 +159,7 @@ void Panel::layOutBlocks() {
     constexpr std::size_t kMostRows = 8;
     const float height =
         static_cast<float>(std::min(parts.size(), kMostRows)) * ImGui::GetFrameHeightWithSpacing();
+    ImGui::TextDisabled("Blocks");
     ImGui::BeginChild("blocks", {0.0f, height});
     ImGuiListClipper clipper;
     clipper.Begin(static_cast<int>(parts.size()));

@@ -26,8 +26,8 @@ public:
     /// Does it, or says why the workspace refuses.
     void attempt(const std::function<void()>& act);
     /// Does what the user has asked for while the panel was laid out: once nothing is, since it may take
-    /// long.
-    void act();
+    /// long. Returns whether there was anything.
+    bool act();
     /// The file that the user wants the picture saved in; empty: none.
     std::string takeScreenshot() { return std::exchange(m_screenshot, ""); }
     /// As if the user had pressed the button for it.

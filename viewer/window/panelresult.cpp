@@ -83,11 +83,11 @@ void Panel::layOutDeformation() {
     if (!isDeformed)
         return;
     if (m_choices.vectors.size() > 1)
-        chooseField("by", m_choices.vectors, shown.deformBy, "automatic",
+        chooseField("Moved by", m_choices.vectors, shown.deformBy, "automatic",
                     [](Options& options, const std::string& field) { options.shown.deformBy = field; });
     bool isAutomatic = !shown.deformFactor;
     double factor = m_workspace.shown().deformFactor;
-    if (toggle("Factor by size", isAutomatic))
+    if (toggle("Auto factor", isAutomatic))
         change([=](Options& options) {
             options.shown.deformFactor = isAutomatic ? std::nullopt : std::optional(factor);
         });
@@ -103,18 +103,18 @@ void Panel::layOutAnimation() {
     if (hasSteps && canSwing && choose("Animate", {"steps", "deformation"}, motion))
         m_player.setMotion(motion == 0 ? Player::Motion::Steps : Player::Motion::Swing);
     if (motion == 0)
-        slide("Steps a second", m_player.stepsPerSecond, 0.5, 30.0, "%.1f");
+        slide("Steps per s", m_player.stepsPerSecond, 0.5, 30.0, "%.1f");
     else {
-        slide("Swings a second", m_player.swingsPerSecond, 0.05, 3.0, "%.2f");
+        slide("Swings per s", m_player.swingsPerSecond, 0.05, 3.0, "%.2f");
         double phase = degrees(m_workspace.phase().value_or(0.0));
         if (slide("Phase", phase, 0.0, 360.0, "%.0f°"))
             later([=, this] { m_workspace.setPhase(phase * std::numbers::pi / 180.0); });
     }
-    if (button(m_player.isPlaying() ? "Stop" : "Play", 0, 2, "Space"))
-        m_player.play(!m_player.isPlaying());
-    if (button("Whole shape", 1, 2, "the deformation as it is, at rest"))
-        later([=, this] {
-            m_player.play(false);
+    if (button(m_player.isPlaying() ? "Stop" : "Play", 0, motion == 0 ? 1 : 2, "Space"))
+        later([this] { m_player.toggle(m_workspace); });
+    if (motion != 0 && button("Full shape", 1, 2, "at rest"))
+        later([this] {
+            m_player.stop();
             m_workspace.setPhase({});
         });
 }

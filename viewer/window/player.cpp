@@ -26,6 +26,12 @@ void Player::setMotion(Motion motion) {
     m_due = 0.0;
 }
 
+void Player::toggle(Workspace& workspace) {
+    if (!m_isPlaying && m_motion == Motion::Swing && !workspace.options().shown.deformed)
+        workspace.change([](Options& options) { options.shown.deformed = true; });
+    m_isPlaying = !m_isPlaying;
+}
+
 void Player::advance(Workspace& workspace, double seconds) {
     if (!m_isPlaying)
         return;

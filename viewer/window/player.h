@@ -16,7 +16,9 @@ public:
     explicit Player(const Workspace& workspace);
 
     bool isPlaying() const { return m_isPlaying; }
-    void play(bool on) { m_isPlaying = on; }
+    /// Plays or stops. A swing needs a deformed shape: throws ViewerError where the model has none.
+    void toggle(Workspace& workspace);
+    void stop() { m_isPlaying = false; }
     void setMotion(Motion motion);
     Motion motion() const { return m_motion; }
     /// Shows what is due after so many seconds more. Throws ViewerError as the workspace does, and plays no

@@ -38,7 +38,7 @@ constexpr double kRest_s = 0.15; ///< the mouse stands still from here on
 constexpr double kFrame_s = 1.0 / 60.0, kCursorBlink_s = 0.4, kLongestStep_s = 0.25;
 constexpr double kWaitFrame_s = 0.1; ///< while something takes long, which is not to be slowed down
 constexpr double kWidestPanel = 0.5; ///< of the window
-constexpr int kFramesToSettle = 2;   ///< Dear ImGui answers an event in the frame after it
+constexpr int kFramesToSettle = 4;   ///< Dear ImGui measures a list that opens before it shows it
 
 std::string windowTitle(const Options& options) {
     return (options.sample.empty() ? options.file : options.sample) + " – nruview";
@@ -327,7 +327,7 @@ void ViewerWindow::act(WindowRequest request) {
     if (request == WindowRequest::TogglePanel)
         m_hasPanel = !m_hasPanel;
     if (request == WindowRequest::TogglePlaying)
-        m_stage->player.play(!m_stage->player.isPlaying());
+        m_stage->player.toggle(workspace());
     if (request == WindowRequest::Screenshot)
         m_stage->panel.askForScreenshot();
     m_framesDue = kFramesToSettle;
@@ -417,7 +417,8 @@ void ViewerWindow::frame() {
     if (m_hasPanel)
         m_stage->panel.layOut(left, width - left, height);
     m_gui.endFrame();
-    m_stage->panel.act();
+    if (m_stage->panel.act())
+        m_framesDue = kFramesToSettle;
     if (const std::string file = m_stage->panel.takeScreenshot(); !file.empty())
         saveScreenshot(file);
     if (workspace().needsDrawing())
