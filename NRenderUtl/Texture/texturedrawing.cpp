@@ -121,6 +121,48 @@ const CirclePoints& unitCircle() {
     return points;
 }
 
+// --- discs by rows -----------------------------------------------------------------------------------------
+
+/// Up to this radius the pixels of a disc are those of its polygon on any grid of 1/256 of a pixel: centres
+/// of pixels keep 1 / (4 r) away from a rim of whole radius about a corner of pixels, and the polygon strays
+/// by r / 26000 and that grid.
+constexpr int kLargestDiscOfRows = 40;
+
+/// Whether a polygon shows the pixels of which it covers the centres, and these alone.
+bool pixelsAreCentres() {
+    GLint modes[2], samples = 0;
+    glGetIntegerv(GL_POLYGON_MODE, modes);
+    if (epoxy_gl_version() >= 13)
+        glGetIntegerv(GL_SAMPLES, &samples);
+    return modes[0] == GL_FILL && modes[1] == GL_FILL && samples == 0 && !glIsEnabled(GL_POLYGON_SMOOTH) &&
+           !glIsEnabled(GL_POLYGON_STIPPLE);
+}
+
+/// Half the pixels of the disc in a row of pixels, counted from its centre.
+int halfOfRow(int row, int radius) {
+    const float y = static_cast<float>(row) + 0.5f, r = static_cast<float>(radius);
+    return static_cast<int>(std::lround(std::sqrt(r * r - y * y)));
+}
+
+/// The disc of the textured circle, of units that are pixels, as rectangles of rows: far fewer corners than
+/// steps of a degree.
+void drawDiscByRows(int centre, int radius) {
+    const auto toTexture = [&](int along) {
+        return static_cast<float>(along + radius) / static_cast<float>(2 * radius);
+    };
+    glBegin(GL_QUADS);
+    for (int row = -radius, next = row; row < radius; row = next) {
+        const int half = halfOfRow(row, radius);
+        while (next < radius && halfOfRow(next, radius) == half)
+            ++next;
+        for (const auto& [x, y] : {std::pair{-half, row}, {half, row}, {half, next}, {-half, next}}) {
+            glTexCoord2f(toTexture(x), toTexture(y));
+            glVertex2i(centre + x, centre + y);
+        }
+    }
+    glEnd();
+}
+
 /// What a border of the thickness, on both sides, leaves of a diameter.
 int within(int diameter, int thickness) {
     return std::max(diameter - 2 * std::clamp(thickness, 0, diameter), 0);
@@ -209,7 +251,8 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
         const WindowScope scope(window, m_pixelFormat == GL_RGBA);
         const TexturedScope textured(m_texture);
         const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
-        DrawCircle(diameter / 2, filled / 2, true);
+        const bool byRows = filled / 2 <= kLargestDiscOfRows && pixelsAreCentres();
+        byRows ? drawDiscByRows(diameter / 2, filled / 2) : DrawCircle(diameter / 2, filled / 2, true);
     }
     if (info.border == 0)
         return;

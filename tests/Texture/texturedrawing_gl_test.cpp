@@ -194,6 +194,21 @@ TEST_F(TextureDrawing, CirclesHaveTheirAreaAndTheirHalves) {
     EXPECT_EQ(overlapped.at(32, 34), kBorder);
 }
 
+TEST_F(TextureDrawing, CirclesShowThePixelsOfTheirPolygons) {
+    NuTexture texture;
+    fillTexture(texture, 1, 1, {kGreen});
+    for (int diameter = 2; diameter <= kSize; ++diameter) {
+        const Picture rows = circle(texture, 0, 0, diameter, kPlain);
+        clear();
+        glDisable(GL_DEPTH_TEST);
+        glLoadIdentity();
+        glOrtho(0, kSize, 0, kSize, -1, 1);
+        glColor4ub(0, 0xFF, 0, 0xFF);
+        NuTexture::DrawCircle(diameter / 2, diameter / 2, true);
+        EXPECT_TRUE(samePicture(rows, read())) << diameter;
+    }
+}
+
 TEST_F(TextureDrawing, HostsStateNeitherShowsNorChanges) {
     NuTexture pictures[2], empty;
     fillTexture(pictures[0], 8, 8, {kGreen, 0xFF8080FF});
