@@ -80,7 +80,8 @@ Point place(const std::string& node) {
     return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
 }
 
-/// Every type once, each with nodes of its own and of alternating materials; elements are numbered from 70.
+/// Every type once, each with nodes of its own and of alternating materials, of which old files have the
+/// name's beginning; elements are numbered from 70.
 std::string zoo(int form) {
     const int width = form == 0 ? 5 : 10;
     const std::size_t perLine = form == 0 ? 15 : 10;
@@ -89,7 +90,10 @@ std::string zoo(int form) {
     for (const Shape& shape : kShapes) {
         const int number = 69 + shape.number, material = 1 + shape.number % 2;
         elements += form >= 2 ? bytes(number) + bytes(shape.number) + bytes(0) + bytes(material)
-                              : format(" -1%*d%5d%5d%5d\n", width, number, shape.number, 0, material);
+                              : format(" -1%*d%5d%5d%5s\n", width, number, shape.number, 0,
+                                       form == 0 && material == 1 ? "EL   "
+                                       : material == 1            ? "1"
+                                                                  : "2");
         for (std::size_t i = 0; i < shape.nodes.size(); ++i) {
             const Point p = place(shape.nodes[i]);
             ++node;
@@ -138,7 +142,7 @@ TEST_P(Forms, ElementsAreInTheModelsOrderAndInPartsByMaterial) {
     }
     ASSERT_EQ(model.parts.size(), 2u);
     EXPECT_EQ(model.parts[0].name, "STEEL");
-    EXPECT_EQ(model.parts[1].name, "material 1");
+    EXPECT_EQ(model.parts[1].name, GetParam() == 0 ? "EL" : "material 1");
     EXPECT_THAT(model.cellNumbers, ElementsAre(70, 72, 74, 76, 78, 80, 71, 73, 75, 77, 79, 81));
 }
 
@@ -206,8 +210,10 @@ TEST(Frd, ValuesThatAreNoTensorBecomeFieldsOfTheirOwn) {
     const Model model =
         readText(kMesh + begin("1.0", 1, 1) + named("PSTRESS", 14, phases) + line(" -1         5", 0) +
                  line(" -2          ", 6) + " -3\n" + begin("1.0", 1, 1) + named("CONTACT", 4, contact) +
-                 line(" -1         5", 20) + " -3\n 9999\n");
-    ASSERT_EQ(model.fields.size(), 8u);
+                 line(" -1         5", 20) + " -3\n" + begin("1.0", 1, 1) +
+                 named("SDV", 1, {"SDV1", "SDV2"}) + line(" -1         5", 0) + " -3\n 9999\n");
+    ASSERT_EQ(model.fields.size(), 10u);
+    EXPECT_EQ(model.fields[9].name, "SDV2");
     EXPECT_EQ(model.fields[1].name, "PSTRESS_PHA");
     EXPECT_EQ(model.fields[1].components, 6);
     EXPECT_EQ(model.fields[1].values[11], 11);

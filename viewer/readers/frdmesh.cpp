@@ -82,8 +82,9 @@ void readBinaryNodes(FrdFile& file, FrdFormat format, std::size_t count) {
 // --- elements ----------------------------------------------------------------------------------------------
 
 struct FrdElement {
-    std::int64_t number, type, group, material;
-    std::vector<std::int64_t> nodes;
+    std::int64_t number = 0, type = 0, group = 0;
+    std::string material; ///< its number, or the beginning of its name
+    std::vector<std::int64_t> nodes = {};
 };
 
 /// Collects cells with the part of each: those of one group and material.
@@ -118,7 +119,7 @@ public:
     }
 
 private:
-    using PartKey = std::array<std::int64_t, 2>; ///< material, group
+    using PartKey = std::pair<std::string, std::int64_t>; ///< material, group
 
     std::uint32_t indexOf(std::int64_t node, std::int64_t element) const {
         if (const auto index = m_nodes.find(node))
@@ -134,11 +135,14 @@ private:
     std::vector<std::string> partNames() const {
         std::vector<std::string> names(m_parts.size());
         for (const auto& [key, part] : m_parts) {
-            const auto material = m_file.materials.find(key[0]);
-            names[part] = material != m_file.materials.end() ? oneLine(material->second)
-                                                             : "material " + std::to_string(key[0]);
-            if (m_parts.begin()->first[1] != key[1] || m_parts.rbegin()->first[1] != key[1])
-                names[part] += ", group " + std::to_string(key[1]);
+            const auto& [material, group] = key;
+            const auto number = wholeNumber(material);
+            const auto name = number ? m_file.materials.find(*number) : m_file.materials.end();
+            names[part] = oneLine(name != m_file.materials.end() ? name->second
+                                  : number                       ? "material " + material
+                                                                 : material);
+            if (m_parts.begin()->first.second != group || m_parts.rbegin()->first.second != group)
+                names[part] += ", group " + std::to_string(group);
         }
         return names;
     }
@@ -164,11 +168,8 @@ void readTextElements(FrdFile& file, std::size_t width, ElementCollector& collec
         if (!line.starts_with(" -1"))
             throw Refusal("has no element in '" + std::string(line.substr(0, 60)) + "'");
         const std::size_t next = kNumberColumn + width;
-        FrdElement element{wholeAt(line, kNumberColumn, width),
-                           wholeAt(line, next, 5),
-                           wholeAt(line, next + 5, 5),
-                           wholeAt(line, next + 10, 5),
-                           {}};
+        FrdElement element{wholeAt(line, kNumberColumn, width), wholeAt(line, next, 5),
+                           wholeAt(line, next + 5, 5), std::string(column(line, next + 10, 5))};
         readTextElementNodes(file, width, element);
         collector.add(element);
     }
@@ -176,9 +177,10 @@ void readTextElements(FrdFile& file, std::size_t width, ElementCollector& collec
 
 void readBinaryElements(FrdFile& file, std::size_t count, ElementCollector& collector) {
     for (std::size_t i = 0; i < count; ++i) {
-        FrdElement element{};
-        for (std::int64_t* value : {&element.number, &element.type, &element.group, &element.material})
+        FrdElement element;
+        for (std::int64_t* value : {&element.number, &element.type, &element.group})
             *value = file.cursor.binary<std::int32_t>();
+        element.material = std::to_string(file.cursor.binary<std::int32_t>());
         const FrdType* type = frdType(element.type);
         if (!type)
             throw Refusal("has elements of the unknown type " + std::to_string(element.type));

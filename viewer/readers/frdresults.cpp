@@ -194,7 +194,8 @@ std::vector<FrdResults::Piece> FrdResults::piecesOf(const std::string& block,
         return {{block, {0}}};
     std::vector<Piece> pieces;
     for (std::size_t i = 0; i < count; ++i)
-        pieces.push_back({block + "_" + entities[i].name, {i}});
+        pieces.push_back(
+            {entities[i].name.starts_with(block) ? entities[i].name : block + "_" + entities[i].name, {i}});
     return pieces;
 }
 

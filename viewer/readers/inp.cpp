@@ -30,12 +30,16 @@ public:
 
     InpFile read() {
         std::string_view line;
-        while (m_lines.next(line))
+        while (m_lines.next(line)) {
+            m_hasKeyword = m_hasKeyword || isInpKeyword(line);
             if (isInpKeyword(line))
                 readKeyword(m_lines.keyword(line));
             else if (m_readData)
                 (this->*m_readData)(line);
+        }
         finishElement();
+        if (!m_hasKeyword)
+            throw Refusal("has no keyword of Abaqus or CalculiX");
         return std::move(m_file);
     }
 
@@ -64,6 +68,7 @@ private:
 
     InpLines m_lines;
     InpFile m_file;
+    bool m_hasKeyword = false;
     InpMesh* m_mesh = &m_file.mesh;
     void (InpReader::*m_readData)(std::string_view) = nullptr;
     InpSetPiece* m_piece = nullptr; ///< that data go into
@@ -215,9 +220,7 @@ void InpReader::readElement(std::string_view line) {
     }
     for (; field < m_fields.size() && m_missing > 0; ++field, --m_missing)
         m_mesh->elementNodes.push_back(number(m_fields[field], "a node"));
-    if (field < m_fields.size())
-        throw Refusal("has element " + std::to_string(m_mesh->elementNumbers.back()) + " (" + m_typeName +
-                      ") with more than " + std::to_string(m_type.nodes) + " nodes");
+    m_file.longer[m_typeName] += field < m_fields.size() ? 1 : 0; // the solver reads no more either
     if (m_missing == 0)
         m_mesh->ends.push_back(m_mesh->elementNodes.size());
 }
@@ -313,8 +316,6 @@ bool isInp(std::string_view content, const std::filesystem::path& path) {
 Model readInp(std::string_view content, const std::filesystem::path& path) {
     if (isAvs(content))
         throw Refusal("is an AVS UCD file; of .inp files those of Abaqus and CalculiX are read");
-    if (!isInpKeyword(firstLine(content, "**")))
-        throw Refusal("does not begin with a keyword of Abaqus or CalculiX");
     InpFile file = InpReader(content, path.parent_path()).read();
     return makeInpModel(file);
 }

@@ -63,6 +63,10 @@ public:
         for (const auto& [type, count] : m_file.skipped)
             m_model.notes.push_back("skipped " + std::to_string(count) + " elements of type " +
                                     (type.empty() ? "(none)" : oneLine(type)));
+        for (const auto& [type, count] : m_file.longer)
+            if (count > 0)
+                m_model.notes.push_back("left out what stands behind the nodes of " + std::to_string(count) +
+                                        " elements of type " + type);
         if (m_model.cellCount() == 0)
             throw Refusal(m_model.notes.empty()
                               ? "has no elements"

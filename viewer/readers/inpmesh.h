@@ -49,6 +49,7 @@ struct InpFile {
     std::map<std::string, InpMesh> parts; ///< by names in capitals
     std::vector<InpInstance> instances;
     std::map<std::string, std::size_t> skipped; ///< elements by type
+    std::map<std::string, std::size_t> longer;  ///< elements with more numbers than nodes, by type
     std::vector<std::string> notes;
 };
 

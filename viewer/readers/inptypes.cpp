@@ -20,6 +20,7 @@ struct Shape {
 };
 
 constexpr std::string_view kSolids[] = {"C3D", "DC3D", "DCC3D", "AC3D", "EMC3D", "COH3D", "SC"};
+constexpr std::string_view kFluids[] = {"F3D"}; // others of the name are faces of cavities
 constexpr std::string_view kFaces[] = {"CPS",  "CPE", "CPEG", "CAX",  "CGAX", "DC2D",  "DCAX", "AC2D",
                                        "ACAX", "S",   "DS",   "STRI", "M3D",  "SFM3D", "R3D"};
 constexpr std::string_view kTrusses[] = {"T2D", "T3D", "R2D", "RAX", "DC1D", "RB2D", "RB3D"};
@@ -30,6 +31,7 @@ constexpr Shape kSolidShapes[] = {{4, CellType::Tetra},  {5, CellType::Pyramid},
                                   {20, CellType::Hexa20}};
 constexpr Shape kFaceShapes[] = {{3, CellType::Triangle},   {4, CellType::Quad},  {6, CellType::Triangle6},
                                  {65, CellType::Triangle6}, {8, CellType::Quad8}, {9, CellType::Quad9}};
+constexpr Shape kFluidShapes[] = {{6, CellType::Wedge}, {8, CellType::Hexa}};
 constexpr Shape kTrussShapes[] = {{2, CellType::Line}, {3, CellType::Line3}};
 // The first digit of a beam is its space's dimension, the last one its degree, of which the third has two
 // nodes.
@@ -41,8 +43,11 @@ struct Family {
     Names names;
     std::span<const Shape> shapes;
 };
-constexpr Family kFamilies[] = {
-    {kSolids, kSolidShapes}, {kFaces, kFaceShapes}, {kTrusses, kTrussShapes}, {kBeams, kBeamShapes}};
+constexpr Family kFamilies[] = {{kSolids, kSolidShapes},
+                                {kFluids, kFluidShapes},
+                                {kFaces, kFaceShapes},
+                                {kTrusses, kTrussShapes},
+                                {kBeams, kBeamShapes}};
 
 std::optional<CellType> shapeIn(const Family& family, std::string_view stem, int number) {
     if (std::find(family.names.begin(), family.names.end(), stem) == family.names.end())
