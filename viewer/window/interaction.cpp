@@ -92,9 +92,9 @@ constexpr KeyAction kActions[] = {
     {"b", "boxes by dragging on, off", toggleBoxMode},
     {"escape", "give up a box; select nothing", cancel},
     {"space", "play, stop", ask<WindowRequest::TogglePlaying>},
-    {"right", "next step", goToStep<1>},
+    {"right", "next step; also .", goToStep<1>},
     {".", "", goToStep<1>},
-    {"left", "previous step", goToStep<-1>},
+    {"left", "previous step; also ,", goToStep<-1>},
     {",", "", goToStep<-1>},
     {"s", "save the picture", ask<WindowRequest::Screenshot>},
     {"tab", "panel on, off", ask<WindowRequest::TogglePanel>},
@@ -107,7 +107,8 @@ std::span<const KeyHelp> keyHelp() {
     static const std::vector<KeyHelp> help = [] {
         std::vector<KeyHelp> rows;
         for (const KeyAction& action : kActions)
-            rows.push_back({action.key, action.text});
+            if (!action.text.empty())
+                rows.push_back({action.key, action.text});
         return rows;
     }();
     return help;

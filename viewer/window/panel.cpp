@@ -6,6 +6,7 @@
 #include <imgui_stdlib.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <numeric>
@@ -43,6 +44,19 @@ std::string numbersText(const Model& model, const std::vector<std::uint32_t>& ce
     return text;
 }
 
+/// "Shift + F" for "shift+f".
+std::string keyText(std::string_view key) {
+    std::string text;
+    for (const char letter : key) {
+        const bool begins = text.empty() || text.back() == ' ';
+        if (letter == '+')
+            text += " + ";
+        else
+            text += begins ? static_cast<char>(std::toupper(static_cast<unsigned char>(letter))) : letter;
+    }
+    return text;
+}
+
 } // namespace
 
 Panel::Panel(Workspace& workspace, Interaction& interaction, Player& player)
@@ -54,8 +68,6 @@ Panel::Panel(Workspace& workspace, Interaction& interaction, Player& player)
 void Panel::attempt(const std::function<void()>& act) {
     try {
         act();
-        if (m_line.isRefusal)
-            m_line = {};
     } catch (const ViewerError& error) {
         refuse(error.what());
     }
@@ -206,7 +218,7 @@ void Panel::layOutSelection() {
         if (button("Clear", 3, 4, "select nothing (Esc)"))
             later([this] { m_workspace.select({}, Selecting::Replace); });
     }
-    if (button("Show all", 0, 2, "show what is hidden, too (A)"))
+    if (button("Show all", 0, 1, "show what is hidden, too (A)"))
         later([this] { m_workspace.showAll(); });
     toggle("Box by dragging", m_interaction.boxMode);
     toggle("Seen ones only", m_interaction.onlyVisible);
@@ -216,8 +228,15 @@ void Panel::layOutSelection() {
 void Panel::layOutKeys() {
     if (!section("Mouse and keys", false))
         return;
-    for (const KeyHelp& row : keyHelp())
+    constexpr KeyHelp kMouse[] = {{"left drag", "turn"},
+                                  {"middle drag", "move; also Shift + left drag"},
+                                  {"wheel", "zoom; also right drag"},
+                                  {"click", "select; Ctrl and Shift: more"},
+                                  {"Ctrl + drag", "select in a box"}};
+    for (const KeyHelp& row : kMouse)
         widgets::fact(std::string(row.key).c_str(), std::string(row.text));
+    for (const KeyHelp& row : keyHelp())
+        widgets::fact(keyText(row.key).c_str(), std::string(row.text));
 }
 
 } // namespace nruview

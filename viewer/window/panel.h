@@ -23,6 +23,7 @@ public:
     /// A line at the foot: what was done, or why not.
     void say(const std::string& text) { m_line = {text, false}; }
     void refuse(const std::string& text) { m_line = {text, true}; }
+    void forgetRefusal() { m_line = m_line.isRefusal ? Line{} : m_line; }
     /// Does it, or says why the workspace refuses.
     void attempt(const std::function<void()>& act);
     /// Does what the user has asked for while the panel was laid out: once nothing is, since it may take
@@ -70,7 +71,7 @@ private:
     Player& m_player;
     const Choices m_choices;
     const std::vector<std::string> m_materials;
-    struct {
+    struct Line {
         std::string text;
         bool isRefusal = false;
     } m_line;

@@ -298,6 +298,8 @@ void ViewerWindow::onMove(double x, double y) {
 void ViewerWindow::onButton(int button, bool isPress, int modifiers) {
     m_framesDue = kFramesToSettle;
     m_restAt = INFINITY;
+    if (isPress)
+        m_stage->panel.forgetRefusal();
     if (isPanels() || button > GLFW_MOUSE_BUTTON_MIDDLE)
         return;
     constexpr std::array kButtons = {MouseButton::Left, MouseButton::Right, MouseButton::Middle};
@@ -317,6 +319,8 @@ void ViewerWindow::onWheel(double notches) {
 
 void ViewerWindow::onKey(int key, int scancode, int action, int modifiers) {
     m_framesDue = kFramesToSettle;
+    if (action == GLFW_PRESS)
+        m_stage->panel.forgetRefusal();
     if (action != GLFW_RELEASE && !m_gui.takesText())
         act(m_stage->interaction.key(keyName(key, scancode, modifiers)));
 }
