@@ -7,6 +7,7 @@
 #include "NRenderUtl/Texture/texturesources.h"
 #include "NRenderUtl/Texture/windowscope.h"
 #include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 namespace {
 
@@ -104,6 +105,7 @@ bool N2DBoxDrawer::DrawWithVAMode(const RenderInfo& info) {
     setCornersAndBorder(program, info);
     const int position = program.GetVertexAttributeLocation(RenderAttribPosition);
     program.SetVertexAttribute(position, 3, &corners[0][0]);
+    advanceByVertex(position);
     glDrawArrays(GL_QUADS, 0, 4);
     program.EnableDisableVertexAttribute(position, false);
     program.UseProgram(false);

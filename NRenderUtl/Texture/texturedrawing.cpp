@@ -8,6 +8,7 @@
 #include "NRenderUtl/Texture/windowscope.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/shaders/gllabel.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 namespace {
 
@@ -99,6 +100,8 @@ void drawQuad(NShaderProgram& program, int width, int height) {
     const int coordinate = program.GetVertexAttributeLocation(RenderAttribTexture);
     program.SetVertexAttribute(position, 3, positions);
     program.SetVertexAttribute(coordinate, 2, &kCorners[0][0]);
+    advanceByVertex(position);
+    advanceByVertex(coordinate);
     glDrawArrays(GL_QUADS, 0, 4);
     program.EnableDisableVertexAttribute(position, false);
     program.EnableDisableVertexAttribute(coordinate, false);
@@ -259,13 +262,16 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     glColor4f(static_cast<float>(info.borderColor[0]) / 255, static_cast<float>(info.borderColor[1]) / 255,
               static_cast<float>(info.borderColor[2]) / 255, 1);
     const int lineWidth = ngl_get_line_width();
+    GLfloat hostsWidth;
+    glGetFloatv(GL_LINE_WIDTH, &hostsWidth);
     ngl_set_line_width(info.borderThickness);
     {
         const WindowScope scope(window, m_pixelFormat == GL_RGBA);
-        const DisabledGuard untextured({GL_TEXTURE_2D});
+        const DisabledGuard whole({GL_LINE_STIPPLE, GL_LINE_SMOOTH});
         DrawCircle(diameter / 2, within(diameter, info.borderThickness) / 2, false);
     }
     ngl_set_line_width(lineWidth);
+    glLineWidth(hostsWidth); // which the layer does not know if the host set it itself
 }
 
 // Deliberate: the fan starts on the rim, at angle 0, not in the centre.

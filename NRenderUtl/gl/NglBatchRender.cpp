@@ -41,12 +41,10 @@ public:
     ContourTextureGuard() {
         glGetIntegerv(GL_ACTIVE_TEXTURE, &m_unit);
         glActiveTexture(GL_TEXTURE0);
-        m_sampler.emplace();
         m_enabled = NglEnableTexture(-1) >= 0;
     }
     ~ContourTextureGuard() {
         NglDisableTexture(-1);
-        m_sampler.reset();
         glActiveTexture(static_cast<GLenum>(m_unit));
     }
     ContourTextureGuard(const ContourTextureGuard&) = delete;
@@ -59,7 +57,6 @@ public:
 
 private:
     GLint m_unit;
-    std::optional<NoSamplerGuard> m_sampler;
     bool m_enabled;
 };
 

@@ -462,8 +462,8 @@ NRENDERUTL_API void NglSetActiveTextureInfo(unsigned int unit, float a, float b)
 NRENDERUTL_API RenderTextureAttributes* NglGetActiveTextureInfo();
 /// Binds and enables the active contour texture and loads the texture matrix, in GL and in the record, that
 /// maps its value range to s = 0 to 1 (only shifted when the range has no width). Leaves the model-view mode
-/// selected. Returns 1; 0 when GL reported an error; -1, with nothing changed, without active attributes or
-/// texture.
+/// selected, and a sampler object of the unit unbound until NglDisableTexture. Returns 1; 0 when GL reported
+/// an error; -1, with nothing changed, without active attributes or texture.
 NRENDERUTL_API int NglEnableTexture(int target);
 /// Unbinds the target's texture and disables the target; the texture matrix stays.
 NRENDERUTL_API void NglDisableTexture(int target);

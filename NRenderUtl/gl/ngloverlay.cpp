@@ -59,8 +59,11 @@ int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled, 
     const double z = depthAt ? depthOf(*depthAt) : 0;
     const PixelViewGuard pixels;
     const NoProgramGuard fixed;
-    if (filled && translucent)
+    std::optional<AddingGuard> adds;
+    if (filled && translucent) {
+        adds.emplace();
         beginTranslucency();
+    }
     emitPairs(filled ? GL_POLYGON : GL_LINES, count, points, z);
     if (filled && translucent)
         endTranslucency();

@@ -14,9 +14,15 @@ constexpr const char* kNoAttributes =
     "Texture attribute instance can not be realized, contour visualization may be "
     "impacted! Please check the use case and fix this";
 
+/// A sampler object of the host's on the unit of the contour texture, whose own parameters count.
+struct ParkedSampler {
+    GLuint unit = 0, name = 0; ///< name 0: none
+};
+
 struct TextureState {
     NglGetActiveTextureAttribProc attributesOf = nullptr;
     RenderTextureAttributes* active = nullptr;
+    ParkedSampler parked;
 };
 
 TextureState& textures() {
@@ -41,6 +47,34 @@ void loadTextureMatrix(double minValue, double maxValue) {
     glLoadMatrixd(&matrix[0][0]);
     NglToFloat(matrix, nglRecord().live.textureMatrix);
     glMatrixMode(GL_MODELVIEW);
+}
+
+GLuint activeUnit() {
+    GLint unit;
+    glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
+    return static_cast<GLuint>(unit) - GL_TEXTURE0;
+}
+
+void parkSampler() {
+    GLint sampler = 0;
+    if (epoxy_gl_version() >= 33)
+        glGetIntegerv(GL_SAMPLER_BINDING, &sampler);
+    if (sampler == 0)
+        return;
+    textures().parked = {activeUnit(), static_cast<GLuint>(sampler)};
+    glBindSampler(textures().parked.unit, 0);
+}
+
+/// Unless the host has bound another since, or deleted it.
+void giveSamplerBack() {
+    const ParkedSampler parked = textures().parked;
+    if (parked.name == 0 || parked.unit != activeUnit())
+        return;
+    textures().parked = {};
+    GLint sampler = 0;
+    glGetIntegerv(GL_SAMPLER_BINDING, &sampler);
+    if (sampler == 0 && glIsSampler(parked.name))
+        glBindSampler(parked.unit, parked.name);
 }
 
 } // namespace
@@ -68,6 +102,7 @@ int NglEnableTexture(int target) {
         return -1;
     glBindTexture(targetOf(target), contour.texture);
     glEnable(targetOf(target));
+    parkSampler();
     loadTextureMatrix(contour.minValue, contour.maxValue);
     return glGetError() == GL_NO_ERROR;
 }
@@ -75,6 +110,7 @@ int NglEnableTexture(int target) {
 void NglDisableTexture(int target) {
     glBindTexture(targetOf(target), 0);
     glDisable(targetOf(target));
+    giveSamplerBack();
 }
 
 void NglSetActiveTextureUnit(unsigned int unit) {

@@ -124,16 +124,23 @@ private:
     GLint m_object = 0;
 };
 
-/// Fixed function draws, whatever program the host has in use.
+/// Fixed function draws, whatever program or program pipeline the host has in use.
 class NoProgramGuard {
 public:
     NoProgramGuard() {
-        if (epoxy_gl_version() >= 20)
+        const int version = epoxy_gl_version();
+        if (version >= 20)
             glGetIntegerv(GL_CURRENT_PROGRAM, &m_program);
+        if (version >= 41)
+            glGetIntegerv(GL_PROGRAM_PIPELINE_BINDING, &m_pipeline);
         if (m_program != 0)
             glUseProgram(0);
+        if (m_pipeline != 0)
+            glBindProgramPipeline(0);
     }
     ~NoProgramGuard() {
+        if (m_pipeline != 0)
+            glBindProgramPipeline(static_cast<GLuint>(m_pipeline));
         if (m_program != 0)
             glUseProgram(static_cast<GLuint>(m_program));
     }
@@ -141,7 +148,7 @@ public:
     NoProgramGuard& operator=(const NoProgramGuard&) = delete;
 
 private:
-    GLint m_program = 0;
+    GLint m_program = 0, m_pipeline = 0;
 };
 
 /// Every index as it is: none restarts a primitive.
@@ -190,6 +197,29 @@ public:
     ~AttributesGuard() { glPopAttrib(); }
     AttributesGuard(const AttributesGuard&) = delete;
     AttributesGuard& operator=(const AttributesGuard&) = delete;
+};
+
+/// Blending adds. Kept apart from the attribute stack, in which Mesa loses the equation of alpha.
+class AddingGuard {
+public:
+    AddingGuard() {
+        if (epoxy_gl_version() < 20)
+            return;
+        glGetIntegerv(GL_BLEND_EQUATION_RGB, &m_color);
+        glGetIntegerv(GL_BLEND_EQUATION_ALPHA, &m_alpha);
+        if (isOther())
+            glBlendEquation(GL_FUNC_ADD);
+    }
+    ~AddingGuard() {
+        if (isOther())
+            glBlendEquationSeparate(static_cast<GLenum>(m_color), static_cast<GLenum>(m_alpha));
+    }
+    AddingGuard(const AddingGuard&) = delete;
+    AddingGuard& operator=(const AddingGuard&) = delete;
+
+private:
+    bool isOther() const { return m_color != GL_FUNC_ADD || m_alpha != GL_FUNC_ADD; }
+    GLint m_color = GL_FUNC_ADD, m_alpha = GL_FUNC_ADD;
 };
 
 /// Keeps the matrix mode.
@@ -320,31 +350,81 @@ private:
     GLfloat m_values[9];
 };
 
-/// Switches features off.
-class DisabledGuard {
+/// Features that were on and have been switched off.
+class DisabledFeatures {
 public:
-    explicit DisabledGuard(std::initializer_list<GLenum> features) {
-        for (const GLenum feature : features)
-            disable(feature);
-    }
-    ~DisabledGuard() {
-        for (const GLenum feature : m_wereOn)
-            glEnable(feature);
-    }
-    DisabledGuard(const DisabledGuard&) = delete;
-    DisabledGuard& operator=(const DisabledGuard&) = delete;
-
-protected:
-    DisabledGuard() = default;
+    bool empty() const { return m_wereOn.empty(); }
     void disable(GLenum feature) {
         if (!glIsEnabled(feature))
             return;
         glDisable(feature);
         m_wereOn.push_back(feature);
     }
+    void restore() const {
+        for (const GLenum feature : m_wereOn)
+            glEnable(feature);
+    }
 
 private:
     std::vector<GLenum> m_wereOn;
+};
+
+/// Switches features off.
+class DisabledGuard {
+public:
+    DisabledGuard(std::initializer_list<GLenum> features) {
+        for (const GLenum feature : features)
+            disable(feature);
+    }
+    ~DisabledGuard() { m_features.restore(); }
+    DisabledGuard(const DisabledGuard&) = delete;
+    DisabledGuard& operator=(const DisabledGuard&) = delete;
+
+protected:
+    DisabledGuard() = default;
+    void disable(GLenum feature) { m_features.disable(feature); }
+
+private:
+    DisabledFeatures m_features;
+};
+
+/// Fixed function gives fragments the colour of their vertices. The active unit is kept.
+class PlainFragmentsGuard {
+public:
+    PlainFragmentsGuard() {
+        GLint active, count = 0;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+        glGetIntegerv(GL_MAX_TEXTURE_UNITS, &count);
+        m_units.resize(static_cast<std::size_t>(count));
+        for (GLenum unit = 0; unit < m_units.size(); ++unit) {
+            glActiveTexture(GL_TEXTURE0 + unit);
+            for (const GLenum feature : kOfUnits)
+                m_units[unit].disable(feature);
+            if (epoxy_gl_version() >= 31)
+                m_units[unit].disable(GL_TEXTURE_RECTANGLE);
+        }
+        glActiveTexture(static_cast<GLenum>(active));
+    }
+    ~PlainFragmentsGuard() {
+        GLint active;
+        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+        for (GLenum unit = 0; unit < m_units.size(); ++unit)
+            if (!m_units[unit].empty()) {
+                glActiveTexture(GL_TEXTURE0 + unit);
+                m_units[unit].restore();
+            }
+        glActiveTexture(static_cast<GLenum>(active));
+    }
+    PlainFragmentsGuard(const PlainFragmentsGuard&) = delete;
+    PlainFragmentsGuard& operator=(const PlainFragmentsGuard&) = delete;
+
+private:
+    static constexpr GLenum kOfUnits[] = {GL_TEXTURE_1D,       GL_TEXTURE_2D,    GL_TEXTURE_3D,
+                                          GL_TEXTURE_CUBE_MAP, GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T,
+                                          GL_TEXTURE_GEN_R,    GL_TEXTURE_GEN_Q};
+    /// Point sprites too: drivers in software give other primitives their coordinates.
+    const DisabledGuard m_others{GL_FOG, GL_COLOR_SUM, GL_POINT_SPRITE};
+    std::vector<DisabledFeatures> m_units;
 };
 
 /// No clip planes: programs that write no clip distance leave it undefined.

@@ -1,6 +1,7 @@
 #include "NRenderUtl/markers/markerstream.h"
 
 #include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 namespace {
 
@@ -33,8 +34,7 @@ MarkerStream::MarkerStream(const NShaderProgram& program, std::size_t vertexSize
         glEnableVertexAttribArray(attribute);
         glVertexAttribPointer(attribute, part.components, GL_FLOAT, GL_FALSE,
                               static_cast<GLsizei>(vertexSize), reinterpret_cast<const void*>(part.offset));
-        if (epoxy_gl_version() >= 33) // a host may draw instances from the same attribute
-            glVertexAttribDivisor(attribute, 0);
+        advanceByVertex(location);
         m_enabled |= 1u << attribute;
     }
 }

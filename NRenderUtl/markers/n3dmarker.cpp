@@ -191,6 +191,7 @@ void N3DMarker::Draw(NShaderProgram* program, _NgFPoint3Str* a, _NgFPoint3Str* b
     if (program)
         return drawByProgram(*program, transform, look);
     const SmoothNormalsGuard normals;
+    const MatrixModeGuard mode;
     ngl_push_3d_matrix();
     multiplyBySinglePrecision(transform);
     drawByFixedFunction(look);
@@ -209,6 +210,7 @@ void N3DSphere::Draw(NShaderProgram* program, _NgFPoint3Str* a, _NgFPoint3Str* b
         return drawByProgram(*program, transform, look);
     }
     // Deliberate: shade model and GL_NORMALIZE stay the host's, which draws spheres of its own beside these.
+    const MatrixModeGuard mode;
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     glTranslatef(a->x, a->y, a->z);
@@ -244,7 +246,7 @@ void N3DMarker::drawByFixedFunction(const Look& look) const {
         glTexCoord2f(look.texCoord1, 0);
     const ClientArraysGuard hostArrays;
     const NoProgramGuard program;
-    const NoRestartGuard indices;
+    const PlainIndicesGuard indices;
     glEnableClientState(GL_VERTEX_ARRAY);
     glEnableClientState(GL_NORMAL_ARRAY);
     glVertexPointer(3, GL_FLOAT, 0, m_vertices);

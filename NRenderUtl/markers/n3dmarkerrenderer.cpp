@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iterator>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "NRenderUtl/gl/ngl.h"
@@ -11,6 +12,7 @@
 #include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/markers/nmarkers.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 N3DMarkerRenderer* N3DMarkerRenderer::m_pInstance = nullptr;
 
@@ -22,6 +24,8 @@ constexpr int kSelectionIndex = 33, kHighlightIndex = 32;
 struct HostState {
     GLuint vertexArray = 0;
     bool restarts = false;
+    bool provokesFirst = false;
+    std::optional<SavedAttribute> position;
 };
 
 struct RendererState {
@@ -47,6 +51,13 @@ NShaderProgram* createProgram() {
     return nullptr;
 }
 
+bool provokesFirst() {
+    GLint provoking = GL_LAST_VERTEX_CONVENTION;
+    if (epoxy_gl_version() >= 32)
+        glGetIntegerv(GL_PROVOKING_VERTEX, &provoking);
+    return provoking == GL_FIRST_VERTEX_CONVENTION;
+}
+
 /// The attribute is to belong to no object of the host's, and every index is to be one of the shape.
 void setHostStateAside() {
     HostState& host = state().host;
@@ -62,14 +73,29 @@ void setHostStateAside() {
         host.restarts = true;
         glDisable(GL_PRIMITIVE_RESTART);
     }
+    if (provokesFirst()) {
+        host.provokesFirst = true;
+        glProvokingVertex(GL_LAST_VERTEX_CONVENTION);
+    }
+}
+
+void setAttributeAside(int position) {
+    if (!state().host.position) // else the section before did not end
+        state().host.position.emplace(position);
+    advanceByVertex(position);
 }
 
 void giveHostStateBack() {
     const HostState host = std::exchange(state().host, {});
+    if (host.position)
+        host.position->restore();
+    glBindBuffer(GL_ARRAY_BUFFER, 0);
     if (host.vertexArray != 0)
         glBindVertexArray(host.vertexArray);
     if (host.restarts)
         glEnable(GL_PRIMITIVE_RESTART);
+    if (host.provokesFirst)
+        glProvokingVertex(GL_FIRST_VERTEX_CONVENTION);
 }
 
 void readPaletteColor(int index, float (&rgba)[4]) {
@@ -193,9 +219,7 @@ void N3DMarkerRenderer::beginProgram() {
         m_pShader->UseProgram(true);
         setSectionUniforms(*m_pShader);
     }
-    const int position = state().program->GetVertexAttributeLocation(RenderAttribPosition);
-    if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
-        glVertexAttribDivisor(static_cast<GLuint>(position), 0);
+    setAttributeAside(state().program->GetVertexAttributeLocation(RenderAttribPosition));
 }
 
 /// Unbinds the shape, whose enabled attribute would otherwise reach what is drawn next.

@@ -9,6 +9,7 @@
 #include "NRenderUtl/mesh/elementvalues.h"
 #include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 namespace {
 
@@ -64,12 +65,9 @@ std::array<RenderingShaderAttributes, 2> attributesOf(const BatchVertices& verti
     return {RenderAttribPosition, vertices.texCoords ? RenderAttribTexture : RenderAttribColor};
 }
 
-/// A host may have drawn instances from the same attributes.
 void clearDivisors(const NShaderProgram& program, const BatchVertices& vertices) {
-    if (epoxy_gl_version() < 33)
-        return;
     for (const auto attribute : attributesOf(vertices))
-        glVertexAttribDivisor(static_cast<GLuint>(program.GetVertexAttributeLocation(attribute)), 0);
+        advanceByVertex(program.GetVertexAttributeLocation(attribute));
 }
 
 /// Points the attributes at the vertices. What of the arrays is the host's, the caller restores.

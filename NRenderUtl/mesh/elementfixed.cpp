@@ -48,6 +48,7 @@ public:
         glTexParameteri(GL_TEXTURE_1D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
         glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
         const UnpackGuard unpack;
+        const PlainTransferGuard transfer;
         glTexImage1D(GL_TEXTURE_1D, 0, GL_RGB8, static_cast<GLsizei>(bands.texels().size()), 0, GL_RGBA,
                      GL_UNSIGNED_BYTE, bands.texels().data());
     }
@@ -58,22 +59,6 @@ public:
 private:
     GLuint m_name;
 };
-
-/// Vertex colours and nothing else; texture unit 0 is active then.
-void usePlainFragments() {
-    glDisable(GL_LIGHTING);
-    glDisable(GL_FOG);
-    glShadeModel(GL_SMOOTH);
-    GLint units;
-    glGetIntegerv(GL_MAX_TEXTURE_UNITS, &units);
-    for (GLint unit = units; unit-- > 0;) {
-        glActiveTexture(static_cast<GLenum>(GL_TEXTURE0 + unit));
-        for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})
-            glDisable(target);
-    }
-    for (const GLenum generated : {GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R, GL_TEXTURE_GEN_Q})
-        glDisable(generated);
-}
 
 void blend() {
     glEnable(GL_BLEND);
@@ -218,7 +203,11 @@ void ElementFixedRoute::draw(const ElementScene& scene, const double modelView[1
     const AttributesGuard attributes(kChangedGroups);
     const ClientArraysGuard arrays;
     const PlainIndicesGuard indices;
-    usePlainFragments();
+    glDisable(GL_LIGHTING);
+    glShadeModel(GL_SMOOTH);
+    glActiveTexture(GL_TEXTURE0);
+    const PlainFragmentsGuard fragments;
+    const AddingGuard adds;
     const NoProgramGuard program;
     const NoSamplerGuard sampler;
     const MatrixGuard view(GL_MODELVIEW, modelView), texture(GL_TEXTURE, kIdentity);

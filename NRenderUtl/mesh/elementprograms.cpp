@@ -59,6 +59,7 @@ template <class Draw>
 void drawTransparent(const Draw& draw) {
     const AttributesGuard attributes(GL_ENABLE_BIT | GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT |
                                      GL_POLYGON_BIT);
+    const AddingGuard adds;
     glEnable(GL_BLEND);
     glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     glDepthMask(GL_FALSE);

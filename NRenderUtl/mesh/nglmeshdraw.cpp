@@ -40,6 +40,7 @@ void drawFaces(const MeshDraw& draw) {
     const ShadingGuard shading;
     const LightingGuard lighting(true);
     const ClientArraysGuard arrays;
+    const PlainIndicesGuard indices;
     glLightModelf(GL_LIGHT_MODEL_TWO_SIDE, 1.0f);
     glShadeModel(flat ? GL_FLAT : GL_SMOOTH);
     glEnableClientState(GL_VERTEX_ARRAY);

@@ -12,6 +12,7 @@
 #include "NRenderUtl/mesh/nmesh.h"
 #include "NRenderUtl/mesh/pbrlightrig.h"
 #include "NRenderUtl/shaders/samplerunits.h"
+#include "NRenderUtl/shaders/vertexattribute.h"
 
 namespace ngl {
 
@@ -112,8 +113,7 @@ public:
     AttributeArray(NShaderProgram& program, RenderingShaderAttributes attribute, const float* data)
         : m_program(program), m_location(program.GetVertexAttributeLocation(attribute)) {
         program.SetVertexAttribute(m_location, 3, data);
-        if (epoxy_gl_version() >= 33) // a host may have drawn instances from the same attribute
-            glVertexAttribDivisor(static_cast<GLuint>(m_location), 0);
+        advanceByVertex(m_location);
     }
     ~AttributeArray() { m_program.EnableDisableVertexAttribute(m_location, false); }
     AttributeArray(const AttributeArray&) = delete;
