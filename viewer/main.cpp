@@ -13,6 +13,7 @@
 #include "viewer/app/pngwriter.h"
 #include "viewer/app/report.h"
 #include "viewer/bodies/materials.h"
+#include "viewer/contract/contractreport.h"
 #include "viewer/error.h"
 #include "viewer/model/samples.h"
 #include "viewer/window/window.h"
@@ -55,6 +56,8 @@ void run(const Options& options) {
         return printMaterials(std::cout);
     if (options.report)
         return reportStartUp(std::cout, options.fixed);
+    if (options.contract)
+        return checkContract(std::cout);
     std::optional<Script> script;
     if (!options.script.empty())
         script.emplace(options.script);

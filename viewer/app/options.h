@@ -25,6 +25,7 @@ struct Options {
     bool list = false;
     bool materials = false; ///< print the material table and end
     bool report = false;    ///< print what start-up finds and end
+    bool contract = false;  ///< check the contract with the host's OpenGL and end
     bool verbose = false;
     bool panel = true;                        ///< beside the picture in a window
     int samples = 4;                          ///< for each pixel in a window; 1: edges are not smoothed
