@@ -161,9 +161,10 @@ public:
     ~N2DBoxDrawer();
     N2DBoxDrawer& operator=(const N2DBoxDrawer&);
 
-    /// Draws a box by its alpha over what is there, without depth test, lighting, textures and fog; the host's
-    /// clip planes, scissor, masks and polygon mode apply. Sizes of 0 or less draw nothing. Corners and border
-    /// need GLSL 1.50; without it the box is plain. Only the current colour may be another afterwards.
+    /// Draws a box by its alpha over what is there, without depth test, lighting, textures and fog; the
+    /// host's clip planes, scissor, masks and polygon mode apply. Sizes of 0 or less draw nothing. Corners
+    /// and border need GLSL 1.50; without it the box is plain. Only the current colour may be another
+    /// afterwards.
     void Render(const RenderInfo& info);
     /// The two ways of drawing, in the matrices and the viewport that are current: by the program, which is
     /// made at the first call (false where it cannot be), and as a plain quad.
