@@ -211,8 +211,10 @@ void NglMeshRenderer::SetShaderUniforms(RenderPass pass) {
     m_cameraPosition[2] = static_cast<float>(info.cameraPosition.z);
 
     program.SetMVPMatrices(m_projection, m_modelView, true);
-    program.SetMateiralUniforms(&m_frontMaterial, &m_backMaterial);
-    program.SetLightUniforms(static_cast<int>(std::size(m_lights)), m_lights);
+    if (&program == m_pShaderProg) { // the others have no such uniforms
+        program.SetMateiralUniforms(&m_frontMaterial, &m_backMaterial);
+        program.SetLightUniforms(static_cast<int>(std::size(m_lights)), m_lights);
+    }
     program.SetUniformValue(RenderUniformLightsOff, 0);
     program.SetVec3UniformValue(RenderUniformCameraPosition, m_cameraPosition);
     program.SetUniformValue(RenderUniformTransparent, pass == RenderPassTransparent);
