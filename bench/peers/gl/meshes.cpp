@@ -1,4 +1,4 @@
-// A finite-element sheet from buffers: bands found in a fragment stage, one light at the vertices.
+// A finite-element sheet from buffers: one light and bands in a fragment stage.
 #include "bench/peers/gl/gl.h"
 
 #include <algorithm>
@@ -10,38 +10,46 @@ namespace {
 constexpr const char* kVertex = R"(#version 120
 attribute vec3 position, normal;
 attribute float value;
-varying float v_value, v_light;
+varying float v_value;
+varying vec3 v_eye, v_normal;
 void main() {
-    gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
-    v_light = 0.5 + 0.5 * abs(dot(normalize(gl_NormalMatrix * normal), normalize(vec3(-0.2, 0.35, 1.0))));
+    vec4 eye = gl_ModelViewMatrix * vec4(position, 1.0);
+    gl_Position = gl_ProjectionMatrix * eye;
+    v_eye = eye.xyz;
+    v_normal = gl_NormalMatrix * normal;
     v_value = value;
 }
 )";
 constexpr const char* kBandFragment = R"(#version 120
-varying float v_value, v_light;
+varying float v_value;
+varying vec3 v_eye, v_normal;
 uniform sampler1D bands;
 uniform float stretch;
 void main() {
-    gl_FragColor = vec4(texture1D(bands, v_value * stretch).rgb * v_light, 1.0);
+    float cosine = dot(normalize(v_normal), normalize(vec3(-0.2, 0.35, 1.0) - v_eye));
+    gl_FragColor = vec4(texture1D(bands, v_value * stretch).rgb * (0.5 + 0.5 * abs(cosine)), 1.0);
 }
 )";
 constexpr const char* kColorVertex = R"(#version 130
 in vec3 position, normal;
 in vec4 color;
 flat out vec3 v_color;
-out float v_light;
+out vec3 v_eye, v_normal;
 void main() {
-    gl_Position = gl_ModelViewProjectionMatrix * vec4(position, 1.0);
-    v_light = 0.5 + 0.5 * abs(dot(normalize(gl_NormalMatrix * normal), normalize(vec3(-0.2, 0.35, 1.0))));
+    vec4 eye = gl_ModelViewMatrix * vec4(position, 1.0);
+    gl_Position = gl_ProjectionMatrix * eye;
+    v_eye = eye.xyz;
+    v_normal = gl_NormalMatrix * normal;
     v_color = color.rgb;
 }
 )";
 constexpr const char* kColorFragment = R"(#version 130
 flat in vec3 v_color;
-in float v_light;
+in vec3 v_eye, v_normal;
 out vec4 result;
 void main() {
-    result = vec4(v_color * v_light, 1.0);
+    float cosine = dot(normalize(v_normal), normalize(vec3(-0.2, 0.35, 1.0) - v_eye));
+    result = vec4(v_color * (0.5 + 0.5 * abs(cosine)), 1.0);
 }
 )";
 constexpr double kCovered = 0.7;
@@ -214,7 +222,7 @@ std::function<Work(unsigned)> colors(bool change) {
 
 std::vector<Case> meshCases() {
     const std::vector<unsigned> all = {1000, 10000, 100000, 1000000}, large = {100000, 1000000};
-    const char* plain = "one light at the vertices; no state kept, no facts of elements";
+    const char* plain = "one light written out, bands of one width; no state kept, no facts of elements";
     return {{"start.with_context",
              {1},
              [](unsigned) {
