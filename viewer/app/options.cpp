@@ -44,6 +44,13 @@ auto orAuto(Parse parse) {
     };
 }
 
+template <typename Parse>
+auto orOff(Parse parse) {
+    return [parse](const char* option, const std::string& text) {
+        return text == "off" ? std::nullopt : std::optional(parse(option, text));
+    };
+}
+
 /// An option whose text a function turns into a value.
 template <typename Value, typename Parse>
 CLI::Option* addParsed(CLI::App& app, const char* name, Value& value, Parse parse, const char* form,
@@ -100,6 +107,8 @@ void addContentOptions(CLI::App& app, Options& options) {
                        "field to colour by; @node or @cell where both have the name; components are "
                        "numbers from 0, x y z, xx yy zz xy yz xz, mag, mises");
     field->option_text("NAME[@node|@cell][:COMPONENT]")->check(refuseEmpty);
+    addParsed(app, "--color-by", options.shown.colorBy, parseColorBy, "field|block|plain",
+              "what gives elements their colour: --field (default), their block, or nothing");
     app.add_option("--step", options.shown.step, "result step, from 0 (default: the last)")->option_text("N");
     addParsed(app, "--bands", options.scene.bands, parseBands, "N",
               "number of colours (default 12, at most 64)")
@@ -135,6 +144,9 @@ void addElementOptions(CLI::App& app, Options& options) {
     addElements(app, "--highlight", elements.highlighted, "elements to show in the highlight colour");
     addRepeated(app, "--color", elements.colored, parseColored, "LIST=RRGGBB",
                 "elements to show in a colour of their own, without contour; may be repeated");
+    addRepeated(
+        app, "--hide-block", elements.hiddenBlocks, [](const char*, const std::string& name) { return name; },
+        "NAME", "block to leave out; may be repeated");
     addRepeated(app, "--clip", elements.clips, parseClip, "AXIS:MIN,MAX",
                 "keep the elements whose middle lies between two coordinates, one of which may be missing "
                 "(x:,50); may be repeated");
@@ -153,6 +165,10 @@ void addPictureOptions(CLI::App& app, Options& options, std::optional<std::array
                    "draw into a PNG file, without a display (default: a window)")
         ->option_text("FILE.png")
         ->check(refuseEmpty);
+    addParsed(app, "--section", options.shown.section, orOff(parseSection), "AXIS[:PLACE]|X,Y,Z:NX,NY,NZ",
+              "cut the model by a plane, through its middle or a place on an axis, or through a point with a "
+              "normal; what the axis or normal points at is cut away");
+    app.add_flag("--section-handle", options.scene.sectionHandle, "show that plane and its normal");
     addParsed(app, "--edges", options.scene.edges, orAuto(parseEdges), "all|feature|none",
               "element edges (default: all; none of surface models and bodies)");
     addParsed(app, "--shade", options.scene.shading, parseShading, "smooth|flat|element",

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "viewer/error.h"
+#include "viewer/model/vectors.h"
 
 namespace nruview {
 
@@ -96,6 +97,32 @@ std::optional<SupportedNodes> parseSupportKind(std::string_view text) {
     return SupportedNodes{{}, kind, liesAlongAxis(kind) ? static_cast<int>(place) : 0};
 }
 
+/// Three numbers and nothing else.
+std::optional<Point> parsePoint(std::string_view text) {
+    Point point{};
+    std::size_t count = 0;
+    const auto take = [&](std::string_view word) {
+        const auto number = parseNumber<double>(word);
+        if (number && count < 3)
+            point[count] = *number;
+        ++count;
+        return number.has_value();
+    };
+    return forEachWord(text, take) && count == 3 ? std::optional(point) : std::nullopt;
+}
+
+/// "x" or "-x".
+std::optional<Point> parseAxis(std::string_view text) {
+    const bool isNegative = text.starts_with('-');
+    const std::string_view name = text.substr(isNegative ? 1 : 0);
+    const std::size_t axis = name.size() == 1 ? std::string_view("xyz").find(name) : std::string_view::npos;
+    if (axis == std::string_view::npos)
+        return {};
+    Point direction{};
+    direction[axis] = isNegative ? -1.0 : 1.0;
+    return direction;
+}
+
 } // namespace
 
 std::array<double, 2> parseRange(const char* option, const std::string& text) {
@@ -153,6 +180,16 @@ bool parseSwitch(const char* option, const std::string& text) {
     if (text != "on" && text != "off")
         refuse(option, text, "on or off");
     return text == "on";
+}
+
+ColorBy parseColorBy(const char* option, const std::string& text) {
+    if (text == "field")
+        return ColorBy::Field;
+    if (text == "block")
+        return ColorBy::Block;
+    if (text == "plain")
+        return ColorBy::Plain;
+    refuse(option, text, "field, block or plain");
 }
 
 EdgeMode parseEdges(const char* option, const std::string& text) {
@@ -280,6 +317,20 @@ ElementClip parseClip(const char* option, const std::string& text) {
     if (!low || !high || !(*low < *high))
         refuse(option, text, "AXIS:MIN,MAX with MIN below MAX");
     return {static_cast<int>(axis), *low, *high};
+}
+
+SectionPlane parseSection(const char* option, const std::string& text) {
+    const auto parts = split(text, ':');
+    const auto axis = parseAxis(parts ? (*parts)[0] : text);
+    if (axis && !parts)
+        return {{}, *axis};
+    if (const auto place = axis ? parseNumber<double>((*parts)[1]) : std::nullopt)
+        return {*place * Point{std::abs((*axis)[0]), std::abs((*axis)[1]), std::abs((*axis)[2])}, *axis};
+    const auto at = parts ? parsePoint((*parts)[0]) : std::nullopt;
+    const auto normal = parts ? parsePoint((*parts)[1]) : std::nullopt;
+    if (!at || !normal || !(length(*normal) > 0.0) || !std::isfinite(length(*normal)))
+        refuse(option, text, "AXIS, AXIS:PLACE or X,Y,Z:NX,NY,NZ, such as x, -z:30 or 0,0,5:1,1,0");
+    return {*at, *normal};
 }
 
 int parseLevel(const char* option, const std::string& text) {

@@ -14,6 +14,7 @@ int parseBands(const char* option, const std::string& text);
 std::uint32_t parseColor(const char* option, const std::string& text);
 /// Nothing for "auto".
 std::optional<double> parseDeform(const char* option, const std::string& text);
+ColorBy parseColorBy(const char* option, const std::string& text);
 EdgeMode parseEdges(const char* option, const std::string& text);
 ImageUp parseImageUp(const char* option, const std::string& text);
 Shading parseShading(const char* option, const std::string& text);
@@ -30,6 +31,9 @@ ElementClip parseClip(const char* option, const std::string& text);
 Motion parseMotion(const char* option, const std::string& text);
 /// A number of frames, alone or with ":" and a motion.
 AnimationSettings parseAnimation(const char* option, const std::string& text);
+/// "x", "-y:30" or "X,Y,Z:NX,NY,NZ": an axis, which points at what is cut away, and the place on it; or a
+/// point and a normal.
+SectionPlane parseSection(const char* option, const std::string& text);
 /// "on" or "off".
 bool parseSwitch(const char* option, const std::string& text);
 /// A list of nodes as of elements, else the name of a node set.

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 
+#include "viewer/bodies/cutbody.h"
 #include "viewer/bodies/materials.h"
 #include "viewer/model/vectors.h"
+#include "viewer/scene/blockcolors.h"
 
 namespace nruview {
 
@@ -164,7 +166,19 @@ Bodies::Bodies(const ShownModel& shown, const BodySettings& settings, double opa
         attributes.alpha = static_cast<float>(opacity * part.opacity);
         attributes.transparency = attributes.alpha < 1.0f;
         const Point middle = middleOf(meshes[i]);
-        m_bodies.push_back({std::move(meshes[i]), middle, partColor(part, settings), attributes});
+        const NgColorLong color = shown.colorBy == ColorBy::Block ? blockColor(i) : partColor(part, settings);
+        m_bodies.push_back({std::move(meshes[i]), {}, middle, color, attributes});
+    }
+}
+
+void Bodies::cut(const ShownModel& shown) {
+    for (std::size_t i = 0; i < m_bodies.size(); ++i) {
+        Body& body = m_bodies[i];
+        body.cut.reset();
+        if (!shown.section)
+            continue;
+        body.cut = cutBody(body.whole, shown.section->plane);
+        addCap(*body.cut, shown, i);
     }
 }
 
@@ -206,10 +220,11 @@ void Bodies::draw(const std::vector<const Body*>& bodies, ngl::NglMeshRenderer::
         return;
     for (const Body* body : bodies) {
         m_palette[kColorIndex] = body->color;
-        m_renderer.Render(body->mesh.positions.data(), body->mesh.normals.data(),
-                          static_cast<unsigned int>(body->mesh.triangles.size() / 3),
-                          body->mesh.triangles.data(), static_cast<unsigned int>(body->mesh.quads.size() / 4),
-                          body->mesh.quads.data(), body->attributes);
+        const BodyMesh& mesh = body->cut ? *body->cut : body->whole;
+        m_renderer.Render(mesh.positions.data(), mesh.normals.data(),
+                          static_cast<unsigned int>(mesh.triangles.size() / 3), mesh.triangles.data(),
+                          static_cast<unsigned int>(mesh.quads.size() / 4), mesh.quads.data(),
+                          body->attributes);
     }
     m_renderer.RenderEnd();
 }

@@ -21,6 +21,8 @@ public:
     /// Throws ViewerError for an unknown material.
     Bodies(const ShownModel& shown, const BodySettings& settings, double opacity);
 
+    /// Cuts them by the model's section, or makes them whole.
+    void cut(const ShownModel& shown);
     /// Whether the library's programs run here. Needs the frame's context; an environment is built now.
     bool canDraw();
     void drawOpaque();
@@ -29,7 +31,8 @@ public:
 
 private:
     struct Body {
-        BodyMesh mesh;
+        BodyMesh whole;
+        std::optional<BodyMesh> cut; ///< to be drawn in its place
         Point middle;
         NgColorLong color;
         ngl::_RenderAttributes attributes;

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "viewer/labels/axes.h"
+#include "viewer/labels/blocklegend.h"
 #include "viewer/labels/legend.h"
 #include "viewer/labels/marks.h"
 #include "viewer/labels/screen.h"
@@ -52,6 +53,7 @@ struct PictureLabels::Layout {
     std::string title;
     int titleBase = 0;
     bool hasTriad = false;
+    std::optional<BlockLegend> blocks;
     std::vector<Legend> legends;
     PictureArea area;
 };
@@ -75,7 +77,8 @@ void PictureLabels::renew(std::vector<LegendContent> legends, std::string title)
         for (const LegendContent& legend : legends) // their bands are references
             m_legends.push_back(legend);
     m_extremes = m_settings.marks && m_shown.scalars ? findExtremes(m_shown) : std::nullopt;
-    if (!m_title.empty() || !m_legends.empty() || m_extremes || m_settings.axes)
+    const bool namesBlocks = m_settings.legend && m_shown.colorBy == ColorBy::Block;
+    if (!m_title.empty() || !m_legends.empty() || m_extremes || m_settings.axes || namesBlocks)
         makeText();
 }
 
@@ -127,21 +130,33 @@ void PictureLabels::layOutColumn(Layout& layout) const {
     const auto widest = static_cast<int>(kWidestColumn * area.width);
     const bool fitsTriad = m_settings.axes && margin / 2 + triad <= std::min(widest, area.height / 2);
     PixelRect room = {margin, margin, widest, area.height - area.top - margin};
+    bool isPlaced = false;
+    const auto place = [&](const PixelRect& box, bool withTriad) {
+        isPlaced = true;
+        layout.hasTriad = withTriad;
+        room.left = box.right + margin;
+        area.left = box.right + margin / 2;
+    };
+    for (const bool withTriad : {fitsTriad, false}) {
+        room.bottom = margin + (withTriad ? triad : 0);
+        if (m_settings.legend && !layout.blocks)
+            layout.blocks = layOutBlocks(m_shown, room, layout.em_px, layout.style);
+        if (layout.blocks && !isPlaced)
+            place(layout.blocks->box, withTriad);
+    }
     for (const LegendContent& content : m_legends)
         for (const bool withTriad : {fitsTriad, false}) {
-            if (!layout.legends.empty() && withTriad != layout.hasTriad)
+            if (isPlaced && withTriad != layout.hasTriad)
                 continue;
             room.bottom = margin + (withTriad ? triad : 0);
             const auto legend = layOutLegend(content, room, layout.em_px, layout.style);
             if (!legend)
                 continue;
             layout.legends.push_back(*legend);
-            layout.hasTriad |= withTriad;
-            room.left = legend->right + margin;
-            area.left = legend->right + margin / 2;
+            place(legend->box, withTriad);
             break;
         }
-    layout.hasTriad |= fitsTriad && layout.legends.empty();
+    layout.hasTriad |= fitsTriad && !isPlaced;
     if (layout.hasTriad)
         area.left = std::max(area.left, margin / 2 + triad);
 }
@@ -161,6 +176,10 @@ void PictureLabels::draw(const Camera& camera, int width, int height, NgColorLon
         drawIcons(camera, layout);
     if (m_logo)
         m_logo->drawInCorner(width, height, layout.margin);
+    if (layout.blocks) {
+        drawPanel(layout.blocks->box.grownBy(layout.margin * 2 / 5), layout.margin / 2, background, color);
+        drawBlocks(*layout.blocks, layout.style);
+    }
     for (const Legend& legend : layout.legends) {
         const PixelRect panel = legend.box.grownBy(layout.margin * 2 / 5);
         drawPanel(panel, layout.margin / 2, background, color);

@@ -162,7 +162,9 @@ void drawMarks(const ShownModel& shown, const std::array<Extreme, 2>& extremes, 
     for (int i = 0; i < 2; ++i) {
         const std::uint32_t place = nearestOf(shown, extremes[i], towardViewer);
         const std::string what = ofCells ? ", element " + std::to_string(cellNumber(shown.model, place))
-                                         : ", node " + std::to_string(nodeNumber(shown.model, place));
+                                 : place < firstOfCut(shown)
+                                     ? ", node " + std::to_string(nodeNumber(shown.model, place))
+                                     : ", in the cut";
         if (const auto at = windowPosition(positionOf(shown, place), area, height))
             marks.push_back({*at, (i == 0 ? "Min " : "Max ") + numberText(extremes, i) + what});
     }

@@ -91,28 +91,36 @@ private:
 };
 
 void offerSolids(Nearest& nearest, const ShownModel& shown, const Markers& markers, const Ray& ray) {
-    for (const Marker& marker : markers.arrows.markers)
+    const auto forEachShown = [&shown](const MarkerLayer& layer, auto visit) {
+        for (const Marker& marker : layer.markers)
+            if (!isCutAway(shown, marker.at))
+                visit(marker);
+    };
+    forEachShown(markers.arrows, [&](const Marker& marker) {
         nearest.offer(distanceToLine(ray, marker, 0.5 * kArrowWidth * length(marker.axes[0])), [&] {
             return "arrow at " + nodeText(shown, marker.ids[0]) + valueText(markers.arrows, marker.values[0]);
         });
-    for (const Marker& marker : markers.connectors.markers)
+    });
+    forEachShown(markers.connectors, [&](const Marker& marker) {
         nearest.offer(
             distanceToLine(ray, marker,
                            0.5 * std::min(markers.widest, kConnectorWidth * length(marker.axes[0]))),
             [&] { return connectorText(shown, markers.connectors, marker); });
-    for (const Marker& marker : markers.spheres.markers) {
+    });
+    forEachShown(markers.spheres, [&](const Marker& marker) {
         const double radius = std::max(0.5 * markers.sphereSize, kReach_px * pixelLength(marker.at));
         nearest.offer(distanceToEllipsoid(ray, marker.at, {{{radius, 0, 0}, {0, radius, 0}, {0, 0, radius}}}),
                       [&] {
                           return "sphere at " + nodeText(shown, marker.ids[0]) +
                                  valueText(markers.spheres, marker.values[0]);
                       });
-    }
-    for (const Marker& marker : markers.ellipsoids.markers)
+    });
+    forEachShown(markers.ellipsoids, [&](const Marker& marker) {
         nearest.offer(distanceToEllipsoid(ray, marker.at, marker.axes), [&] {
             return "ellipsoid of element " + std::to_string(cellNumber(shown.model, marker.ids[0])) +
                    valueText(markers.ellipsoids, marker.values[0]);
         });
+    });
 }
 
 } // namespace
@@ -122,7 +130,7 @@ std::optional<PickedMarker> pickMarker(const ShownModel& shown, const Markers& m
     const Ray ray = rayThrough(x, y);
     Nearest symbol(hidden), solid(hidden);
     for (std::size_t i = 0; i < markers.supports.size(); ++i)
-        if (isSupportAt(markers.supports[i], x, y))
+        if (!isCutAway(shown, markers.supports[i].at) && isSupportAt(markers.supports[i], x, y))
             symbol.offer(dot(symbolPlace(markers.supports[i]) - ray.origin, ray.direction),
                          [&] { return supportText(shown, markers, i); });
     if (symbol.found)

@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <new>
 
+#include "viewer/markers/markersection.h"
 #include "viewer/markers/supports.h"
 #include "viewer/model/vectors.h"
 #include "viewer/scene/contour.h"
@@ -53,37 +55,6 @@ bool hasValues(const Marker& marker) {
     return !std::isnan(marker.values[0]) && !std::isnan(marker.values[1]);
 }
 
-/// Fixed function adds its light where the programs weigh it: with half ambient and half diffuse light both
-/// show a colour alike. For the length of a block.
-class FixedLight {
-public:
-    FixedLight() {
-        constexpr float kHalf[4] = {0.5f, 0.5f, 0.5f, 1.0f};
-        glPushAttrib(GL_LIGHTING_BIT);
-        glLightfv(GL_LIGHT0, GL_AMBIENT, kHalf);
-        glLightfv(GL_LIGHT0, GL_DIFFUSE, kHalf);
-        glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, GL_FALSE);
-        glEnable(GL_LIGHTING);
-    }
-    ~FixedLight() { glPopAttrib(); }
-    FixedLight(const FixedLight&) = delete;
-    FixedLight& operator=(const FixedLight&) = delete;
-};
-
-/// A section of the library's 3D markers.
-class Section {
-public:
-    explicit Section(_Render3DMarkerType type) {
-        RenderBegin3DMarkerDraw(type, RENDER_3D_MARKER_SHAPE_SMOOTH, false);
-    }
-    ~Section() { RenderEnd3DMarkerDraw(); }
-    Section(const Section&) = delete;
-    Section& operator=(const Section&) = delete;
-
-private:
-    const FixedLight m_light;
-};
-
 } // namespace
 
 MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
@@ -97,12 +68,7 @@ MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
     prepare(m_spheres, markers.spheres);
     prepare(m_connectors, markers.connectors);
     prepare(m_ellipsoids, markers.ellipsoids);
-    double longest = 0.0;
-    for (const Marker& arrow : markers.arrows.markers)
-        longest = std::max(longest, length(arrow.axes[0]));
-    fillArrays(m_arrows, {kArrowWidth, kThinnestArrow * longest, HUGE_VAL});
-    fillArrays(m_spheres, {});
-    fillArrays(m_connectors, {kConnectorWidth, 0.0, markers.widest});
+    cut({});
     if (markers.ellipsoids.markers.empty())
         return;
     m_ball.reset(ngl_hyper_ellipsoid(1.0, 1.0, 1.0, 2, ballResolution(markers.ellipsoids.markers.size())));
@@ -110,9 +76,29 @@ MarkerScene::MarkerScene(const Markers& markers, const SceneSettings& settings,
         throw std::bad_alloc();
 }
 
+void MarkerScene::cut(const std::optional<Plane>& plane) {
+    m_plane = plane;
+    double longest = 0.0;
+    for (const Marker& arrow : m_markers.arrows.markers)
+        longest = std::max(longest, length(arrow.axes[0]));
+    fillArrays(m_arrows, {kArrowWidth, kThinnestArrow * longest, HUGE_VAL});
+    fillArrays(m_spheres, {});
+    fillArrays(m_connectors, {kConnectorWidth, 0.0, m_markers.widest});
+    m_supports.clear();
+    std::copy_if(m_markers.supports.begin(), m_markers.supports.end(), std::back_inserter(m_supports),
+                 [this](const Support& support) { return isShown(support.at); });
+}
+
+bool MarkerScene::isShown(const Point& at) const {
+    return !m_plane || !isBeyond(*m_plane, at);
+}
+
 /// Markers with values apart from the others.
-void MarkerScene::fillArrays(ColoredLayer& colored, const LineWidth& width) {
+void MarkerScene::fillArrays(ColoredLayer& colored, const LineWidth& width) const {
+    colored.contoured = colored.plain = {};
     for (const Marker& marker : colored.layer->markers) {
+        if (!isShown(marker.at))
+            continue;
         const bool hasColors = colored.bands && hasValues(marker);
         LineArrays& lines = hasColors ? colored.contoured : colored.plain;
         const double size = length(marker.axes[0]);
@@ -141,7 +127,7 @@ void MarkerScene::drawSolids() {
 }
 
 void MarkerScene::drawSymbols() const {
-    drawSupports(m_markers.supports);
+    drawSupports(m_supports);
 }
 
 void MarkerScene::addLegends(std::vector<LegendContent>& legends) const {
@@ -161,7 +147,7 @@ void MarkerScene::drawLines(ColoredLayer& colored, _Render3DMarkerType type) {
         markers.contoured = contoured;
         markers.texCoords1 = lines.fromCoordinates.data();
         markers.texCoords2 = lines.toCoordinates.data();
-        const Section section(type);
+        const MarkerSection section(type);
         RenderDraw3DMarkers(&markers);
     };
     if (!colored.contoured.starts.empty()) {
@@ -186,7 +172,7 @@ void MarkerScene::drawSpheres() {
     spheres.contoured = true;
     spheres.texCoords = lines.fromCoordinates.data();
     const ContourInForce contour(*m_spheres.bands, GL_TEXTURE_2D);
-    const Section section(RENDER_3D_MARKER_SPHERE);
+    const MarkerSection section(RENDER_3D_MARKER_SPHERE);
     RenderDraw3DSpheres(&spheres);
 }
 
@@ -197,6 +183,8 @@ void MarkerScene::drawEllipsoids() {
     const FixedLight light;
     const RenderColorScale& scale = m_ellipsoids.bands->scale();
     for (const Marker& ellipsoid : m_ellipsoids.layer->markers) {
+        if (!isShown(ellipsoid.at))
+            continue;
         double transform[4][4] = {};
         for (int k = 0; k < 3; ++k)
             std::copy(ellipsoid.axes[k].begin(), ellipsoid.axes[k].end(), transform[k]);

@@ -8,6 +8,7 @@
 #include "viewer/markers/markers.h"
 #include "viewer/scene/colorbands.h"
 #include "viewer/scene/meshbuilder.h"
+#include "viewer/section/cut.h"
 
 namespace nruview {
 
@@ -21,6 +22,8 @@ public:
     MarkerScene(const MarkerScene&) = delete;
     MarkerScene& operator=(const MarkerScene&) = delete;
 
+    /// Leaves out what stands beyond a plane; nothing: all is there.
+    void cut(const std::optional<Plane>& plane);
     /// Arrows, spheres, connectors and ellipsoids.
     void drawSolids();
     void drawSymbols() const;
@@ -42,12 +45,15 @@ private:
     struct LineWidth {
         double ratio = 0.0, thinnest = 0.0, widest = 0.0;
     };
-    static void fillArrays(ColoredLayer& colored, const LineWidth& width);
+    bool isShown(const Point& at) const;
+    void fillArrays(ColoredLayer& colored, const LineWidth& width) const;
     void drawLines(ColoredLayer& layer, _Render3DMarkerType type);
     void drawSpheres();
     void drawEllipsoids();
 
     const Markers& m_markers;
+    std::optional<Plane> m_plane;
+    std::vector<Support> m_supports; ///< those shown
     ColoredLayer m_arrows, m_spheres, m_connectors, m_ellipsoids;
     MeshPtr m_ball; ///< of radius 1
 };

@@ -10,19 +10,25 @@ namespace nruview {
 
 namespace {
 
-/// Calls visit(number) for every node, or element, that is drawn; for some more than once.
+bool ofElements(const ShownModel& shown) {
+    return shown.scalars->location == FieldLocation::Cell;
+}
+
+/// Calls visit(number, value) for every node and vertex of the cut, or element, that is drawn; for some more
+/// than once.
 template <typename Visit>
 void forEachDrawn(const ShownModel& shown, Visit visit) {
-    const bool ofElements = shown.scalars->location == FieldLocation::Cell;
+    const std::vector<double>& values = shown.scalars->values;
+    const auto isThere = [&shown](std::uint32_t point) { return !isCutAway(shown, shown.points[point]); };
     const auto add = [&](std::span<const std::uint32_t> corners, std::uint32_t cell) {
-        if (!shown.elements.isShown(cell))
+        if (!shown.elements.isShown(cell) || std::none_of(corners.begin(), corners.end(), isThere))
             return;
-        if (ofElements)
-            visit(cell);
+        if (ofElements(shown))
+            visit(cell, values[cell]);
         else
             for (const std::uint32_t point : corners)
-                if (point < shown.model.nodes.size()) // no centre of a split face
-                    visit(point);
+                if (point < shown.model.nodes.size() && isThere(point)) // no centre of a split face
+                    visit(point, values[point]);
     };
     const Surface& surface = shown.surface;
     forEachFace(surface, add);
@@ -30,6 +36,13 @@ void forEachDrawn(const ShownModel& shown, Visit visit) {
         add(surface.lines[i], surface.lineCells[i]);
     for (std::size_t i = 0; i < surface.points.size(); ++i)
         add({&surface.points[i], 1}, surface.pointCells[i]);
+    if (!shown.section)
+        return;
+    const Cut& cut = shown.section->cut;
+    for (const Cut::Polygon& polygon : cut.polygons)
+        for (std::uint32_t i = polygon.first; i < polygon.first + polygon.count; ++i)
+            visit(ofElements(shown) ? polygon.cell : firstOfCut(shown) + i,
+                  valueAtVertex(shown, cut.vertices[i], polygon.cell));
 }
 
 /// Takes a value into account for the smallest (sign 1) or the largest (sign -1).
@@ -49,8 +62,7 @@ void sortOnce(std::vector<std::uint32_t>& numbers) {
 
 std::optional<std::array<Extreme, 2>> findExtremes(const ShownModel& shown) {
     std::optional<Extreme> smallest, largest;
-    forEachDrawn(shown, [&](std::uint32_t number) {
-        const double value = shown.scalars->values[number];
+    forEachDrawn(shown, [&](std::uint32_t number, double value) {
         if (!std::isfinite(value))
             return;
         take(smallest, value, number, 1.0);
@@ -63,14 +75,24 @@ std::optional<std::array<Extreme, 2>> findExtremes(const ShownModel& shown) {
     return std::array{*smallest, *largest};
 }
 
+std::uint32_t firstOfCut(const ShownModel& shown) {
+    return static_cast<std::uint32_t>(shown.points.size());
+}
+
 Point positionOf(const ShownModel& shown, std::uint32_t number) {
-    if (shown.scalars->location == FieldLocation::Node)
-        return shown.points[number];
+    if (!ofElements(shown))
+        return number < firstOfCut(shown) ? shown.points[number]
+                                          : shown.section->corners[number - firstOfCut(shown)];
     Point sum{};
     const std::span<const std::uint32_t> nodes = shown.model.cellNodes(number);
     for (const std::uint32_t node : nodes)
         sum = sum + shown.points[node];
-    return (1.0 / static_cast<double>(nodes.size())) * sum;
+    const Point middle = (1.0 / static_cast<double>(nodes.size())) * sum;
+    if (isCutAway(shown, middle))
+        for (const Cut::Polygon& polygon : shown.section->cut.polygons)
+            if (polygon.cell == number)
+                return middleOf(*shown.section, polygon);
+    return middle;
 }
 
 std::uint32_t nearestOf(const ShownModel& shown, const Extreme& extreme, const Point& towardViewer) {

@@ -8,7 +8,7 @@
 
 namespace nruview {
 
-/// A value and the nodes, or elements, that have it.
+/// A value and the nodes, or elements, that have it; vertices of a cut are numbered behind the nodes.
 struct Extreme {
     double value = 0.0;
     std::vector<std::uint32_t> numbers; ///< ascending, each once
@@ -18,10 +18,13 @@ struct Extreme {
 /// are equal.
 std::optional<std::array<Extreme, 2>> findExtremes(const ShownModel& shown);
 
-/// Where a node, or of an element its middle, is drawn.
+/// The number of a cut's first vertex.
+std::uint32_t firstOfCut(const ShownModel& shown);
+
+/// Where a node or vertex, or of an element its middle or that of its cut, is drawn.
 Point positionOf(const ShownModel& shown, std::uint32_t number);
 
-/// Of its nodes or elements the one nearest to the viewer.
+/// Of those that have it the one nearest to the viewer.
 std::uint32_t nearestOf(const ShownModel& shown, const Extreme& extreme, const Point& towardViewer);
 
 } // namespace nruview

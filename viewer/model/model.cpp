@@ -108,6 +108,14 @@ void Model::addCell(CellType type, std::span<const std::uint32_t> cellNodes) {
     offsets.push_back(static_cast<std::uint32_t>(connectivity.size()));
 }
 
+ModelPart partOf(const Model& model, std::uint32_t cell) {
+    const auto isBefore = [](const ModelPart& part, std::uint32_t i) {
+        return part.firstCell + part.cellCount <= i;
+    };
+    const auto part = std::lower_bound(model.parts.begin(), model.parts.end(), cell, isBefore);
+    return part == model.parts.end() ? ModelPart{} : *part;
+}
+
 std::string_view cellTypeName(CellType type) {
     return cellShape(type).name;
 }

@@ -100,6 +100,9 @@ struct Model {
     void addCell(CellType type, std::span<const std::uint32_t> cellNodes);
 };
 
+/// The part that a cell belongs to; of a model without parts one that says nothing.
+ModelPart partOf(const Model& model, std::uint32_t cell);
+
 std::string_view cellTypeName(CellType type);
 
 /// Throws ViewerError(subject, ...) when indices, counts or coordinates are out of order: a node index out of

@@ -69,7 +69,8 @@ std::vector<bool> coloredElements(const ElementSettings& settings, std::size_t c
 }
 
 bool leavesSomeOut(const ElementFacts& facts) {
-    return !facts.settings.hidden.empty() || !facts.clipped.empty() || facts.settings.failLevel;
+    return !facts.settings.hidden.empty() || !facts.hiddenBlocks.empty() || !facts.clipped.empty() ||
+           facts.settings.failLevel;
 }
 
 std::vector<bool> shownElements(const ElementFacts& facts, std::size_t count) {
@@ -99,6 +100,24 @@ int failureMode(const ElementSettings& settings) {
     return (settings.failField.empty() ? 0 : 1) + (settings.failBeforeField.empty() ? 0 : 2);
 }
 
+ElementList elementsOf(const Model& model, const std::vector<std::string>& blocks) {
+    ElementList elements;
+    for (const std::string& name : blocks) {
+        std::string names;
+        bool isThere = false;
+        for (const ModelPart& part : model.parts) {
+            names += (names.empty() ? "" : ", ") + part.name;
+            isThere |= part.name == name;
+            if (part.name == name && part.cellCount > 0)
+                elements.push_back({part.firstCell, part.firstCell + part.cellCount - 1});
+        }
+        if (!isThere)
+            throw ViewerError("--hide-block", "there is no block " + name + "; the model has " +
+                                                  (names.empty() ? "none" : names));
+    }
+    return elements;
+}
+
 /// Lists of numbers as lists of indices.
 ElementSettings inIndices(const Model& model, ElementSettings settings) {
     settings.hidden = cellIndices(model, settings.hidden, "--hide");
@@ -113,7 +132,10 @@ ElementSettings inIndices(const Model& model, ElementSettings settings) {
 
 ElementFacts elementFacts(const Model& model, const ElementSettings& settings, std::optional<int> step) {
     const std::size_t count = model.cellCount();
-    ElementFacts facts{inIndices(model, settings), clippedElements(model, settings.clips), {}, {}, {}, {}};
+    ElementFacts facts;
+    facts.settings = inIndices(model, settings);
+    facts.hiddenBlocks = elementsOf(model, settings.hiddenBlocks);
+    facts.clipped = clippedElements(model, settings.clips);
     if (settings.failLevel) {
         facts.failFrom = levels(model, "--fail", settings.failField, step);
         facts.existFrom = levels(model, "--fail-before", settings.failBeforeField, step);
@@ -125,7 +147,8 @@ ElementFacts elementFacts(const Model& model, const ElementSettings& settings, s
 
 void applyFacts(const ElementFacts& facts, ngl::NglElementMesh& mesh) {
     const ElementSettings& settings = facts.settings;
-    forEachRange(settings.hidden, [&](auto range) { return mesh.SetVisible(range, false); });
+    for (const ElementList* hidden : {&settings.hidden, &facts.hiddenBlocks})
+        forEachRange(*hidden, [&](auto range) { return mesh.SetVisible(range, false); });
     forEachRange(settings.selected,
                  [&](auto range) { return mesh.SetSelection(range, ngl::NglElementSelected); });
     forEachRange(settings.highlighted,

@@ -10,6 +10,7 @@ namespace nruview {
 /// The settings found good for a model, with what its coordinates and fields say.
 struct ElementFacts {
     ElementSettings settings;             ///< its lists are of indices
+    ElementList hiddenBlocks;             ///< their elements, of indices
     std::vector<std::uint32_t> clipped;   ///< elements outside of a clip interval
     std::vector<int> failFrom, existFrom; ///< levels of every element, -1 = none; empty without a level
     std::vector<bool> shown;              ///< whether an element is drawn; empty: all are

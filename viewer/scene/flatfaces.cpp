@@ -8,6 +8,7 @@
 #include "viewer/bodies/bodies.h"
 #include "viewer/error.h"
 #include "viewer/model/surface.h"
+#include "viewer/scene/blockcolors.h"
 
 namespace nruview {
 
@@ -18,7 +19,7 @@ std::vector<NgColorLong> cellColors(const ShownModel& shown, const BodySettings&
     for (const ModelPart& part : shown.model.parts)
         for (std::size_t i = 0; i < part.cellCount; ++i)
             colors[part.firstCell + i] = partColor(part, body);
-    const std::vector<NgColorLong> own = standOutColors(shown.elements, colors.size());
+    const std::vector<NgColorLong> own = ownColors(shown);
     for (std::size_t i = 0; i < own.size(); ++i)
         colors[i] = own[i] != 0 ? own[i] : colors[i];
     return colors;

@@ -22,6 +22,7 @@ using Index = std::uint32_t;
 
 constexpr double kNodeReach_px = 4.0;
 constexpr double kEdgeReach_px = 3.0;
+constexpr double kOnBorder = 1e-9; ///< weights so far below zero still count
 constexpr double kNever = std::numeric_limits<double>::infinity();
 
 /// A spot of the drawn model: weighted points of an element.
@@ -35,10 +36,9 @@ struct Spot {
 
 /// Moeller & Trumbore (1997): weights of the corners where the ray meets the plane of a triangle; nothing for
 /// a ray within the plane.
-std::optional<std::array<double, 3>> weightsIn(const ShownModel& shown, const Ray& ray,
-                                               const std::array<Index, 3>& corners) {
-    const Point& a = shown.points[corners[0]];
-    const Point ab = shown.points[corners[1]] - a, ac = shown.points[corners[2]] - a;
+std::optional<std::array<double, 3>> weightsIn(const Ray& ray, const std::array<Point, 3>& corners) {
+    const Point& a = corners[0];
+    const Point ab = corners[1] - a, ac = corners[2] - a;
     const Point p = cross(ray.direction, ac);
     const double determinant = dot(ab, p);
     if (determinant == 0.0)
@@ -54,7 +54,7 @@ double smallest(const std::array<double, 3>& weights) {
 }
 
 /// The face that the ray meets first, in double precision; at distance kNever without one.
-Spot firstFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& ray) {
+Spot firstWholeFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& ray) {
     const Point end = ray.origin + ray.direction;
     const _NgPoint3Str from = {ray.origin[0], ray.origin[1], ray.origin[2]}, to = {end[0], end[1], end[2]};
     ngl::NglElementPick picked;
@@ -65,7 +65,8 @@ Spot firstFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& r
     double best = -kNever;
     for (std::size_t i = 2; i < corners.size(); ++i) {
         const std::array<Index, 3> half = {corners[0], corners[i - 1], corners[i]};
-        const auto weights = weightsIn(shown, ray, half);
+        const auto weights =
+            weightsIn(ray, {shown.points[half[0]], shown.points[half[1]], shown.points[half[2]]});
         if (!weights || smallest(*weights) <= best)
             continue;
         best = smallest(*weights);
@@ -73,6 +74,22 @@ Spot firstFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& r
         spot.weights = *weights;
     }
     return spot;
+}
+
+/// The same of what the section leaves, which is before or behind one place of the ray.
+Spot firstFace(const ShownModel& shown, ngl::NglElementMesh& faces, const Ray& ray) {
+    if (!shown.section)
+        return firstWholeFace(shown, faces, ray);
+    const Plane& plane = shown.section->plane;
+    const double start = plane.distance(ray.origin), slope = dot(plane.normal, ray.direction);
+    const double toPlane = slope != 0.0 ? -start / slope : kNever;
+    const bool beginsBeyond = start >= 0.0;
+    if (beginsBeyond && !(toPlane >= 0.0 && toPlane < kNever))
+        return {};
+    const double skipped = beginsBeyond ? toPlane + kInPlane : 0.0; // what lies in the plane is away too
+    Spot spot = firstWholeFace(shown, faces, {ray.origin + skipped * ray.direction, ray.direction});
+    spot.distance += skipped;
+    return beginsBeyond || toPlane < 0.0 || spot.distance < toPlane ? spot : Spot{};
 }
 
 /// Near the model's outline the ray may just miss: the face seen nearest to the pixel, within reach of a
@@ -107,14 +124,18 @@ class Outline {
 public:
     explicit Outline(const ShownModel& shown) : m_shown(shown) {}
     void addNode(Index node) {
-        addVertex(node);
-        addVertex(node);
+        if (!isCutAway(m_shown, m_shown.points[node]))
+            addPoint(node, m_shown.points[node]);
     }
+    /// Of an edge that the section cuts, what it leaves; the end that is not there keeps its number.
     void addEdge(Index from, Index to) {
-        addNode(from);
-        addVertex(from);
-        addVertex(to);
-        addNode(to);
+        Point start = m_shown.points[from], end = m_shown.points[to];
+        if (!keepRest(start, end))
+            return;
+        addPoint(from, start);
+        addVertex(from, start);
+        addVertex(to, end);
+        addPoint(to, end);
     }
 
     /// The nodes of what is nearest to the ray within a reach in model length: two for an edge, its nearer
@@ -141,10 +162,24 @@ public:
     }
 
 private:
-    void addVertex(Index node) {
+    void addPoint(Index node, const Point& position) {
+        addVertex(node, position);
+        addVertex(node, position);
+    }
+    void addVertex(Index node, const Point& position) {
         m_vertices.push_back(static_cast<Index>(m_nodes.size()));
         m_nodes.push_back(node);
-        m_positions.push_back(m_shown.points[node]);
+        m_positions.push_back(position);
+    }
+    /// Shortens a segment to what the section leaves of it; false for nothing.
+    bool keepRest(Point& start, Point& end) const {
+        const bool losesStart = isCutAway(m_shown, start), losesEnd = isCutAway(m_shown, end);
+        if (losesStart != losesEnd) {
+            const Plane& plane = m_shown.section->plane;
+            const double part = plane.distance(start) / (plane.distance(start) - plane.distance(end));
+            (losesStart ? start : end) = start + part * (end - start);
+        }
+        return !(losesStart && losesEnd);
     }
 
     const ShownModel& m_shown;
@@ -186,7 +221,7 @@ Picked pickFace(const ShownModel& shown, const Ray& ray, const Spot& face, bool 
     const double pixel = pixelLength(drawnPosition(shown, face));
     Outline outline = outlineOf(shown, face.face);
     const std::vector<Index> near = outline.nearest(ray, kNodeReach_px * pixel);
-    if (!near.empty() && near[0] < shown.model.nodes.size() &&
+    if (!near.empty() && near[0] < shown.model.nodes.size() && !isCutAway(shown, shown.points[near[0]]) &&
         screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
         return pickedAt(shown, Kind::Node, {0.0, 0, face.cell, {near[0]}, {1.0}}, {near[0], near[0]});
     if (near.size() == 2 && outline.nearest(ray, kEdgeReach_px * pixel).size() == 2) {
@@ -195,6 +230,58 @@ Picked pickFace(const ShownModel& shown, const Ray& ray, const Spot& face, bool 
         return pickedAt(shown, Kind::Edge, spot, {std::min(near[0], near[1]), std::max(near[0], near[1])});
     }
     return direct ? pickedAt(shown, Kind::Element, face, {}) : Picked{};
+}
+
+/// The place of the cut that a ray meets; at distance kNever without one.
+struct CutSpot {
+    double distance = kNever;
+    const Cut::Polygon* polygon = nullptr;
+    std::array<Index, 2> corners{};  ///< of the section
+    std::array<double, 3> weights{}; ///< of them and of the polygon's middle
+};
+
+/// The spot in one of the triangles about the polygon's middle, as they are drawn.
+CutSpot spotIn(const Section& section, const Cut::Polygon& polygon, const Ray& ray) {
+    const Point middle = middleOf(section, polygon);
+    for (Index i = 0; i < polygon.count; ++i) {
+        const Index from = polygon.first + i, to = polygon.first + (i + 1) % polygon.count;
+        const auto weights = weightsIn(ray, {section.corners[from], section.corners[to], middle});
+        if (weights && smallest(*weights) >= -kOnBorder)
+            return {0.0, &polygon, {from, to}, *weights};
+    }
+    return {};
+}
+
+CutSpot cutSpot(const ShownModel& shown, const Ray& ray) {
+    if (!shown.section)
+        return {};
+    const Plane& plane = shown.section->plane;
+    const double slope = dot(plane.normal, ray.direction);
+    const double distance = -plane.distance(ray.origin) / slope;
+    if (!(std::isfinite(distance) && distance >= 0.0))
+        return {};
+    for (const Cut::Polygon& polygon : shown.section->cut.polygons)
+        if (CutSpot spot = spotIn(*shown.section, polygon, ray); spot.polygon) {
+            spot.distance = distance;
+            return spot;
+        }
+    return {};
+}
+
+/// Position and value are blended as they are drawn: the polygon's middle has the mean of its corners.
+Picked pickCut(const ShownModel& shown, const CutSpot& spot) {
+    const Cut::Polygon& polygon = *spot.polygon;
+    Picked picked{Kind::Element, polygon.cell, {}, {}, 0.0, spot.distance};
+    const auto add = [&](Index corner, double weight) {
+        const Cut::Vertex& vertex = shown.section->cut.vertices[corner];
+        picked.position = picked.position + weight * modelPosition(shown, vertex);
+        picked.value += weight * valueAtVertex(shown, vertex, polygon.cell);
+    };
+    add(spot.corners[0], spot.weights[0]);
+    add(spot.corners[1], spot.weights[1]);
+    for (Index i = 0; i < polygon.count; ++i)
+        add(polygon.first + i, spot.weights[2] / polygon.count);
+    return picked;
 }
 
 /// Calls visit(nodes, cell) for every shown single point and piece of a beam, in this order.
@@ -233,14 +320,15 @@ Picked pickLoose(const ShownModel& shown, const Ray& ray, int x, int y, double& 
     });
     const Point middle = 0.5 * (shown.bounds.low + shown.bounds.high);
     const std::vector<Index> near = outline.nearest(ray, kNodeReach_px * pixelLength(middle));
-    if (near.empty())
+    if (near.empty() || (near.size() == 1 && isCutAway(shown, shown.points[near[0]])))
         return {};
     const Index cell = looseCell(shown, near);
     const double part =
         near.size() == 2 ? nearestPart(ray, shown.points[near[0]], shown.points[near[1]]) : 0.0;
     const Spot spot = {0.0, 0, cell, {near[0], near.back()}, {1.0 - part, part}};
     distance = dot(drawnPosition(shown, spot) - ray.origin, ray.direction);
-    if (screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
+    if (!isCutAway(shown, shown.points[near[0]]) &&
+        screenDistance(shown.points[near[0]], x, y) <= kNodeReach_px)
         return pickedAt(shown, Kind::Node, {0.0, 0, cell, {near[0]}, {1.0}}, {near[0], near[0]});
     return pickedAt(shown, Kind::Element, spot, {});
 }
@@ -254,10 +342,13 @@ Picked Picker::pick(int x, int y) {
     const ShownModel& shown = m_shown;
     const Ray ray = rayThrough(x, y);
     const Spot direct = firstFace(shown, m_faces, ray);
+    const CutSpot cut = cutSpot(shown, ray);
     double looseDistance = kNever;
     const Picked loose = pickLoose(shown, ray, x, y, looseDistance);
-    if (loose.kind != Kind::Nothing && looseDistance <= direct.distance)
+    if (loose.kind != Kind::Nothing && looseDistance <= std::min(direct.distance, cut.distance))
         return loose;
+    if (cut.distance < direct.distance)
+        return pickCut(shown, cut);
     const bool hit = direct.distance < kNever;
     const Spot face = hit ? direct : faceAround(shown, m_faces, x, y);
     Picked picked = face.distance < kNever ? pickFace(shown, ray, face, hit, x, y) : Picked{};

@@ -26,9 +26,9 @@ public:
     explicit Picker(const ShownModel& shown);
 
     /// What is seen at a window pixel, y counted from the top, with the view of the last beginFrame: of the
-    /// face
-    /// hit first, a node within 4 pixels, else an edge within 3, else the element. Beams and single points in
-    /// front count too.
+    /// face hit first, a node within 4 pixels, else an edge within 3, else the element. Beams and single
+    /// points in front count too. What a section cuts away is not there; in the cut itself there are the
+    /// elements alone.
     Picked pick(int x, int y);
 
 private:

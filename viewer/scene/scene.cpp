@@ -9,9 +9,11 @@
 #include <new>
 
 #include "viewer/app/messages.h"
+#include "viewer/scene/blockcolors.h"
 #include "viewer/scene/contour.h"
 #include "viewer/scene/facemesh.h"
 #include "viewer/scene/flatfaces.h"
+#include "viewer/section/clipplane.h"
 
 namespace nruview {
 
@@ -126,6 +128,7 @@ ngl::NglElementMesh faceMesh(const ShownModel& shown, const std::optional<ColorB
     mesh.SetAttributes(attributes);
     if (areBodies(shown, settings, body))
         setBodyColors(mesh, shown, body);
+    setBlockColors(shown, mesh);
     if (contour && mesh.ElementCount() != 0)
         setValues(mesh, shown, *bands);
     return mesh;
@@ -141,7 +144,7 @@ struct PartBuilder {
 class LooseBuilder {
 public:
     LooseBuilder(const ShownModel& shown, const std::optional<ColorBands>& bands)
-        : m_shown(shown), m_bands(bands), m_colors(standOutColors(shown.elements, shown.model.cellCount())) {}
+        : m_shown(shown), m_bands(bands), m_colors(ownColors(shown)) {}
 
     void add(PartBuilder& part, std::span<const std::uint32_t> corners, std::uint32_t cell) {
         if (!m_shown.elements.isShown(cell))
@@ -228,8 +231,7 @@ void drawMeshPoints(const _NgMeshStr* mesh, const float* values) {
 Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodySettings& body,
              const Markers* markers)
     : m_settings(settings), m_body(body), m_areBodies(areBodies(shown, settings, body)),
-      m_edgeMode(edgesOf(shown, settings, body)), m_edgeReach_px(edgeReach_px()),
-      m_transparent(settings.opacity < 1.0) {
+      m_edgeMode(edgesOf(shown, settings, body)), m_edgeReach_px(edgeReach_px()) {
     makeBands(shown);
     makeFaces(shown);
     makeLoose(shown);
@@ -240,6 +242,7 @@ Scene::Scene(const ShownModel& shown, const SceneSettings& settings, const BodyS
         m_edges = featureMesh(shown);
     if (markers)
         m_markers.emplace(*markers, settings, m_bands);
+    cut(shown);
 }
 
 Scene::~Scene() {
@@ -248,7 +251,7 @@ Scene::~Scene() {
 }
 
 bool Scene::canUpdate(const ShownModel& shown, const ShownUpdate& update) const {
-    if (update.surface || update.shape || update.showsOthers ||
+    if (update.surface || update.shape || update.showsOthers || update.colorBy ||
         areBodies(shown, m_settings, m_body) != m_areBodies)
         return false;
     if (update.elements && update.elements->colored != shown.elements.colored)
@@ -270,6 +273,8 @@ bool Scene::update(const ShownModel& shown, const ShownUpdate& update) {
             setFacts(shown, *mesh);
     if (update.scalars || update.elements)
         makeLoose(shown);
+    if (update.section || shown.section)
+        cut(shown);
     return true;
 }
 
@@ -307,6 +312,8 @@ void Scene::draw(double scale) {
     drawTransparentFaces(scale);
     if (m_markers)
         m_markers->drawSymbols();
+    if (m_handle)
+        drawHandle(*m_handle, scale);
 }
 
 std::vector<LegendContent> Scene::legends(const ShownModel& shown) const {
@@ -348,6 +355,37 @@ void Scene::makeFaces(const ShownModel& shown) {
         m_coloredFaces = faceMesh(shown, m_bands, m_settings, m_body, true);
 }
 
+void Scene::cut(const ShownModel& shown) {
+    m_cap.reset();
+    m_plane.reset();
+    m_handle.reset();
+    if (shown.section)
+        m_plane = shown.section->plane;
+    if (m_bodies)
+        m_bodies->cut(shown);
+    if (m_markers)
+        m_markers->cut(m_plane);
+    if (!shown.section)
+        return;
+    if (m_settings.sectionHandle)
+        m_handle = handleOf(shown);
+    const bool isBody = m_settings.legacy || m_areBodies;
+    const std::vector<NgColorLong> own = ownColors(shown);
+    CapLook look;
+    look.bands = m_bands ? &*m_bands : nullptr;
+    look.hasOwnColor = [&](const Cut::Polygon& polygon) { return !own.empty() && own[polygon.cell] != 0; };
+    look.color = [&](const Cut::Polygon& polygon) {
+        if (look.hasOwnColor(polygon))
+            return own[polygon.cell];
+        if (!isBody)
+            return plainColor(m_bands);
+        return m_body.hasSides() ? frontColor(m_body) : partColor(partOf(shown.model, polygon.cell), m_body);
+    };
+    look.opacity = m_settings.opacity;
+    look.edges = m_edgeMode;
+    m_cap.emplace(shown, look);
+}
+
 void Scene::makeLoose(const ShownModel& shown) {
     const Surface& surface = shown.surface;
     LooseBuilder builder(shown, m_bands);
@@ -375,12 +413,10 @@ void Scene::drawPart(Part& part, Draw draw) {
 void Scene::drawOpaqueFaces(double scale) {
     glPolygonOffset(static_cast<float>(m_edgeReach_px + 0.5 * (scale - 1.0)), kOffsetUnits);
     glEnable(GL_POLYGON_OFFSET_FILL);
-    if (m_drawFlatFaces)
-        m_drawFlatFaces();
-    else if (m_bodies)
+    if (m_bodies)
         m_bodies->drawOpaque();
-    else if (!m_transparent)
-        drawFaces();
+    else if (m_drawFlatFaces || m_settings.opacity >= 1.0)
+        drawCutFaces();
     glDisable(GL_POLYGON_OFFSET_FILL);
 }
 
@@ -389,9 +425,21 @@ void Scene::drawTransparentFaces(double scale) {
     glEnable(GL_POLYGON_OFFSET_FILL);
     if (m_bodies)
         m_bodies->drawTransparent();
-    else if (m_transparent)
-        drawFaces();
+    else if (!m_drawFlatFaces && m_settings.opacity < 1.0)
+        drawCutFaces();
     glDisable(GL_POLYGON_OFFSET_FILL);
+}
+
+void Scene::drawCutFaces() {
+    {
+        const PlaneInForce plane(m_plane);
+        if (m_drawFlatFaces)
+            m_drawFlatFaces();
+        else
+            drawFaces();
+    }
+    if (m_cap)
+        m_cap->drawFaces();
 }
 
 void Scene::drawFaces() {
@@ -400,23 +448,28 @@ void Scene::drawFaces() {
 }
 
 void Scene::drawBeams(double scale) {
+    const PlaneInForce plane(m_plane);
     glLineWidth(static_cast<float>(scale * kBeamWidth_px));
     drawPart(m_beams, drawLines);
     glLineWidth(1.0f);
 }
 
 void Scene::drawPoints(double scale) {
+    const PlaneInForce plane(m_plane);
     glPointSize(static_cast<float>(scale * kPointSize_px));
     drawPart(m_points, drawMeshPoints);
     glPointSize(1.0f);
 }
 
 void Scene::drawEdges(double scale) {
-    if (!m_edges)
-        return;
     ngl_set_color_long(kEdgeColor);
     glLineWidth(static_cast<float>(scale));
-    ngl_mesh(m_edges.get(), m_edgeMode == EdgeMode::All ? NglMeshEdges : NglMeshSilhouette);
+    if (m_edges) {
+        const PlaneInForce plane(m_plane);
+        ngl_mesh(m_edges.get(), m_edgeMode == EdgeMode::All ? NglMeshEdges : NglMeshSilhouette);
+    }
+    if (m_cap)
+        m_cap->drawEdges();
     glLineWidth(1.0f);
 }
 

@@ -10,6 +10,8 @@
 #include "viewer/scene/colorbands.h"
 #include "viewer/scene/meshbuilder.h"
 #include "viewer/scene/shownmodel.h"
+#include "viewer/section/capscene.h"
+#include "viewer/section/handle.h"
 
 namespace nruview {
 
@@ -26,6 +28,8 @@ public:
     /// Takes over what is new of the shown model, which has it already; the update holds what was there.
     /// False where the scene must be made anew.
     bool update(const ShownModel& shown, const ShownUpdate& update);
+    /// Takes over the section of the shown model, and leaves the rest as it is.
+    void cut(const ShownModel& shown);
     /// The scale is that of line widths, for screens with small pixels.
     void draw(double scale = 1.0);
     /// What the colours of the faces and of the markers mean, for as long as the scene is there.
@@ -46,6 +50,7 @@ private:
     void drawOpaqueFaces(double scale);
     void drawTransparentFaces(double scale);
     void drawFaces();
+    void drawCutFaces();
     void drawBeams(double scale);
     void drawPoints(double scale);
     void drawEdges(double scale);
@@ -59,12 +64,14 @@ private:
     EdgeMode m_edgeMode;
     std::function<void()> m_drawFlatFaces; ///< in place of the faces' meshes, where wanted
     double m_edgeReach_px;
-    bool m_transparent;
     std::optional<Environment> m_environment; ///< of bodies with physically based shading
     std::optional<Bodies> m_bodies;           ///< in place of the faces' meshes
     ngl::NglElementMesh m_coloredFaces, m_plainFaces;
     Part m_beams, m_points;
     MeshPtr m_edges;
+    std::optional<Plane> m_plane; ///< of the section
+    std::optional<CapScene> m_cap;
+    std::optional<SectionHandle> m_handle;
     std::optional<MarkerScene> m_markers;
 };
 

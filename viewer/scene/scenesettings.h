@@ -35,18 +35,32 @@ struct ElementSettings {
     std::optional<int> failLevel = {};   ///< with one or both of the next two
     std::string failField = {};          ///< level from which on an element is left out; empty: none is
     std::string failBeforeField = {};    ///< level before which it is
+    std::vector<std::string> hiddenBlocks = {}; ///< by their names
     bool operator==(const ElementSettings&) const = default;
+};
+
+/// What gives elements their colour.
+enum class ColorBy { Field, Block, Plain };
+
+/// A plane through the model in the shape that is drawn; what lies on the side to which the normal points is
+/// cut away.
+struct SectionPlane {
+    std::optional<Point> at = {}; ///< nothing: the middle of the model
+    Point normal{1.0, 0.0, 0.0};  ///< of any length but 0
+    bool operator==(const SectionPlane&) const = default;
 };
 
 /// What is drawn of a model and in which shape.
 struct ShownSettings {
-    std::string field = {}; ///< as selectScalars takes it; empty draws the model in one colour
+    std::string field = {};           ///< as selectScalars takes it; empty draws the model in one colour
+    ColorBy colorBy = ColorBy::Field; ///< others leave the field aside
     std::optional<int> step = {};
     bool deformed = false;
     std::optional<double> deformFactor = {}; ///< nothing: automatic
     std::string deformBy = {};               ///< the displacement field; empty: found by its name
     std::optional<double> phase_rad = {}; ///< the deformation times its cosine; bounds are those of the swing
     ElementSettings elements = {};
+    std::optional<SectionPlane> section = {};
     std::optional<double> creaseDeg = {}; ///< nothing: the file's normals, else 30 degrees
     bool operator==(const ShownSettings&) const = default;
 };
@@ -84,7 +98,8 @@ struct SceneSettings {
     std::optional<EdgeMode> edges = {}; ///< nothing: all, or none of bodies
     Shading shading = Shading::Smooth;
     double opacity = 1.0;
-    bool legacy = false; ///< faces by the library's face shading; then there are no values
+    bool sectionHandle = false; ///< the frame and the arrow of a section's plane
+    bool legacy = false;        ///< faces by the library's face shading; then there are no values
     bool operator==(const SceneSettings&) const = default;
 };
 

@@ -158,8 +158,12 @@ Shape shapeOf(const Model& model, const Surface& surface, const ShownSettings& s
     return shape;
 }
 
+bool colorsByField(const ShownSettings& settings) {
+    return settings.colorBy == ColorBy::Field && !settings.field.empty();
+}
+
 std::optional<Scalars> scalarsOf(const Model& model, const ShownSettings& settings) {
-    if (settings.field.empty())
+    if (!colorsByField(settings))
         return {};
     return selectScalars(model, settings.field, settings.step);
 }
@@ -173,10 +177,16 @@ bool isOtherShape(const Model& model, const ShownSettings& before, const ShownSe
 }
 
 bool areOtherScalars(const Model& model, const ShownSettings& before, const ShownSettings& after) {
-    if (after.field != before.field)
+    if (after.field != before.field || colorsByField(after) != colorsByField(before))
         return true;
-    return !after.field.empty() && after.step != before.step &&
+    return colorsByField(after) && after.step != before.step &&
            &selectedField(model, after.field, after.step) != &selectedField(model, before.field, before.step);
+}
+
+ColorBy checkedColorBy(const Model& model, const ShownSettings& settings) {
+    if (settings.colorBy == ColorBy::Block && model.parts.empty())
+        throw ViewerError("--color-by", "the model has no blocks");
+    return settings.colorBy;
 }
 
 } // namespace
@@ -193,7 +203,9 @@ ShownModel showModel(Model model, const ShownSettings& settings) {
     shown.elements = elementFacts(model, settings.elements, settings.step);
     shown.surface = extractSurface(model, shown.elements.shown);
     shown.scalars = scalarsOf(model, settings);
+    shown.colorBy = checkedColorBy(model, settings);
     static_cast<Shape&>(shown) = shapeOf(model, shown.surface, settings);
+    shown.section = sectionOf(model, shown, shown.elements.shown, settings.section);
     shown.model = std::move(model);
     return shown;
 }
@@ -207,6 +219,10 @@ void ShownUpdate::swapInto(ShownModel& shown) noexcept {
         std::swap(*shape, static_cast<Shape&>(shown));
     if (scalars)
         std::swap(*scalars, shown.scalars);
+    if (colorBy)
+        std::swap(*colorBy, shown.colorBy);
+    if (section)
+        std::swap(*section, shown.section);
 }
 
 ShownUpdate updateOf(const ShownModel& shown, const ShownSettings& before, const ShownSettings& after) {
@@ -223,6 +239,12 @@ ShownUpdate updateOf(const ShownModel& shown, const ShownSettings& before, const
         update.scalars = scalarsOf(model, after);
     if (update.surface || isOtherShape(model, before, after))
         update.shape = shapeOf(model, update.surface ? *update.surface : shown.surface, after);
+    if (after.colorBy != before.colorBy)
+        update.colorBy = checkedColorBy(model, after);
+    if (after.section != before.section || (after.section && (update.shape || update.showsOthers)))
+        update.section =
+            sectionOf(model, update.shape ? *update.shape : shown,
+                      (update.elements ? *update.elements : shown.elements).shown, after.section);
     return update;
 }
 

@@ -6,6 +6,7 @@
 #include "viewer/scene/camera.h"
 #include "viewer/scene/elements.h"
 #include "viewer/scene/scenesettings.h"
+#include "viewer/section/section.h"
 
 namespace nruview {
 
@@ -29,7 +30,9 @@ struct ShownModel : Shape {
     Model model;
     ElementFacts elements;
     Surface surface;
+    ColorBy colorBy = ColorBy::Field;
     std::optional<Scalars> scalars;
+    std::optional<Section> section;
 };
 
 /// Throws ViewerError for an unknown field, step or element, a missing displacement, or a model with nothing
@@ -42,6 +45,8 @@ struct ShownUpdate {
     std::optional<Surface> surface;
     std::optional<Shape> shape;
     std::optional<std::optional<Scalars>> scalars;
+    std::optional<ColorBy> colorBy;
+    std::optional<std::optional<Section>> section;
     bool showsOthers = false; ///< other elements are drawn
 
     /// Exchanges the parts; a second time undoes it.

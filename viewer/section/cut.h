@@ -13,6 +13,13 @@ struct Plane {
     double distance(const Point& point) const { return dot(normal, point) - offset; }
 };
 
+/// What is so near to a plane counts as in it, in the unit that models are drawn in: coordinates in files
+/// have seven digits or more.
+constexpr double kInPlane = 1e-6;
+inline bool isBeyond(const Plane& plane, const Point& point) {
+    return plane.distance(point) > kInPlane;
+}
+
 /// Polygons that close the cut, one or more for each solid element that the plane meets. Points are the
 /// model's nodes followed by the centres.
 struct Cut {

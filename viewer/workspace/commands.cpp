@@ -183,6 +183,25 @@ std::string symbols(CommandPlace& place, const Words& words) {
     return {};
 }
 
+std::string color(CommandPlace& place, const Words& words) {
+    const ColorBy by = parseColorBy("color", words[1]);
+    place.workspace().change([=](Options& options) { options.shown.colorBy = by; });
+    return {};
+}
+
+std::string section(CommandPlace& place, const Words& words) {
+    if (words.size() == 3 && words[1] == "handle") {
+        const bool shown = parseSwitch("section handle", words[2]);
+        place.workspace().change([=](Options& options) { options.scene.sectionHandle = shown; });
+    } else if (words.size() == 3) {
+        throw ViewerError("section", "is used as: section PLANE|off or section handle on|off");
+    } else {
+        place.workspace().setSection(words[1] == "off" ? std::nullopt
+                                                       : std::optional(parseSection("section", words[1])));
+    }
+    return {};
+}
+
 // --- picking and selection
 
 std::string pick(CommandPlace& place, const Words& words) {
@@ -301,6 +320,8 @@ constexpr Command kCommands[] = {
     {"set", 1, kAny, "set OPTION [VALUE...]", set},
     {"markers", 1, 1, "markers on|off", markers},
     {"symbols", 1, 1, "symbols on|off", symbols},
+    {"color", 1, 1, "color field|block|plain", color},
+    {"section", 1, 2, "section PLANE|off|handle on|handle off", section},
     {"pick", 2, 2, "pick X Y", pick},
     {"click", 2, 3, "click X Y [add|toggle|remove]", click},
     {"box", 4, 6, "box X0 Y0 X1 Y1 [add|toggle|remove] [visible]", box},

@@ -9,6 +9,8 @@
 #include "NRenderUtl/NRenderUtl.h"
 #include "viewer/error.h"
 #include "viewer/scene/frame.h"
+#include "viewer/section/capscene.h"
+#include "viewer/section/clipplane.h"
 
 namespace nruview {
 
@@ -71,15 +73,34 @@ ngl::NglElementMesh numberedFaces(const ShownModel& shown) {
     return mesh;
 }
 
+/// The polygons that close a cut, with numbers behind those of the faces.
+CapScene numberedCut(const ShownModel& shown) {
+    const Surface& surface = shown.surface;
+    const auto first = static_cast<std::uint32_t>(surface.triangles.size() + surface.quads.size());
+    CapLook look;
+    look.color = [&shown, first](const Cut::Polygon& polygon) {
+        return first + static_cast<std::uint32_t>(&polygon - shown.section->cut.polygons.data());
+    };
+    look.lit = false;
+    return {shown, look};
+}
+
 } // namespace
 
 SeenFaces::SeenFaces(const ShownModel& shown, const Camera& camera, int width, int height)
-    : m_width(width), m_height(height),
-      m_isSeen(shown.surface.triangles.size() + shown.surface.quads.size()) {
+    : m_width(width), m_height(height), m_isSeen(shown.surface.triangles.size() + shown.surface.quads.size() +
+                                                 (shown.section ? shown.section->cut.polygons.size() : 0)) {
     ngl::NglElementMesh mesh = numberedFaces(shown);
     const OwnFramebuffer framebuffer(width, height);
     beginFrame(camera, shown.bounds, width, height, kNone);
-    mesh.Draw();
+    if (shown.section) {
+        const PlaneInForce plane(shown.section->plane);
+        mesh.Draw();
+    } else {
+        mesh.Draw();
+    }
+    if (shown.section)
+        numberedCut(shown).drawFaces();
     readBack();
 }
 

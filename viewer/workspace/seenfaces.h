@@ -11,7 +11,8 @@ public:
     /// Throws ViewerError where the driver has no framebuffer objects.
     SeenFaces(const ShownModel& shown, const Camera& camera, int width, int height);
 
-    /// Whether a face, by its place in the order of forEachFace, has a pixel in the picture.
+    /// Whether a face, by its place in the order of forEachFace, or behind those a polygon of the section's
+    /// cut has a pixel in the picture.
     bool isFaceSeen(std::size_t face) const { return m_isSeen[face]; }
     /// Whether no face lies before a point.
     bool isInFront(const Point& point) const;

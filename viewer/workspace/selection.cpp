@@ -12,16 +12,20 @@ namespace nruview {
 
 namespace {
 
-/// Whether each point of the model is drawn within a box. What is behind the eye is nowhere in the picture.
+/// Whether a point is drawn within a box. What is behind the eye is nowhere in the picture.
+bool isWithinBox(const Camera& camera, const Point& point, int width, int height, const PictureBox& box) {
+    const bool isBefore =
+        !camera.perspective || dot(point - camera.target, camera.axes.toward) < camera.distance;
+    return isBefore && box.contains(placeInPicture(camera, point, width, height));
+}
+
+/// The same for each point of the model that no section cuts away.
 std::vector<bool> pointsWithin(const ShownModel& shown, const Camera& camera, int width, int height,
                                const PictureBox& box) {
     std::vector<bool> within(shown.points.size());
-    for (std::size_t i = 0; i < within.size(); ++i) {
-        const Point& point = shown.points[i];
-        const bool isBefore =
-            !camera.perspective || dot(point - camera.target, camera.axes.toward) < camera.distance;
-        within[i] = isBefore && box.contains(placeInPicture(camera, point, width, height));
-    }
+    for (std::size_t i = 0; i < within.size(); ++i)
+        within[i] =
+            !isCutAway(shown, shown.points[i]) && isWithinBox(camera, shown.points[i], width, height, box);
     return within;
 }
 
@@ -55,6 +59,23 @@ Point middleOf(const ShownModel& shown, std::span<const std::uint32_t> corners) 
     for (const std::uint32_t corner : corners)
         sum = sum + 1.0 / static_cast<double>(corners.size()) * shown.points[corner];
     return sum;
+}
+
+/// Calls visit(cell, place) for the polygons of the section's cut that lie within the box, by their places
+/// behind the faces.
+template <typename Visit>
+void forEachCutWithin(const ShownModel& shown, const Camera& camera, int width, int height,
+                      const PictureBox& box, Visit visit) {
+    if (!shown.section)
+        return;
+    std::size_t place = shown.surface.triangles.size() + shown.surface.quads.size();
+    for (const Cut::Polygon& polygon : shown.section->cut.polygons) {
+        const auto* corners = shown.section->corners.data() + polygon.first;
+        if (std::all_of(corners, corners + polygon.count,
+                        [&](const Point& corner) { return isWithinBox(camera, corner, width, height, box); }))
+            visit(polygon.cell, place);
+        ++place;
+    }
 }
 
 } // namespace
@@ -108,6 +129,8 @@ Cells cellsWithin(const ShownModel& shown, const Camera& camera, int width, int 
     Cells cells;
     forEachWithin(shown, pointsWithin(shown, camera, width, height, box),
                   [&](auto, std::uint32_t cell, std::size_t) { cells.push_back(cell); });
+    forEachCutWithin(shown, camera, width, height, box,
+                     [&](std::uint32_t cell, std::size_t) { cells.push_back(cell); });
     sortOnce(cells);
     return cells;
 }
@@ -122,6 +145,10 @@ Cells visibleCellsWithin(const ShownModel& shown, const Camera& camera, int widt
                                              : seen.isInFront(middleOf(shown, corners)))
                           cells.push_back(cell);
                   });
+    forEachCutWithin(shown, camera, width, height, box, [&](std::uint32_t cell, std::size_t place) {
+        if (seen.isFaceSeen(place))
+            cells.push_back(cell);
+    });
     sortOnce(cells);
     return cells;
 }

@@ -111,7 +111,7 @@ void Workspace::renew(const Options& options, const ShownUpdate& update) {
     if (!looksAlike || movesMarkers || !drawing->scene.update(shown, update)) {
         drawing = std::make_unique<Drawing>(shown, options);
         drawing->labels.setScale(m_scale);
-    } else if (update.scalars) {
+    } else if (update.scalars || update.section) {
         drawing->labels.renew(drawing->scene.legends(shown), titleOf(shown, options));
     }
     if (update.shape || update.showsOthers)
@@ -149,7 +149,9 @@ void Workspace::resize(int width, int height, double scale) {
 
 void Workspace::draw(int width, int height, double scale) {
     resize(width, height, scale);
-    beginFrame(m_camera, bounds(), width, height, m_options.background);
+    const bool hasHandle = m_options.scene.sectionHandle && shown().section;
+    beginFrame(m_camera, hasHandle ? boundsWith(bounds(), handleOf(shown())) : bounds(), width, height,
+               m_options.background);
     m_made->drawing->scene.draw(m_scale);
     m_made->drawing->labels.draw(m_camera, width, height, m_options.background);
     if (m_readOut)
@@ -304,7 +306,14 @@ void Workspace::isolateSelected() {
 }
 
 void Workspace::showAll() {
-    change([](Options& options) { options.shown.elements.hidden.clear(); });
+    change([](Options& options) {
+        options.shown.elements.hidden.clear();
+        options.shown.elements.hiddenBlocks.clear();
+    });
+}
+
+void Workspace::setSection(const std::optional<SectionPlane>& plane) {
+    change([&plane](Options& options) { options.shown.section = plane; });
 }
 
 int Workspace::stepCount() const {

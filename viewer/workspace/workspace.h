@@ -87,6 +87,9 @@ public:
     void isolateSelected();
     void showAll();
 
+    /// Cuts the model by a plane, or no longer.
+    void setSection(const std::optional<SectionPlane>& plane);
+
     // Results in motion.
     int stepCount() const;
     int step() const;
