@@ -243,7 +243,7 @@ ShownUpdate updateOf(const ShownModel& shown, const ShownSettings& before, const
         update.colorBy = checkedColorBy(model, after);
     if (after.section != before.section || (after.section && (update.shape || update.showsOthers)))
         update.section =
-            sectionOf(model, update.shape ? *update.shape : shown,
+            sectionOf(model, update.shape ? *update.shape : static_cast<const Shape&>(shown),
                       (update.elements ? *update.elements : shown.elements).shown, after.section);
     return update;
 }

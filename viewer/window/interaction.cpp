@@ -63,6 +63,24 @@ WindowRequest cancel(Interaction& interaction) {
     return WindowRequest::None;
 }
 
+/// Across the axis of the model that points most at the viewer.
+WindowRequest toggleSection(Interaction& interaction) {
+    Workspace& workspace = interaction.workspace();
+    if (workspace.options().shown.section) {
+        workspace.setSection({});
+        return WindowRequest::None;
+    }
+    const Point& toward = workspace.camera().axes.toward;
+    std::size_t axis = 0;
+    for (const std::size_t k : {1, 2})
+        if (std::abs(toward[k]) > std::abs(toward[axis]) + 1e-9)
+            axis = k;
+    SectionPlane plane{{}, {}};
+    plane.normal[axis] = toward[axis] < 0.0 ? -1.0 : 1.0;
+    workspace.setSection(plane);
+    return WindowRequest::None;
+}
+
 /// How a click goes together with what is selected. A box adds where a click toggles.
 Selecting selectingBy(Modifiers held, bool isBox) {
     if (held.shift && held.control)
@@ -90,6 +108,7 @@ constexpr KeyAction kActions[] = {
     {"i", "isolate the selection", act<&Workspace::isolateSelected>},
     {"a", "show all", act<&Workspace::showAll>},
     {"b", "boxes by dragging on, off", toggleBoxMode},
+    {"c", "cut by a plane across the view on, off", toggleSection},
     {"escape", "give up a box; select nothing", cancel},
     {"space", "play, stop", ask<WindowRequest::TogglePlaying>},
     {"right", "next step; also .", goToStep<1>},
@@ -145,10 +164,23 @@ void Interaction::press(MouseButton button, Modifiers held) {
         return; // one button at a time
     m_readOut.reset();
     m_drag = Drag{button, held, motionOf(button, held), m_x, m_y};
+    if (button == MouseButton::Left && !held.shift && !held.control)
+        takeHandle();
     if (m_drag->motion == Motion::Pan)
         m_drag->anchor = m_workspace.anchorAt(m_x, m_y);
     if (m_drag->motion == Motion::Turn)
         m_drag->anchor = seenAt(m_x, m_y);
+}
+
+/// Where there is a section's handle, it is dragged.
+void Interaction::takeHandle() {
+    if (!m_workspace.options().scene.sectionHandle)
+        return;
+    const auto grip = gripSection(m_workspace.shown(), static_cast<int>(m_x), static_cast<int>(m_y));
+    if (!grip)
+        return;
+    m_drag->motion = Motion::Section;
+    m_drag->grip = *grip;
 }
 
 /// What turns stay about: the model where it is seen, else the camera's target.
@@ -180,6 +212,9 @@ void Interaction::goOn(double x, double y) {
         turnAbout(drag.anchor, kTurnRadPerPixel * dx, -kTurnRadPerPixel * dy);
     if (drag.motion == Motion::Pan)
         m_workspace.drag(drag.anchor, x, y);
+    if (drag.motion == Motion::Section)
+        m_workspace.setSection(
+            draggedSection(m_workspace.shown(), drag.grip, static_cast<int>(x), static_cast<int>(y)));
     if (drag.motion == Motion::Zoom)
         m_workspace.zoom(std::pow(kZoomPerPixel, -dy), drag.x, drag.y);
 }

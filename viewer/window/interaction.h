@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "viewer/section/handle.h"
 #include "viewer/workspace/workspace.h"
 
 namespace nruview {
@@ -61,16 +62,18 @@ public:
     bool readsOut = true;
 
 private:
-    enum class Motion { None, Turn, Pan, Zoom, Box };
+    enum class Motion { None, Turn, Pan, Zoom, Box, Section };
     struct Drag {
         MouseButton button = MouseButton::Left;
         Modifiers held;
         Motion motion = Motion::None;
         double x = 0.0, y = 0.0; ///< where it began
         Point anchor{};          ///< what was seen there
+        HandleGrip grip = {};    ///< of the section's handle
         bool hasMoved = false;
     };
     Motion motionOf(MouseButton button, Modifiers held) const;
+    void takeHandle();
     Point seenAt(double x, double y) const;
     void goOn(double x, double y);
     void turnAbout(const Point& anchor, double rightRad, double upRad);

@@ -109,6 +109,7 @@ void Panel::layOut(double left, double width, double height) {
     layOutResult();
     layOutColors();
     layOutPicture();
+    layOutSection();
     layOutBody();
     layOutMarkers();
     layOutSelection();

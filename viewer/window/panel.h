@@ -62,6 +62,8 @@ private:
     void layOutViews();
     void layOutBody();
     void layOutMarkers();
+    // panelsection.cpp
+    void layOutSection();
 
     bool isBlockSeen(const ModelPart& part) const;
     void showBlock(const ModelPart& part, bool on);

@@ -40,6 +40,12 @@ constexpr double kWaitFrame_s = 0.1; ///< while something takes long, which is n
 constexpr double kWidestPanel = 0.5; ///< of the window
 constexpr int kFramesToSettle = 4;   ///< Dear ImGui measures a list that opens before it shows it
 
+/// A section in a window can be moved.
+Options withHandle(Options options) {
+    options.scene.sectionHandle = true;
+    return options;
+}
+
 std::string windowTitle(const Options& options) {
     return (options.sample.empty() ? options.file : options.sample) + " – nruview";
 }
@@ -47,7 +53,7 @@ std::string windowTitle(const Options& options) {
 /// All that is there once the model is.
 struct Stage {
     Stage(Model model, const Options& options)
-        : session(options.fixed), workspace(std::move(model), options), interaction(workspace),
+        : session(options.fixed), workspace(std::move(model), withHandle(options)), interaction(workspace),
           player(workspace), panel(workspace, interaction, player) {}
 
     LibrarySession session;
