@@ -307,10 +307,6 @@ TEST_F(ExodusReader, BadFilesGetOneReason) {
                 v.values = values;
         return file;
     };
-    const auto typed = [](const char* type) {
-        ExodusWriter file = oneElement({type, 8, 8, "", {}});
-        return file;
-    };
     ExodusWriter other, noY = twoBlocks(), hollow = twoBlocks();
     other.dimensions = {{"lon", 3}};
     noY.variables.erase(noY.variables.begin() + 1);
@@ -329,8 +325,10 @@ TEST_F(ExodusReader, BadFilesGetOneReason) {
         {changed("connect1", {1, 2, 3, 0}), 0, "has an element with node 0 of 5 in connect1"},
         {changed("node_ns1", {5, 7}), 0, "has node 7 of 5 in held"},
         {changed("coordz", {0, NAN, 0, 0, 0}), 0, "node 1 has a coordinate that is not finite"},
-        {typed("nfaced"), 0, "has no elements of a supported type; skipped 1 elements of type nfaced"},
-        {typed(""), 0, "has no elements of a supported type; skipped 1 elements without a type"},
+        {oneElement({"nfaced", 8, 8, "", {}}), 0,
+         "has no elements of a supported type; skipped 1 elements of type nfaced"},
+        {oneElement({"", 8, 8, "", {}}), 0,
+         "has no elements of a supported type; skipped 1 elements without a type"},
     };
     for (auto row : rows) {
         row.file.write(kPath.string(), row.mode);

@@ -94,9 +94,10 @@ void addElements(CLI::App& app, const char* name, ElementList& list, const char*
 }
 
 void addContentOptions(CLI::App& app, Options& options) {
-    CLI::Option* file = app.add_option("file", options.file,
-                                       "file to draw: finite elements (.vtu, .vtk) or a surface (.stl, .obj, "
-                                       ".ply, .glb, .gltf)");
+    CLI::Option* file =
+        app.add_option("file", options.file,
+                       "file to draw: finite elements (.vtu, .pvd, .vtk, .frd, .inp, .msh, .e, "
+                       ".exo) or a surface (.stl, .obj, .ply, .glb, .gltf)");
     file->option_text("FILE")->check(refuseEmpty);
     app.add_option("--sample", options.sample, sampleHelp())
         ->option_text("NAME[:N]")

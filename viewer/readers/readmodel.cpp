@@ -30,9 +30,8 @@ Model readContent(std::string_view content, const std::string& path) {
         return std::move(*surface);
     readers::refusePacked(content);
     throw readers::Refusal(
-        "is none of .vtu and .pvd (VTK XML), legacy .vtk, Exodus II, .frd, .inp, .msh (Gmsh), "
-        ".stl, .obj, .ply, .glb and "
-        ".gltf");
+        "is none of .vtu and .pvd (VTK XML), legacy .vtk, Exodus II, .frd, .inp, .msh (Gmsh), .stl, .obj, "
+        ".ply, .glb and .gltf");
 }
 
 } // namespace
