@@ -241,6 +241,8 @@ TEST_F(Workspaces, WhatIsUnderTheCursorStaysThere) {
         const Point target = m_workspace->camera().target;
         run("pan 10 0; pan -10 0");
         EXPECT_LT(length(m_workspace->camera().target - target), 1e-12);
+        run("isolate 0; fit selected");
+        EXPECT_NEAR(m_workspace->camera().halfHeight, 0.25 * size, 0.05 * size) << "one of four in a row";
     }
 }
 

@@ -20,9 +20,10 @@ namespace {
 constexpr double kOpacityOverTensors = 0.2;
 constexpr const char* kNone = "none"; ///< a list of nothing
 /// What a model that is shown has already.
-constexpr std::string_view kFixedOptions[] = {
-    "--help", "--version",   "--file", "--sample", "--output",  "--script",   "--animate", "--list",
-    "--pick", "--materials", "--size", "--fixed",  "--verbose", "--no-panel", "--samples", "--scale"};
+constexpr std::string_view kFixedOptions[] = {"--help",    "--version", "--file",  "--sample",  "--output",
+                                              "--script",  "--animate", "--list",  "--pick",    "--materials",
+                                              "--report",  "--size",    "--fixed", "--verbose", "--no-panel",
+                                              "--samples", "--scale"};
 
 std::string sampleHelp() {
     std::string text = "a built-in model instead of a file, N elements along its longest side:";

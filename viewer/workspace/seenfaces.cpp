@@ -58,6 +58,8 @@ ngl::NglElementMesh numberedFaces(const ShownModel& shown) {
     input.elementCount = static_cast<std::uint32_t>(numbers.size());
     if (numbers.empty())
         return mesh;
+    if (numbers.size() >= kNone)
+        throw ViewerError("selection", "there are too many faces to tell which of them are visible");
     if (mesh.Create(input) != 0 ||
         mesh.SetColors(ngl::NglElements::Range(0, input.elementCount), numbers.data()) != 0)
         throw std::bad_alloc();

@@ -94,7 +94,7 @@ Cells cellsOfBlock(const Model& model, const std::string& name) {
     std::string names;
     for (const ModelPart& part : model.parts) {
         names += (names.empty() ? "" : ", ") + part.name;
-        if (part.name == name && part.cellCount > 0)
+        if ((part.name == name || part.name == "block " + name) && part.cellCount > 0)
             ranges.push_back({part.firstCell, part.firstCell + part.cellCount - 1});
     }
     if (ranges.empty())

@@ -12,7 +12,8 @@ enum class Selecting { Replace, Add, Toggle, Remove };
 /// Ascending, each once.
 using Cells = std::vector<std::uint32_t>;
 Cells cellsOf(const ElementList& indices);
-/// The cells of the parts of a name; throws ViewerError where there is none.
+/// The cells of the parts of a name, "block 7" by its number alone too; throws ViewerError where there is
+/// none.
 Cells cellsOfBlock(const Model& model, const std::string& name);
 Cells joined(const Cells& before, const Cells& cells, Selecting how);
 

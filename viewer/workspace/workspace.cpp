@@ -18,8 +18,12 @@ namespace {
 
 constexpr double kNearestZoom = 1e-6, kFarthestZoom = 1e4; ///< height of the picture, by the model's size
 
-/// Selected elements that are drawn, as a box.
-Bounds boundsOfCells(const ShownModel& shown, const std::vector<std::uint32_t>& cells) {
+Cells allCells(const Model& model) {
+    return cellsOf({{0, static_cast<std::uint32_t>(model.cellCount() - 1)}});
+}
+
+/// Those of some elements that are drawn, as a box.
+Bounds boundsOfCells(const ShownModel& shown, const Cells& cells) {
     Bounds bounds;
     for (const std::uint32_t cell : cells)
         if (shown.elements.isShown(cell))
@@ -186,7 +190,8 @@ void Workspace::fit() {
 }
 
 void Workspace::fitSelected() {
-    const Bounds bounds = boundsOfCells(shown(), selected());
+    const Cells cells = selected();
+    const Bounds bounds = boundsOfCells(shown(), cells.empty() ? allCells(shown().model) : cells);
     if (bounds.empty())
         return fit();
     m_camera = fitCamera(m_camera.axes, bounds, area(), m_camera.perspective);
@@ -292,8 +297,7 @@ void Workspace::hide(const Cells& cells) {
 }
 
 void Workspace::isolate(const Cells& cells) {
-    const ElementList all = {{0, static_cast<std::uint32_t>(shown().model.cellCount() - 1)}};
-    const Cells others = joined(cellsOf(all), cells, Selecting::Remove);
+    const Cells others = joined(allCells(shown().model), cells, Selecting::Remove);
     change([&](Options& options) {
         options.shown.elements.hidden = numbersOfCells(shown().model, others);
         options.shown.elements.selected.clear();

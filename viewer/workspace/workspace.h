@@ -44,7 +44,7 @@ public:
     /// Turns it to other axes; target and size stay, a fitted view stays fitted.
     void look(const ViewAxes& axes);
     void fit();
-    /// Nothing selected: all.
+    /// Nothing selected: what is not hidden.
     void fitSelected();
     /// A box as the file's coordinates have it, which takes the place of the model's for this time.
     void fitTo(const Bounds& bounds);
