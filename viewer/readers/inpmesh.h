@@ -18,7 +18,8 @@ struct InpSetPiece {
     std::vector<std::string> names; ///< of other sets, or with a number, of what an instance has
 
     void add(std::int64_t number) {
-        if (!ranges.empty() && ranges.back().step == 1 && ranges.back().last + 1 == number)
+        if (!ranges.empty() && ranges.back().step == 1 && ranges.back().last < number &&
+            ranges.back().last == number - 1)
             ranges.back().last = number;
         else
             ranges.push_back({number, number, 1});
