@@ -88,8 +88,10 @@ void N2DBoxDrawer::Render(const RenderInfo& info) {
         return;
     const WindowScope window({info.x, info.y, info.width, info.height}, true);
     const bool plain = info.roundedCorners == 0 && info.border == 0;
-    if (plain || !DrawWithVAMode(info))
-        DrawWithImmediateMode(info);
+    if (!plain && DrawWithVAMode(info))
+        return;
+    const PlainFragmentsGuard untextured;
+    DrawWithImmediateMode(info);
 }
 
 bool N2DBoxDrawer::DrawWithVAMode(const RenderInfo& info) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "NRenderUtl/Texture/ntexture.h"
 #include "NRenderUtl/Texture/texturesources.h"
@@ -210,9 +211,12 @@ void NuTexture::RenderAsRectangle(int x, int y, int width, int height, const Ren
     width = width > 0 ? width : m_width;
     height = height > 0 ? height : m_height;
     const WindowScope window({x, y, width, height}, m_pixelFormat == GL_RGBA);
+    const bool byProgram = (info.roundedCorners != 0 || info.border != 0) && BuildProgram();
+    std::optional<PlainFragmentsGuard> fragments;
+    if (!byProgram)
+        fragments.emplace();
     const TexturedScope textured(m_texture);
-    const bool plain = info.roundedCorners == 0 && info.border == 0;
-    if (plain || !DrawAsRectangleWithVAMode(width, height, info))
+    if (!byProgram || !DrawAsRectangleWithVAMode(width, height, info))
         DrawAsRectangleWithImmediateMode(width, height, info);
 }
 
@@ -252,6 +256,7 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     const WindowRectangle window{x, y, diameter, diameter};
     {
         const WindowScope scope(window, m_pixelFormat == GL_RGBA);
+        const PlainFragmentsGuard fragments;
         const TexturedScope textured(m_texture);
         const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
         const bool byRows = filled / 2 <= kLargestDiscOfRows && pixelsAreCentres();
@@ -267,6 +272,7 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     ngl_set_line_width(info.borderThickness);
     {
         const WindowScope scope(window, m_pixelFormat == GL_RGBA);
+        const PlainFragmentsGuard fragments;
         const DisabledGuard whole({GL_LINE_STIPPLE, GL_LINE_SMOOTH});
         DrawCircle(diameter / 2, within(diameter, info.borderThickness) / 2, false);
     }

@@ -43,8 +43,7 @@ struct WindowRectangle {
     int x, y, width, height; ///< sizes above 0
 };
 
-/// One unit a pixel of the rectangle, from its lower left corner; no depth test, no lighting, no program, no
-/// textures.
+/// One unit a pixel of the rectangle, from its lower left corner; no depth test, no lighting, no program.
 /// Blending only where asked for, else as the host has it. Changes of the current texture coordinate and
 /// matrix mode go with the scope.
 class WindowScope {
@@ -69,7 +68,6 @@ private:
     const AttributesGuard m_groups{GL_TRANSFORM_BIT | GL_VIEWPORT_BIT | GL_DEPTH_BUFFER_BIT};
     const NoDepthTestGuard m_onTop;
     const LightingGuard m_unlit{false};
-    const PlainFragmentsGuard m_plain;
     const DisabledGuard m_asTheyAre{GL_ALPHA_TEST, GL_COLOR_LOGIC_OP};
     const NoProgramGuard m_fixedFunction;
     std::optional<TranslucencyGuard> m_translucency;

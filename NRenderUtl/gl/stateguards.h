@@ -388,7 +388,8 @@ private:
     DisabledFeatures m_features;
 };
 
-/// Fixed function gives fragments the colour of their vertices. The active unit is kept.
+/// Fixed function gives fragments the colour of their vertices, or that of one texture at the coordinates of
+/// unit 0 as they are sent. The active unit is kept.
 class PlainFragmentsGuard {
 public:
     PlainFragmentsGuard() {
@@ -396,32 +397,36 @@ public:
         glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
         glGetIntegerv(GL_MAX_TEXTURE_UNITS, &count);
         m_units.resize(static_cast<std::size_t>(count));
-        for (GLenum unit = 0; unit < m_units.size(); ++unit) {
+        const bool hasRectangles = epoxy_gl_version() >= 31;
+        for (GLenum unit = static_cast<GLenum>(count); unit-- > 0;) {
             glActiveTexture(GL_TEXTURE0 + unit);
-            for (const GLenum feature : kOfUnits)
-                m_units[unit].disable(feature);
-            if (epoxy_gl_version() >= 31)
+            for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})
+                m_units[unit].disable(target);
+            if (hasRectangles)
                 m_units[unit].disable(GL_TEXTURE_RECTANGLE);
         }
+        for (const GLenum generated :
+             {GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R, GL_TEXTURE_GEN_Q})
+            m_units[0].disable(generated);
         glActiveTexture(static_cast<GLenum>(active));
     }
     ~PlainFragmentsGuard() {
-        GLint active;
-        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-        for (GLenum unit = 0; unit < m_units.size(); ++unit)
-            if (!m_units[unit].empty()) {
-                glActiveTexture(GL_TEXTURE0 + unit);
-                m_units[unit].restore();
-            }
-        glActiveTexture(static_cast<GLenum>(active));
+        GLint active = 0;
+        for (GLenum unit = 0; unit < m_units.size(); ++unit) {
+            if (m_units[unit].empty())
+                continue;
+            if (active == 0)
+                glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
+            glActiveTexture(GL_TEXTURE0 + unit);
+            m_units[unit].restore();
+        }
+        if (active != 0)
+            glActiveTexture(static_cast<GLenum>(active));
     }
     PlainFragmentsGuard(const PlainFragmentsGuard&) = delete;
     PlainFragmentsGuard& operator=(const PlainFragmentsGuard&) = delete;
 
 private:
-    static constexpr GLenum kOfUnits[] = {GL_TEXTURE_1D,       GL_TEXTURE_2D,    GL_TEXTURE_3D,
-                                          GL_TEXTURE_CUBE_MAP, GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T,
-                                          GL_TEXTURE_GEN_R,    GL_TEXTURE_GEN_Q};
     /// Point sprites too: drivers in software give other primitives their coordinates.
     const DisabledGuard m_others{GL_FOG, GL_COLOR_SUM, GL_POINT_SPRITE};
     std::vector<DisabledFeatures> m_units;
