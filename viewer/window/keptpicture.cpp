@@ -73,12 +73,13 @@ bool KeptPicture::resize(int width, int height) {
     return true;
 }
 
-void KeptPicture::beginDrawing() {
-    glBindFramebuffer(GL_FRAMEBUFFER, m_samples > 0 ? m_drawn.framebuffer : m_finished.framebuffer);
+void KeptPicture::beginDrawing(bool quickly) {
+    m_isQuick = quickly || m_samples == 0;
+    glBindFramebuffer(GL_FRAMEBUFFER, m_isQuick ? m_finished.framebuffer : m_drawn.framebuffer);
 }
 
 void KeptPicture::endDrawing() {
-    if (m_samples == 0)
+    if (m_isQuick)
         return;
     glBindFramebuffer(GL_DRAW_FRAMEBUFFER, m_finished.framebuffer);
     glBlitFramebuffer(0, 0, m_width, m_height, 0, 0, m_width, m_height, GL_COLOR_BUFFER_BIT, GL_NEAREST);

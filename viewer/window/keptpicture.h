@@ -21,8 +21,9 @@ public:
     /// Whether the size was another one. What was drawn is then gone.
     bool resize(int width, int height);
 
-    /// What is drawn from here on goes into the picture.
-    void beginDrawing();
+    /// What is drawn from here on goes into the picture, with one sample for each pixel where it must be
+    /// quick.
+    void beginDrawing(bool quickly = false);
     void endDrawing();
     /// Binds the finished picture, to be drawn upon.
     void bindFinished() const;
@@ -40,6 +41,7 @@ private:
     static void remove(Target& target);
 
     int m_samples, m_width = 0, m_height = 0;
+    bool m_isQuick = false;
     Target m_drawn, m_finished; ///< one and the same without multisampling
 };
 

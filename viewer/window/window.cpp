@@ -37,6 +37,7 @@ namespace {
 constexpr double kRest_s = 0.15; ///< the mouse stands still from here on
 constexpr double kFrame_s = 1.0 / 60.0, kCursorBlink_s = 0.4, kLongestStep_s = 0.25;
 constexpr double kWaitFrame_s = 0.1; ///< while something takes long, which is not to be slowed down
+constexpr double kSlow_s = 0.1;      ///< pictures that take longer are no motion
 constexpr double kWidestPanel = 0.5; ///< of the window
 constexpr int kFramesToSettle = 4;   ///< Dear ImGui measures a list that opens before it shows it
 
@@ -86,7 +87,8 @@ private:
     void goOn();
     void frame();
     void makeEnvironment();
-    void drawPicture();
+    void drawPicture(bool quickly = false);
+    bool isMoving() const { return m_stage->interaction.pressed() || m_stage->player.isPlaying(); }
     void drawBand();
     void show();
     void waitForEvents();
@@ -115,6 +117,7 @@ private:
     double m_scale = 1.0;
     double m_mouseX = 0.0;
     double m_busySince = 0.0, m_restAt = INFINITY, m_playedAt = 0.0;
+    bool m_isQuick = false, m_isSlow = false; ///< the picture that is shown; whole pictures
     int m_framesDue = 1;
     std::optional<std::array<int, 4>> m_band; ///< that is in the finished picture
     std::exception_ptr m_failure;
@@ -176,8 +179,10 @@ void ViewerWindow::makeEnvironment() {
     m_isBusy = wasBusy;
 }
 
-void ViewerWindow::drawPicture() {
-    m_picture.beginDrawing();
+/// Where a picture takes long, those of a motion have plain edges, and the last one is drawn once more.
+void ViewerWindow::drawPicture(bool quickly) {
+    m_isQuick = quickly;
+    m_picture.beginDrawing(quickly);
     workspace().draw(m_picture.width(), m_picture.height(), m_scale);
     m_picture.endDrawing();
     m_band.reset();
@@ -399,7 +404,7 @@ void ViewerWindow::run() {
         if (m_script && m_script->hasQuit())
             return;
         goOn();
-        if (m_framesDue > 0 || workspace().needsDrawing())
+        if (m_framesDue > 0 || workspace().needsDrawing() || (m_isQuick && !isMoving()))
             frame();
     }
 }
@@ -431,9 +436,13 @@ void ViewerWindow::frame() {
         m_framesDue = kFramesToSettle;
     if (const std::string file = m_stage->panel.takeScreenshot(); !file.empty())
         saveScreenshot(file);
-    if (workspace().needsDrawing())
-        drawPicture();
+    const bool draws = workspace().needsDrawing() || (m_isQuick && !isMoving());
+    const double start = glfwGetTime();
+    if (draws)
+        drawPicture(m_isSlow && isMoving());
     show();
+    if (draws && !m_isQuick)
+        m_isSlow = glfwGetTime() - start > kSlow_s;
 }
 
 void ViewerWindow::waitForEvents() {
@@ -443,7 +452,8 @@ void ViewerWindow::waitForEvents() {
         until = std::min(until, time + kCursorBlink_s);
     if (m_stage->player.isPlaying())
         until = std::min(until, m_playedAt + kFrame_s);
-    if (m_framesDue > 0 || workspace().needsDrawing() || (m_script && !m_script->isAtEnd()))
+    if (m_framesDue > 0 || workspace().needsDrawing() || (m_isQuick && !isMoving()) ||
+        (m_script && !m_script->isAtEnd()))
         glfwPollEvents();
     else if (std::isinf(until))
         glfwWaitEvents();
