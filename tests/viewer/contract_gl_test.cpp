@@ -2,6 +2,7 @@
 #include "tests/support/fewsamples.h"
 #include "tests/support/gltest.h"
 #include "viewer/contract/contract.h"
+#include "viewer/contract/routes.h"
 #include "viewer/scene/frame.h"
 
 using namespace nrutest;
@@ -117,6 +118,22 @@ TEST_F(GlTest, ContractCheckFindsWhatBreaksIt) {
             found += cell.outcome == Outcome::Fault && cell.fault.find(row.fault) != cell.fault.npos;
         EXPECT_GE(found, row.atLeast) << row.name;
     }
+}
+
+Route routeOf(std::string_view name) {
+    for (const FamilyRoute& family : familyRoutes())
+        if (family.name == name)
+            return family.route;
+    return Route::NotDrawn;
+}
+
+TEST_F(GlTest, RoutesAreThoseThatArePutToUse) {
+    takeFewSamples();
+    const LibrarySession session;
+    EXPECT_EQ(routeOf("element mesh, marked"), Route::Programs);
+    EXPECT_EQ(routeOf("lines"), Route::FixedFunction);
+    SetUserDefinedFastRenderingMode(0);
+    EXPECT_EQ(routeOf("element mesh, marked"), Route::FixedFunction);
 }
 
 } // namespace

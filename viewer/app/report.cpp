@@ -6,12 +6,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 #include <vector>
 
 #include "viewer/app/messages.h"
 #include "viewer/app/offscreen.h"
+#include "viewer/contract/frames.h"
+#include "viewer/contract/routes.h"
 #include "viewer/error.h"
 #include "viewer/scene/frame.h"
 
@@ -128,11 +131,33 @@ void reportDecision(std::ostream& out, const std::vector<std::string>& messages)
             << (RenderingGetShaderProgram(type)->IsProgramValid() ? ": built\n" : ": not there\n");
 }
 
+/// Why what could use programs does not.
+const char* reasonAgainstPrograms(bool fixed) {
+    const char* mode = std::getenv("NU_RENDERING_MODE");
+    if (IsFastRendererEnabled() == 0 && (fixed || (mode != nullptr && std::atoi(mode) == 1)))
+        return fixed ? "--fixed asks for it" : "NU_RENDERING_MODE=1 asks for it";
+    return "the driver lacks what its programs need";
+}
+
+void reportRoutes(std::ostream& out, bool fixed) {
+    out << "drawn by\n";
+    for (const FamilyRoute& family : familyRoutes()) {
+        const bool byPrograms = family.route == Route::Programs;
+        out << "  " << family.name << ": "
+            << (byPrograms                             ? "GLSL"
+                : family.route == Route::FixedFunction ? "fixed function"
+                                                       : "nothing");
+        if (family.couldUsePrograms && !byPrograms)
+            out << ", as " << reasonAgainstPrograms(fixed);
+        out << "\n";
+    }
+}
+
 } // namespace
 
 void reportStartUp(std::ostream& out, bool fixed) {
     OffscreenContext context;
-    if (const std::string reason = context.create(64, 64); !reason.empty())
+    if (const std::string reason = context.create(Frames::kSize, Frames::kSize); !reason.empty())
         throw ViewerError("off-screen drawing", reason);
     routeMessages(true);
     const HeldMessages messages;
@@ -142,6 +167,7 @@ void reportStartUp(std::ostream& out, bool fixed) {
     reportEnvironment(out);
     reportCapabilities(out);
     reportDecision(out, messages.all());
+    reportRoutes(out, fixed);
 }
 
 } // namespace nruview
