@@ -120,7 +120,7 @@ void Panel::layOutAnimation() {
 }
 
 void Panel::layOutColors() {
-    if (options().shown.field.empty() || !section("Colours", true))
+    if (!m_workspace.shown().scalars || !section("Colours", true))
         return;
     const SceneSettings& scene = options().scene;
     int bands = scene.bands;
