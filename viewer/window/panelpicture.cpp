@@ -66,7 +66,7 @@ void Panel::layOutPicture() {
     const SceneSettings& scene = options().scene;
     int colors = static_cast<int>(options().shown.colorBy);
     if (!m_workspace.shown().model.parts.empty() && choose("Colour by", {"field", "block", "plain"}, colors))
-        change([&](Options& options) { options.shown.colorBy = static_cast<ColorBy>(colors); });
+        change([=](Options& options) { options.shown.colorBy = static_cast<ColorBy>(colors); });
     option("Perspective", options().perspective, [](Options& options, bool on) { options.perspective = on; });
     int edges = scene.edges ? static_cast<int>(*scene.edges) + 1 : 0;
     if (choose("Edges", {"automatic", "all", "feature edges", "none"}, edges))

@@ -40,8 +40,8 @@ void Panel::layOutSection() {
     if (!section("Section", false))
         return;
     const std::optional<SectionPlane> plane = options().shown.section;
-    const auto set = [&](const std::optional<SectionPlane>& to) {
-        attempt([&] { m_workspace.setSection(to); });
+    const auto set = [this](const std::optional<SectionPlane>& to) {
+        later([this, to] { m_workspace.setSection(to); });
     };
     int row = rowOf(plane);
     std::vector<std::string> rows = {"none", "across x", "across y", "across z"};
