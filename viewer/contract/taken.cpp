@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 namespace nruview {
 
@@ -140,6 +141,12 @@ const char* reasonToTake(const Family& family, const HostState& state) {
         if (isNamed(families, family.name) && isNamed(states, state.name))
             return reason;
     return nullptr;
+}
+
+bool takesGroup(FamilyKind kind, StateGroup group) {
+    return std::any_of(std::begin(kTakenGroups), std::end(kTakenGroups), [=](const TakenGroups& row) {
+        return isIn(row.kinds, kind) && isIn(row.groups, group);
+    });
 }
 
 const char* reasonToLeave(const Family& family, const GlStateKey& key) {
