@@ -144,6 +144,7 @@ TEST_F(ViewerProgram, ReportsEveryErrorInOneLine) {
         "--field '';--sample hole;--colour;--bands 65 --field T;--bands 3x --field T;--range 2,1 --field T;"
         "--range 0,inf --field T;--view top;--size 100;--size 20000x10;--background blue;--pick 3;"
         "--deform much;--hide 1-0;--hide 0,,1;--select 1-;--color 0=#12345g;--color 7=red;--clip w:0,1;"
+        "--section w;--section x:;--section 1,2:1,0,0;--section 1,2,3:0,0,0;--color-by part;--hide-block low;"
         "--clip x:,;--fail-level 1.5 --fail T@cell;--marks;--plain --title T;--opacity 1.1;--crease 181");
     for (std::string option; std::getline(options, option, ';');)
         rows.push_back("@two.vtk " + option + " => " + option.substr(0, option.find(' ')));
