@@ -14,6 +14,7 @@
 #include "viewer/app/report.h"
 #include "viewer/bodies/materials.h"
 #include "viewer/contract/contractreport.h"
+#include "viewer/contract/routes.h"
 #include "viewer/error.h"
 #include "viewer/model/samples.h"
 #include "viewer/window/window.h"
@@ -56,6 +57,8 @@ void run(const Options& options) {
         return printMaterials(std::cout);
     if (options.report)
         return reportStartUp(std::cout, options.fixed);
+    if (!options.families.empty())
+        return writeFamilyPictures(options.families, options.fixed);
     if (options.contract)
         return checkContract(std::cout);
     std::optional<Script> script;

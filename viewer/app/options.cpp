@@ -306,6 +306,10 @@ void addReportOptions(CLI::App& app, Options& options) {
         "print the node, edge or element under a pixel, counted from the upper left corner, with its value");
     app.add_flag("--report", options.report,
                  "print what start-up finds of the driver and how it will draw, for a bug report, and end");
+    app.add_option("--families", options.families,
+                   "draw a small picture of each family of drawing into a folder, and end")
+        ->option_text("FOLDER")
+        ->check(refuseEmpty);
     app.add_flag("--contract", options.contract,
                  "check what the library and a host's OpenGL state do to each other, print it and end");
     app.add_flag("--verbose", options.verbose, "tell on standard error what the library has decided");
@@ -418,7 +422,7 @@ std::optional<Options> readOptions(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw ViewerError("command line", firstLine(error.what()));
     }
-    if (options.materials || options.report || options.contract)
+    if (options.materials || options.report || options.contract || !options.families.empty())
         return options;
     if (options.file.empty() && options.sample.empty())
         throw ViewerError("command line", "a FILE or --sample NAME is needed; --help lists the options");

@@ -25,6 +25,7 @@ struct Options {
     bool list = false;
     bool materials = false; ///< print the material table and end
     bool report = false;    ///< print what start-up finds and end
+    std::string families;   ///< folder for a picture of each family of drawing; empty: none are drawn
     bool contract = false;  ///< check the contract with the host's OpenGL and end
     bool verbose = false;
     bool panel = true;                        ///< beside the picture in a window
