@@ -1,11 +1,9 @@
 // GL state that drawing changes for the length of a block.
 #pragma once
 
-#include <initializer_list>
-#include <vector>
-
 #include <epoxy/gl.h>
 
+#include "NRenderUtl/gl/featureguards.h"
 #include "NRenderUtl/gl/ngl.h"
 
 /// Switches lighting on or off.
@@ -348,115 +346,6 @@ private:
         glPixelTransferf(name, plain);
     }
     GLfloat m_values[9];
-};
-
-/// Features that were on and have been switched off.
-class DisabledFeatures {
-public:
-    bool empty() const { return m_wereOn.empty(); }
-    void disable(GLenum feature) {
-        if (!glIsEnabled(feature))
-            return;
-        glDisable(feature);
-        m_wereOn.push_back(feature);
-    }
-    void restore() const {
-        for (const GLenum feature : m_wereOn)
-            glEnable(feature);
-    }
-
-private:
-    std::vector<GLenum> m_wereOn;
-};
-
-/// Switches features off.
-class DisabledGuard {
-public:
-    DisabledGuard(std::initializer_list<GLenum> features) {
-        for (const GLenum feature : features)
-            disable(feature);
-    }
-    ~DisabledGuard() { m_features.restore(); }
-    DisabledGuard(const DisabledGuard&) = delete;
-    DisabledGuard& operator=(const DisabledGuard&) = delete;
-
-protected:
-    DisabledGuard() = default;
-    void disable(GLenum feature) { m_features.disable(feature); }
-
-private:
-    DisabledFeatures m_features;
-};
-
-/// Fixed function gives fragments the colour of their vertices, or that of one texture at the coordinates of
-/// unit 0 as they are sent. The active unit is kept.
-class PlainFragmentsGuard {
-public:
-    PlainFragmentsGuard() {
-        GLint active, count = 0;
-        glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-        glGetIntegerv(GL_MAX_TEXTURE_UNITS, &count);
-        m_units.resize(static_cast<std::size_t>(count));
-        const bool hasRectangles = epoxy_gl_version() >= 31;
-        for (GLenum unit = static_cast<GLenum>(count); unit-- > 0;) {
-            glActiveTexture(GL_TEXTURE0 + unit);
-            for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})
-                m_units[unit].disable(target);
-            if (hasRectangles)
-                m_units[unit].disable(GL_TEXTURE_RECTANGLE);
-        }
-        for (const GLenum generated :
-             {GL_TEXTURE_GEN_S, GL_TEXTURE_GEN_T, GL_TEXTURE_GEN_R, GL_TEXTURE_GEN_Q})
-            m_units[0].disable(generated);
-        glActiveTexture(static_cast<GLenum>(active));
-    }
-    ~PlainFragmentsGuard() {
-        GLint active = 0;
-        for (GLenum unit = 0; unit < m_units.size(); ++unit) {
-            if (m_units[unit].empty())
-                continue;
-            if (active == 0)
-                glGetIntegerv(GL_ACTIVE_TEXTURE, &active);
-            glActiveTexture(GL_TEXTURE0 + unit);
-            m_units[unit].restore();
-        }
-        if (active != 0)
-            glActiveTexture(static_cast<GLenum>(active));
-    }
-    PlainFragmentsGuard(const PlainFragmentsGuard&) = delete;
-    PlainFragmentsGuard& operator=(const PlainFragmentsGuard&) = delete;
-
-private:
-    /// Point sprites too: drivers in software give other primitives their coordinates.
-    const DisabledGuard m_others{GL_FOG, GL_COLOR_SUM, GL_POINT_SPRITE};
-    std::vector<DisabledFeatures> m_units;
-};
-
-/// No clip planes: programs that write no clip distance leave it undefined.
-class NoClipPlanesGuard : public DisabledGuard {
-public:
-    NoClipPlanesGuard() {
-        GLint planes = 0;
-        glGetIntegerv(GL_MAX_CLIP_PLANES, &planes);
-        for (GLint i = 0; i < planes; ++i)
-            disable(GL_CLIP_PLANE0 + static_cast<GLenum>(i));
-    }
-};
-
-/// Faces are filled, whichever way they turn.
-class FilledFacesGuard : public DisabledGuard {
-public:
-    FilledFacesGuard() : DisabledGuard({GL_CULL_FACE, GL_POLYGON_STIPPLE, GL_POLYGON_SMOOTH}) {
-        glGetIntegerv(GL_POLYGON_MODE, m_modes);
-        glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-    }
-    ~FilledFacesGuard() {
-        glPolygonMode(GL_FRONT, static_cast<GLenum>(m_modes[0]));
-        glPolygonMode(GL_BACK, static_cast<GLenum>(m_modes[1]));
-    }
-
-private:
-    GLint m_modes[2];
 };
 
 /// All channels of the first colour buffer and the depth are written; clearing gives black and the far plane.

@@ -238,7 +238,7 @@ int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vec
         ngl_get_floats_from_color_long(*color, rgba[0], rgba[1], rgba[2]);
     else
         glGetFloatv(GL_CURRENT_COLOR, rgba);
-    NShaderProgram* program = m_bShaderActive ? state().program : nullptr;
+    NShaderProgram* program = m_bShaderActive && m_pShader ? state().program : nullptr; // parked: none
     if (program)
         setBlendingUniforms(*program);
     // The shapes' interface takes pointers to what they only read.
