@@ -143,10 +143,10 @@ NRENDERUTL_API int NglInitGLExtensions();
 NRENDERUTL_API int NglIsFBOSupported();
 NRENDERUTL_API int NglIsVBOSupported();
 NRENDERUTL_API int NglIsShaderSupported();
-/// Whether the context has one of the capabilities that start-up asks for, by number: 0 geometry stages of core
-/// GLSL 1.50 or ARB_geometry_shader4, 1 those of EXT_geometry_shader4 or core, 2 vertex shaders, 3 fragment
-/// shaders with GLSL 1.50, 4 and 5 framebuffer objects (EXT, ARB), 6 OpenGL 3.0, 7 buffer objects, 8 texture
-/// buffer objects. 0 for any other number and before NglInitGLExtensions.
+/// Whether the context has one of the capabilities that start-up asks for, by number: 0 geometry stages of
+/// core GLSL 1.50 or ARB_geometry_shader4, 1 those of EXT_geometry_shader4 or core, 2 vertex shaders, 3
+/// fragment shaders with GLSL 1.50, 4 and 5 framebuffer objects (EXT, ARB), 6 OpenGL 3.0, 7 buffer objects, 8
+/// texture buffer objects. 0 for any other number and before NglInitGLExtensions.
 NRENDERUTL_API int NglHasCapability(int number);
 /// Loads a record (not null): it is copied and its colour index becomes current. NglSetMatrices first loads
 /// its matrices and viewport into the current context and leaves the model-view mode selected;
