@@ -1,4 +1,4 @@
-// A host in forty lines: a window that turns a contoured surface.
+// A whole host with a window, which turns a contoured surface. The read-me shows it.
 #include <GLFW/glfw3.h>
 #include <NRenderUtl/NRenderUtl.h>
 
