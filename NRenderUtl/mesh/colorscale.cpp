@@ -30,6 +30,41 @@ NgColorLong mixColors(NgColorLong from, NgColorLong to, float t) {
     return mixed;
 }
 
+using Bands = std::vector<RenderColorScale::ColorBand>;
+
+bool isInside(const RenderColorScale::ColorBand& band, float value) {
+    return value >= band.min_val && band.max_val > value;
+}
+
+/// The band in which a value from min to below max lies if all are of one width.
+int evenBand(int count, float min, float max, float value) {
+    return std::min(static_cast<int>((value - min) / (max - min) * static_cast<float>(count)), count - 1);
+}
+
+/// Whether bands ascend without overlap, so that a value is in one at most, and are so alike in width that
+/// this one is known without a search. The last must end well above its start for the rule of equal maxima.
+bool areEven(const Bands& bands, float min, float max) {
+    if (bands.empty() || !std::isfinite(max - min) || hostEqual(bands.back().min_val, max))
+        return false;
+    const int count = static_cast<int>(bands.size());
+    float end = min;
+    for (int i = 0; i < count; ++i) {
+        const float middle = bands[i].min_val + (bands[i].max_val - bands[i].min_val) / 2;
+        if (!(bands[i].min_val >= end) || !isInside(bands[i], middle) ||
+            evenBand(count, min, max, middle) != i)
+            return false;
+        end = bands[i].max_val;
+    }
+    return true;
+}
+
+NgColorLong colorIn(const Bands& bands, std::size_t index, bool smeared, float value) {
+    const auto& [start, end, color] = bands[index];
+    if (!smeared || index == bands.size() - 1)
+        return color;
+    return mixColors(color, bands[index + 1].color, (value - start) / (end - start));
+}
+
 } // namespace
 
 static_assert(sizeof(RenderColorScale::ColorBand) == 12, "bands are copied and uploaded as one block");
@@ -77,6 +112,11 @@ NgColorLong RenderColorScale::GetColor(float value) const {
     if (count < 1)
         return kUnsetColor;
     return ngl_add_transparency_into_rgb_color([&] {
+        if (m_even && value >= m_minValue && value < m_maxValue) {
+            const int guess = evenBand(count, m_minValue, m_maxValue, value);
+            if (isInside(m_bands[guess], value))
+                return colorIn(m_bands, guess, m_smeared, value);
+        }
         if (hostEqual(m_minValue, m_maxValue))
             return m_bands[count / 2].color;
         if (value < m_minValue)
@@ -86,13 +126,7 @@ NgColorLong RenderColorScale::GetColor(float value) const {
         if (hostEqual(value, m_maxValue))
             return m_bands.back().color;
         const int index = FindBandIndex(value);
-        if (index < 0)
-            return kGapColor;
-        const ColorBand& band = m_bands[index];
-        if (!m_smeared || index == count - 1)
-            return band.color;
-        const float t = (value - band.min_val) / (band.max_val - band.min_val);
-        return mixColors(band.color, m_bands[index + 1].color, t);
+        return index < 0 ? kGapColor : colorIn(m_bands, index, m_smeared, value);
     }());
 }
 
@@ -108,6 +142,7 @@ void RenderColorScale::SetColorBands(const std::vector<ColorBand>& bands) {
         m_minValue = std::min(m_minValue, band.min_val);
         m_maxValue = std::max(m_maxValue, band.max_val);
     }
+    m_even = areEven(m_bands, m_minValue, m_maxValue);
 }
 
 void RenderColorScale::Reset() {
@@ -117,6 +152,7 @@ void RenderColorScale::Reset() {
     m_outOfRangeMinColor = kUnsetColor;
     m_outOfRangeMaxColor = kUnsetColor;
     m_smeared = false;
+    m_even = false;
 }
 
 int RenderColorScale::FindBandIndex(float value) const {
@@ -125,7 +161,7 @@ int RenderColorScale::FindBandIndex(float value) const {
     while (low <= high) {
         const int mid = (low + high) / 2;
         const ColorBand& band = m_bands[mid];
-        if (value >= band.min_val && band.max_val > value)
+        if (isInside(band, value))
             return mid;
         if (band.min_val > value)
             high = mid - 1;

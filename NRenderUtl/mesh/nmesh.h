@@ -58,6 +58,7 @@ private:
     NgColorLong m_outOfRangeMinColor;
     NgColorLong m_outOfRangeMaxColor;
     bool m_smeared;
+    bool m_even; ///< a value's band follows from the range, without a search
 };
 
 /// What the host fills for one contour texture. The field order is part of the interface.

@@ -1,6 +1,7 @@
 // Which colour a value has, and what the host's texture attributes make of a scale.
 #include <algorithm>
 #include <cfloat>
+#include <cmath>
 #include <limits>
 #include <tuple>
 #include <vector>
@@ -50,6 +51,25 @@ TEST(RenderColorScale, FindsEveryOfAtMost64Bands) {
               "Can not set given color band array because max color "
               "bands limit exceeded! Please check and fix\n");
     EXPECT_EQ(scale.GetMaxValue(), 64.0f);
+}
+
+// Limits that no division gives back exactly, of bands alike in width, nearly so, and not at all.
+TEST(RenderColorScale, LimitsDecideToTheLastBit) {
+    ngl_set_blending_value(0);
+    for (const float bend : {0.0f, 0.001f, 0.09f}) {
+        SCOPED_TRACE(bend);
+        const auto limit = [=](unsigned i) { return 0.1f * i - 3 + bend * (i % 2); };
+        Bands bands;
+        for (unsigned i = 0; i < 63; ++i)
+            bands.push_back({limit(i), limit(i + 1), i});
+        RenderColorScale scale;
+        scale.SetColorBands(bands);
+        for (unsigned i = 1; i < bands.size(); ++i) {
+            ASSERT_EQ(scale.GetColor(bands[i].min_val), i);
+            ASSERT_EQ(scale.GetColor(std::nextafter(bands[i].max_val, -kInf)), i);
+            ASSERT_EQ(scale.GetColor(std::nextafter(bands[i - 1].max_val, -kInf)), i - 1);
+        }
+    }
 }
 
 TEST(RenderColorScale, InitialAndEmptyLimits) {
