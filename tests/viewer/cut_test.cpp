@@ -1,22 +1,17 @@
 // Cuts through solid elements against closed formulas for areas and volumes, linear fields and the skin.
 #include "viewer/section/cut.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <map>
 #include <numbers>
 #include <random>
 #include <tuple>
 
-#include "viewer/model/celltypes.h"
-#include "viewer/model/surface.h"
+#include "tests/viewer/elements.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
-using Index = std::uint32_t;
 
 Plane planeThrough(const Point& at, const Point& normal) {
     return {unit(normal), dot(unit(normal), at)};
@@ -45,24 +40,6 @@ double areaOf(const Model& model, const Cut& cut, const Plane& plane) {
     return area;
 }
 
-/// An element whose nodes stand at places in quarters of skew axes, three digits each.
-Model single(CellType type, const std::string& places, double mirror) {
-    const std::array<Point, 3> axes = {
-        {{mirror * 2, 0.25, -0.125}, {mirror * 0.5, 1.5, 0.375}, {mirror * -0.25, 0.125, 3}}};
-    Model model;
-    std::vector<Index> nodes;
-    for (std::size_t i = 0; i < places.size(); i += 4) {
-        Point node{5, -7, 2};
-        for (std::size_t k = 0; k < 3; ++k)
-            node = node + (places[i + k] - '0') / 4.0 * axes[k];
-        nodes.push_back(static_cast<Index>(nodes.size()));
-        model.nodes.push_back(node);
-    }
-    model.addCell(type, nodes);
-    return model;
-}
-constexpr double kDeterminant = 8.453125; // of the axes
-
 /// Between the heights of nodes and centres the area is quadratic: Simpson's rule gives the volume.
 double sweptVolume(const Model& model, const Point& direction) {
     std::vector<double> heights;
@@ -89,35 +66,16 @@ double sweptVolume(const Model& model, const Point& direction) {
     return volume;
 }
 
-const std::string kTetra = "000 400 040 004", kTetraMiddles = " 200 220 020 002 202 022";
-const std::string kHexa = "000 400 440 040 004 404 444 044";
-const std::string kHexaMiddles = " 200 420 240 020 204 424 244 024 002 402 442 042";
-const std::string kHexaCentres = " 022 422 202 242 220 224 222";
-const std::string kWedge = "000 400 040 004 404 044", kWedgeMiddles = " 200 220 020 204 224 024 002 402 042";
-const std::string kPyramid = "000 400 440 040 224", kPyramidMiddles = " 200 420 240 020 112 312 332 132";
-
 TEST(Cut, SweepsTheVolumeOfEveryElementAndKeepsLinearFields) {
-    const std::tuple<CellType, std::string, double> rows[] = {
-        {CellType::Tetra, kTetra, 1. / 6},
-        {CellType::Tetra10, kTetra + kTetraMiddles, 1. / 6},
-        {CellType::Voxel, "000 400 040 440 004 404 044 444", 1},
-        {CellType::Hexa, kHexa, 1},
-        {CellType::Hexa, "000 400 400 040 004 404 404 044", 0.5}, // collapsed to a wedge
-        {CellType::Hexa20, kHexa + kHexaMiddles, 1},
-        {CellType::Hexa27, kHexa + kHexaMiddles + kHexaCentres, 1},
-        {CellType::Wedge, kWedge, 0.5},
-        {CellType::Wedge15, kWedge + kWedgeMiddles, 0.5},
-        {CellType::Wedge18, kWedge + kWedgeMiddles + " 202 222 022", 0.5},
-        {CellType::Pyramid, kPyramid, 1. / 3},
-        {CellType::Pyramid13, kPyramid + kPyramidMiddles, 1. / 3},
-    };
+    std::vector<Solid> solids = kSolids;
+    solids.push_back({12, "000 400 400 040 004 404 404 044", 0.5, {}}); // collapsed to a wedge
     const auto field = [](const Point& p) { return 3 * p[0] - 2 * p[1] + 0.5 * p[2] + 7; };
-    for (const auto& [type, places, volume] : rows)
-        for (const double mirror : {1.0, -1.0}) {
-            SCOPED_TRACE(std::string(cellTypeName(type)) + (mirror < 0 ? ", mirrored" : ""));
-            const Model model = single(type, places, mirror);
+    for (const Solid& solid : solids)
+        for (const Axes& axes : {kSkew, kMirrored}) {
+            const Model model = elementAt(solid.vtkNumber, solid.places, axes);
+            SCOPED_TRACE(cellTypeName(model.types[0]));
             const Point direction = unit({0.3, -0.7, 0.5});
-            EXPECT_NEAR(sweptVolume(model, direction), volume * kDeterminant, 1e-9);
+            EXPECT_NEAR(sweptVolume(model, direction), solid.volume * determinant(axes), 1e-9);
             const Cut cut = cutAt(model, planeThrough(model.nodes[0] + 0.01 * direction, direction));
             ASSERT_FALSE(cut.polygons.empty());
             for (const Cut::Polygon& polygon : cut.polygons) {
@@ -130,29 +88,8 @@ TEST(Cut, SweepsTheVolumeOfEveryElementAndKeepsLinearFields) {
         }
 }
 
-/// n x n x n hexahedra in a cube of side n, their inner and outer nodes moved about by up to `warp`.
-Model gridOf(Index n, double warp) {
-    Model model;
-    std::mt19937 random(5);
-    std::uniform_real_distribution<double> shift(-warp, warp);
-    const Index m = n + 1;
-    for (Index i = 0; i < m * m * m; ++i)
-        model.nodes.push_back({i % m + shift(random), i / m % m + shift(random), i / m / m + shift(random)});
-    for (Index i = 0; i < n * n * n; ++i) {
-        const Index at = i % n + m * (i / n % n) + m * m * (i / n / n), up = at + m * m;
-        // Cells begin at different corners: their faces would be split differently by their own orders.
-        if (i % 2 == 0)
-            model.addCell(CellType::Hexa,
-                          std::array{at, at + 1, at + m + 1, at + m, up, up + 1, up + m + 1, up + m});
-        else
-            model.addCell(CellType::Hexa,
-                          std::array{at + 1, at + m + 1, at + m, at, up + 1, up + m + 1, up + m, up});
-    }
-    return model;
-}
-
 TEST(Cut, NodesInThePlaneNeitherCrackNorDouble) {
-    const Model model = gridOf(4, 0.0);
+    const Model model = hexahedra(4, 4, 4);
     const std::tuple<const char*, Point, Point, double, std::size_t> rows[] = {
         // name, a point, the normal, area of the cut, polygons
         {"between layers", {2, 0, 0}, {1, 0, 0}, 16, 16},
@@ -179,7 +116,7 @@ TEST(Cut, NodesInThePlaneNeitherCrackNorDouble) {
 }
 
 /// Distance from a triangle of a point that is near its plane.
-double distanceTo(const std::array<Point, 3>& triangle, const Point& p) {
+double distanceTo(const Piece& triangle, const Point& p) {
     const Point normal = cross(triangle[1] - triangle[0], triangle[2] - triangle[0]);
     double outside = std::abs(dot(unit(normal), p - triangle[0]));
     for (int i = 0; i < 3; ++i) {
@@ -189,14 +126,22 @@ double distanceTo(const std::array<Point, 3>& triangle, const Point& p) {
     return outside;
 }
 
+/// Hexahedra whose nodes are moved about.
+Model warped(double warp) {
+    Model model = hexahedra(4, 4, 4);
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> shift(-warp, warp);
+    for (Point& node : model.nodes)
+        node = node + Point{shift(random), shift(random), shift(random)};
+    return model;
+}
+
 /// The same hexahedra with 20 nodes, their mid-side nodes moved about too.
-Model curved(Model model, double warp) {
+Model curved(const Model& linear, double warp) {
     std::map<std::array<Index, 2>, Index> middles;
     std::mt19937 random(7);
     std::uniform_real_distribution<double> shift(-warp, warp);
-    const Model linear = std::move(model);
-    model = Model{};
-    model.nodes = linear.nodes;
+    Model model = modelOf(linear.nodes, {});
     for (std::size_t cell = 0; cell < linear.cellCount(); ++cell) {
         std::array<Index, 20> nodes{};
         std::copy_n(linear.cellNodes(cell).begin(), 8, nodes.begin());
@@ -228,32 +173,19 @@ std::map<std::pair<Point, Point>, int> bordersOf(const Model& model, const Cut& 
     return borders;
 }
 
-double distanceToSkin(const Model& model, const Surface& surface, const Point& p) {
-    std::vector<Point> points = model.nodes;
-    for (const Surface::Centre& centre : surface.centres) {
-        points.push_back({});
-        for (std::size_t i = 0; i < 8; ++i)
-            points.back() = points.back() + centre.weights[i] * model.nodes[centre.nodes[i]];
-    }
-    double nearest = HUGE_VAL;
-    forEachFace(surface, [&](std::span<const Index> face, Index) {
-        for (std::size_t i = 2; i < face.size(); ++i)
-            nearest =
-                std::min(nearest, distanceTo({points[face[0]], points[face[i - 1]], points[face[i]]}, p));
-    });
-    return nearest;
-}
-
 TEST(Cut, OfWarpedElementsHasNoGapsAndEndsOnTheSkin) {
     const Plane plane = planeThrough({2.1, 1.9, 2.2}, {0.4, 0.3, 0.8});
-    for (const Model& model : {gridOf(4, 0.3), curved(gridOf(4, 0.2), 0.05)}) {
-        const Surface surface = extractSurface(model);
+    for (const Model& model : {warped(0.3), curved(warped(0.2), 0.05)}) {
+        const std::vector<Piece> skin = piecesOf(model, extractSurface(model));
         std::size_t inner = 0, outer = 0;
         for (const auto& [edge, balance] : bordersOf(model, cutAt(model, plane))) {
             ++(balance == 0 ? inner : outer);
             if (balance != 0) {
                 EXPECT_EQ(std::abs(balance), 1);
-                EXPECT_LT(distanceToSkin(model, surface, 0.5 * (edge.first + edge.second)), 1e-12);
+                double nearest = HUGE_VAL;
+                for (const Piece& piece : skin)
+                    nearest = std::min(nearest, distanceTo(piece, 0.5 * (edge.first + edge.second)));
+                EXPECT_LT(nearest, 1e-12);
             }
         }
         EXPECT_GT(outer, 20u);
@@ -295,7 +227,7 @@ TEST(Cut, OfABallIsADisc) {
 }
 
 TEST(Cut, OutlinesFollowTheElementsAlone) {
-    Model model = single(CellType::Hexa20, kHexa + kHexaMiddles, 1.0);
+    const Model model = elementAt(25, kHexa + kHexaMiddles, kSkew);
     const Plane plane = planeThrough(0.5 * (model.nodes[0] + model.nodes[6]), {0.1, 0.2, 0.9});
     const Cut cut = cutAt(model, plane);
     double outline = 0.0, expected = 0.0;
@@ -305,7 +237,7 @@ TEST(Cut, OutlinesFollowTheElementsAlone) {
             if (cut.vertices[polygon.first + i].outlineFollows)
                 outline += length(corners[(i + 1) % polygon.count] - corners[i]);
     }
-    Model linear = single(CellType::Hexa, kHexa, 1.0);
+    const Model linear = elementAt(12, kHexa, kSkew);
     const Cut whole = cutAt(linear, plane);
     ASSERT_EQ(whole.polygons.size(), 1u);
     const std::vector<Point> corners = cornersOf(linear, whole, whole.polygons[0]);

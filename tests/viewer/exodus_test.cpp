@@ -1,49 +1,26 @@
 // Exodus II: one model in every storage kind, the node orders of its elements, names that belong together,
 // and one clear reason for bad files.
-#include <gmock/gmock.h>
-#include <unistd.h>
-
-#include <cmath>
-#include <filesystem>
-#include <fstream>
-
+#include "tests/viewer/elements.h"
 #include "tests/viewer/exoduswriter.h"
-#include "viewer/error.h"
-#include "viewer/model/celltypes.h"
+#include "tests/viewer/files.h"
 #include "viewer/model/fields.h"
 #include "viewer/readers/exoduscomponents.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
-using nrutest::ExodusWriter;
-using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsNan;
-namespace fs = std::filesystem;
 
-const fs::path kPath = fs::temp_directory_path() / ("exodus_test_" + std::to_string(getpid()) + ".e");
-
-class ExodusReader : public ::testing::Test {
-protected:
-    void TearDown() override { fs::remove(kPath); }
-    static Model read(ExodusWriter file, int mode = 0) {
-        file.write(kPath.string(), mode);
-        return readModel(kPath.string());
-    }
-    /// The reason, without the file's name.
-    static std::string refusal() {
-        try {
-            readModel(kPath.string());
-        } catch (const ViewerError& error) {
-            return std::string(error.what()).substr(kPath.string().size() + 2);
-        }
-        return "was read";
-    }
-};
+Model read(ExodusWriter file, int mode = 0) {
+    const Folder folder;
+    file.write(folder.path("a.e"), mode);
+    return readModel(folder.path("a.e"));
+}
 
 /// A tetrahedron and two triangles of a shell, two steps; the second block alone has the element variable.
 ExodusWriter twoBlocks() {
@@ -79,7 +56,7 @@ ExodusWriter twoBlocks() {
     return file;
 }
 
-TEST_F(ExodusReader, StorageKindsGiveOneModel) {
+TEST(ExodusReader, StorageKindsGiveOneModel) {
     for (const int mode : {0, NC_64BIT_OFFSET, NC_64BIT_DATA, NC_NETCDF4, NC_NETCDF4 | NC_CLASSIC_MODEL}) {
         SCOPED_TRACE(mode);
         const Model model = read(twoBlocks(), mode);
@@ -112,7 +89,7 @@ TEST_F(ExodusReader, StorageKindsGiveOneModel) {
 }
 
 // A plane model as old files have it: all coordinates and all variables in one, no numbers.
-TEST_F(ExodusReader, OldPlaneFiles) {
+TEST(ExodusReader, OldPlaneFiles) {
     ExodusWriter file;
     file.dimensions = {{"num_dim", 2}, {"num_nodes", 4}, {"num_nod_var", 2}, {"time_step", 2}};
     file.real("coord", {"num_dim", "num_nodes"}, {0, 3, 3, 0, 0, 0, 2, 2});
@@ -136,7 +113,8 @@ constexpr const char* kWedge21 = "01 12 02 03 14 25 34 45 35 012345 012 345 1245
 constexpr const char* kPyramid18 = "01 12 23 03 04 14 24 34 0123 014 124 234 034";
 struct ElementRow {
     const char* type;
-    std::size_t nodes, corners;
+    std::size_t nodes;
+    int corners;
     const char* middles;
     CellType cell;
 };
@@ -165,26 +143,9 @@ const ElementRow kElements[] = {
     {"PYRAMID5", 5, 5, "", CellType::Pyramid},
 };
 
-Point meanOf(const std::vector<Point>& points) {
-    Point mean{};
-    for (const Point& point : points)
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            mean[axis] += point[axis] / static_cast<double>(points.size());
-    return mean;
-}
-
 /// One element with corners at places that no mean repeats.
 ExodusWriter oneElement(const ElementRow& row) {
-    std::vector<Point> nodes;
-    for (std::size_t i = 0; i < row.corners; ++i)
-        nodes.push_back({std::pow(2.0, i), std::pow(3.0, i), static_cast<double>(i * i)});
-    std::istringstream words(row.middles);
-    for (std::string word; nodes.size() < row.nodes && words >> word;) {
-        std::vector<Point> corners;
-        for (const char corner : word)
-            corners.push_back(nodes[static_cast<std::size_t>(corner - '0')]);
-        nodes.push_back(meanOf(corners));
-    }
+    const std::vector<Point> nodes = nodesAmong(row.corners, row.middles);
     std::vector<std::vector<double>> axes(3);
     std::vector<double> connectivity;
     for (std::size_t i = 0; i < row.nodes; ++i) {
@@ -198,29 +159,19 @@ ExodusWriter oneElement(const ElementRow& row) {
     return file;
 }
 
-TEST_F(ExodusReader, MiddlesOfFacesAreBetweenTheirCorners) {
+TEST(ExodusReader, MiddlesOfFacesAreBetweenTheirCorners) {
     for (const ElementRow& row : kElements) {
         SCOPED_TRACE(row.type);
         const Model model = read(oneElement(row));
         ASSERT_THAT(model.types, ElementsAre(row.cell));
-        const auto at = [&](std::uint8_t place) { return model.nodes[model.cellNodes(0)[place]]; };
-        for (std::uint8_t i = 0; i < row.corners; ++i)
+        for (int i = 0; i < row.corners; ++i)
             EXPECT_EQ(model.cellNodes(0)[i], i);
-        for (const FaceShape& face : cellShape(row.cell).faces)
-            for (std::uint8_t i = face.corners; i < face.count; ++i) {
-                std::vector<Point> between;
-                for (std::uint8_t c = 0; c < face.corners; ++c)
-                    if (i == 2 * face.corners || c == i - face.corners ||
-                        c == (i - face.corners + 1) % face.corners)
-                        between.push_back(at(face.nodes[c]));
-                const Point mean = meanOf(between), node = at(face.nodes[i]);
-                EXPECT_THAT(node, ElementsAre(DoubleEq(mean[0]), DoubleEq(mean[1]), DoubleEq(mean[2])));
-            }
+        expectMiddles(model, 0);
         EXPECT_EQ(model.notes.empty(), model.connectivity.size() == row.nodes) << "of lost nodes";
     }
 }
 
-TEST_F(ExodusReader, LinesAndPolygonsInTheirOrder) {
+TEST(ExodusReader, LinesAndPolygonsInTheirOrder) {
     ExodusWriter file;
     file.points({{0, 3, 1, 2, 5, 5}});
     file.block("EDGE4", 4, {1, 2, 3, 4});
@@ -236,7 +187,7 @@ TEST_F(ExodusReader, LinesAndPolygonsInTheirOrder) {
 }
 
 // Each side of an element in a set of its own.
-TEST_F(ExodusReader, SidesOfElements) {
+TEST(ExodusReader, SidesOfElements) {
     const struct {
         ElementRow element;
         std::vector<std::vector<int>> sides;
@@ -299,10 +250,10 @@ TEST(ExodusComponents, NamesThatBelongTogether) {
 
 // --- bad files ---------------------------------------------------------------------------------------------
 
-TEST_F(ExodusReader, BadFilesGetOneReason) {
+TEST(ExodusReader, BadFilesGetOneReason) {
     const auto changed = [](const std::string& variable, std::vector<double> values) {
         ExodusWriter file = twoBlocks();
-        for (nrutest::ExodusVariable& v : file.variables)
+        for (ExodusVariable& v : file.variables)
             if (v.name == variable)
                 v.values = values;
         return file;
@@ -311,7 +262,7 @@ TEST_F(ExodusReader, BadFilesGetOneReason) {
     other.dimensions = {{"lon", 3}};
     noY.variables.erase(noY.variables.begin() + 1);
     hollow.dimensions["num_nod_ns1"] = hollow.dimensions["num_nodes"] = std::size_t{1} << 31;
-    for (nrutest::ExodusVariable& v : hollow.variables) // what is not written takes no room in the file
+    for (ExodusVariable& v : hollow.variables) // what is not written takes no room in the file
         v.values.clear();
     const struct {
         ExodusWriter file;
@@ -330,26 +281,30 @@ TEST_F(ExodusReader, BadFilesGetOneReason) {
         {oneElement({"", 8, 8, "", {}}), 0,
          "has no elements of a supported type; skipped 1 elements without a type"},
     };
+    const Folder folder;
     for (auto row : rows) {
-        row.file.write(kPath.string(), row.mode);
-        EXPECT_THAT(refusal(), testing::StartsWith(row.reason));
+        row.file.write(folder.path("a.e"), row.mode);
+        EXPECT_THAT(folder.refusal("a.e"), testing::StartsWith(row.reason));
     }
 }
 
-TEST_F(ExodusReader, FilesCutShortAreRefused) {
+TEST(ExodusReader, FilesCutShortAreRefused) {
     for (const int mode : {0, NC_64BIT_DATA, NC_NETCDF4}) {
         ExodusWriter file = twoBlocks();
         file.dimensions["long"] = 10000;
         file.real("padding", {"long"}, std::vector<double>(10000));
-        file.write(kPath.string(), mode);
-        fs::resize_file(kPath, fs::file_size(kPath) - 10000);
-        EXPECT_THAT(refusal(), HasSubstr(mode == NC_NETCDF4 ? "cannot be read: netCDF" : "is cut short"))
+        const Folder folder;
+        file.write(folder.path("a.e"), mode);
+        std::filesystem::resize_file(folder.path("a.e"),
+                                     std::filesystem::file_size(folder.path("a.e")) - 10000);
+        EXPECT_THAT(folder.refusal("a.e"),
+                    HasSubstr(mode == NC_NETCDF4 ? "cannot be read: netCDF" : "is cut short"))
             << mode;
     }
 }
 
 // Two elements of one number: the numbers of users cannot tell them apart.
-TEST_F(ExodusReader, NumbersThatAreThereTwiceAreNotUsed) {
+TEST(ExodusReader, NumbersThatAreThereTwiceAreNotUsed) {
     ExodusWriter file = oneElement({"BAR", 2, 2, "", {}});
     file.whole("node_num_map", {"num_nodes"}, {4, 4});
     const Model model = read(file);

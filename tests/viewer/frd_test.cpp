@@ -1,45 +1,23 @@
 // Result files of CalculiX: every element type in its place, the forms of numbers and blocks, one reason for
 // files that are damaged.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
-#include "viewer/error.h"
-#include "viewer/model/celltypes.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/files.h"
 #include "viewer/model/fields.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsNan;
-
-Model readText(const std::string& content) {
-    const auto path = std::filesystem::temp_directory_path() / ("frd_test_" + std::to_string(getpid()));
-    std::ofstream(path, std::ios::binary) << content;
-    struct Remover {
-        std::filesystem::path path;
-        ~Remover() { std::filesystem::remove(path); }
-    } remover{path};
-    return readModel(path.string());
-}
 
 template <class... Args>
 std::string format(const char* form, Args... args) {
     std::array<char, 200> text;
     std::snprintf(text.data(), text.size(), form, args...);
     return text.data();
-}
-
-template <class T>
-std::string bytes(T value) {
-    return {reinterpret_cast<const char*>(&value), sizeof value};
 }
 
 std::string header(const char* name, int count, int form) {
@@ -73,11 +51,11 @@ const std::vector<Shape> kShapes = {
     {12, CellType::Line3, {"0", "1", "01"}},
 };
 
+/// Of a corner, or between two.
 Point place(const std::string& node) {
     constexpr std::array<Point, 8> kCorners = {
         {{0, 0, 0}, {3, 0, 0}, {4, 2, 0}, {0, 2, 1}, {0, 0, 5}, {3, 0, 5}, {4, 2, 5}, {0, 2, 6}}};
-    const Point &a = kCorners[node.front() - '0'], &b = kCorners[node.back() - '0'];
-    return {(a[0] + b[0]) / 2, (a[1] + b[1]) / 2, (a[2] + b[2]) / 2};
+    return 0.5 * (kCorners[node.front() - '0'] + kCorners[node.back() - '0']);
 }
 
 /// Every type once, each with nodes of its own and of alternating materials, of which old files have the
@@ -89,7 +67,7 @@ std::string zoo(int form) {
     int node = 0;
     for (const Shape& shape : kShapes) {
         const int number = 69 + shape.number, material = 1 + shape.number % 2;
-        elements += form >= 2 ? bytes(number) + bytes(shape.number) + bytes(0) + bytes(material)
+        elements += form >= 2 ? bytes(number, shape.number, 0, material)
                               : format(" -1%*d%5d%5d%5s\n", width, number, shape.number, 0,
                                        form == 0 && material == 1 ? "EL   "
                                        : material == 1            ? "1"
@@ -97,8 +75,8 @@ std::string zoo(int form) {
         for (std::size_t i = 0; i < shape.nodes.size(); ++i) {
             const Point p = place(shape.nodes[i]);
             ++node;
-            nodes += form == 3   ? bytes(node) + bytes(p[0]) + bytes(p[1]) + bytes(p[2])
-                     : form == 2 ? bytes(node) + bytes<float>(p[0]) + bytes<float>(p[1]) + bytes<float>(p[2])
+            nodes += form == 3   ? bytes(node, p)
+                     : form == 2 ? bytes(node, float(p[0]), float(p[1]), float(p[2]))
                                  : format(" -1%*d%12.5E%12.5E%12.5E\n", width, node, p[0], p[1], p[2]);
             const bool isLast = i + 1 == shape.nodes.size() || (i + 1) % perLine == 0;
             elements += form >= 2 ? bytes(node)
@@ -111,23 +89,6 @@ std::string zoo(int form) {
            header("3C", static_cast<int>(kShapes.size()), form) + elements + end + " 9999\n";
 }
 
-/// That each mid-side node is between its edge's ends, in the model's own order of nodes.
-void expectMidSides(const Model& model, std::size_t cell) {
-    const auto nodes = model.cellNodes(cell);
-    const auto expectMiddle = [&](int a, int b, int middle) {
-        for (int k = 0; k < 3; ++k)
-            EXPECT_DOUBLE_EQ(model.nodes[nodes[middle]][k],
-                             (model.nodes[nodes[a]][k] + model.nodes[nodes[b]][k]) / 2)
-                << cellTypeName(model.types[cell]) << " " << middle;
-    };
-    for (const FaceShape& face : cellShape(model.types[cell]).faces)
-        for (int i = face.corners; i < face.count; ++i)
-            expectMiddle(face.nodes[i - face.corners], face.nodes[(i - face.corners + 1) % face.corners],
-                         face.nodes[i]);
-    if (model.types[cell] == CellType::Line3)
-        expectMiddle(0, 1, 2);
-}
-
 class Forms : public testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Frd, Forms, testing::Range(0, 4));
 
@@ -138,7 +99,7 @@ TEST_P(Forms, ElementsAreInTheModelsOrderAndInPartsByMaterial) {
         const Shape& shape = kShapes[static_cast<std::size_t>(model.cellNumbers[cell] - 70)];
         EXPECT_EQ(model.types[cell], shape.type);
         EXPECT_EQ(model.nodes[model.cellNodes(cell)[1]], place("1"));
-        expectMidSides(model, cell);
+        expectMiddles(model, cell);
     }
     ASSERT_EQ(model.parts.size(), 2u);
     EXPECT_EQ(model.parts[0].name, "STEEL");
@@ -222,39 +183,27 @@ TEST(Frd, ValuesThatAreNoTensorBecomeFieldsOfTheirOwn) {
 }
 
 TEST(Frd, BinaryResultsAreThoseOfText) {
-    const Model model =
-        readText(kMesh + begin("1.0", 0, 1, 2) + kDisp + bytes(5) + bytes(1.5f) + bytes(-2.f) + bytes(0.25f) +
-                 bytes(7) + bytes(1.f) + bytes(2.f) + bytes(3.f) + " 9999\n");
+    const Model model = readText(kMesh + begin("1.0", 0, 1, 2) + kDisp + bytes(5, 1.5f, -2.f, 0.25f) +
+                                 bytes(7, 1.f, 2.f, 3.f) + " 9999\n");
     EXPECT_THAT(model.fields.at(0).values, ElementsAre(1, 2, 3, 1.5, -2, 0.25));
-}
-
-std::string changed(std::string text, const std::string& from, const std::string& to) {
-    return text.replace(text.rfind(from), from.size(), to);
 }
 
 TEST(Frd, DamagedFilesEndInOneReason) {
     const std::string block = begin("1.0", 0, 1) + kDisp;
-    const std::vector<std::pair<std::string, const char*>> rows = {
+    Folder().expectRefused({
         {kMesh.substr(0, kMesh.find(" -1         5")), "is cut short"},
-        {changed(kMesh, " -3\n", ""), "is cut short"},
+        {kMesh.substr(0, kMesh.rfind(" -3\n")), "is cut short"},
         {kMesh + block, "is cut short"},
-        {kMesh + begin("1.0", 0, 1, 3) + kDisp + bytes(5) + bytes(1.0), "is cut short"},
-        {changed(kMesh, "5\n", "6\n"), "node 6, which is not there"},
-        {changed(kMesh, "         5\n", "\n"), "element 1 (line) with 1 nodes"},
-        {changed(changed(kMesh, "5\n", "7\n"), "5-1", "7-1"), "node 7 is there twice"},
+        {kMesh + begin("1.0", 0, 1, 3) + kDisp + bytes(5, 1.0), "is cut short"},
+        {replaced(kMesh, "5\n", "6\n"), "node 6, which is not there"},
+        {replaced(kMesh, "         5\n", "\n"), "element 1 (line) with 1 nodes"},
+        {replaced(replaced(kMesh, "5\n", "7\n"), "5-1", "7-1"), "node 7 is there twice"},
         {kMesh.substr(0, kMesh.find("    3C")), "has no elements"},
-        {changed(kMesh, "11", "13"), "1 elements of type 13"},
+        {replaced(kMesh, "11", "13"), "1 elements of type 13"},
         {kMesh + block + " -1         5 1.00000E+00\n -3\n", "has no value 2 of node 5"},
         {kMesh + begin("??", 0, 1) + kDisp + " -3\n", "without its time"},
         {kMesh + "    7C\n", "begins no block: '    7C'"},
-    };
-    for (const auto& [content, reason] : rows)
-        try {
-            readText(content);
-            ADD_FAILURE() << "was read: " << reason;
-        } catch (const ViewerError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(reason));
-        }
+    });
 }
 
 } // namespace

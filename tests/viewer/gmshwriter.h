@@ -3,10 +3,7 @@
 // on the first, a point.
 #pragma once
 
-#include <algorithm>
-#include <sstream>
-#include <string>
-#include <vector>
+#include "tests/viewer/files.h"
 
 namespace nrutest {
 
@@ -17,10 +14,7 @@ struct MshWriter {
 
     template <class T>
     void put(T value) {
-        std::string bytes(reinterpret_cast<const char*>(&value), sizeof(T));
-        if (bigEndian)
-            std::reverse(bytes.begin(), bytes.end());
-        binary ? file << bytes : file << value << ' ';
+        binary ? file << bytesOf(value, bigEndian) : file << value << ' ';
     }
     void integer(int value) { put(value); }
     void size(long value) { put(value); }

@@ -1,53 +1,14 @@
 // Input files of Abaqus and CalculiX: element types by name, sets, parts, instances and included files, and
 // one reason for what is not read.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-
-#include "viewer/error.h"
-#include "viewer/model/model.h"
+#include "tests/viewer/files.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
 using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-/// A folder with files, and beside it one that they must not reach.
-class Inp : public testing::Test {
-protected:
-    Inp() {
-        write("inside/sub/more.inp", "2, 1.0, , 0\n");
-        write("inside/self.inp", "*INCLUDE, INPUT=self.inp\n");
-        write("outside.inp", "2, 1, 0, 0\n");
-        std::filesystem::create_symlink(m_folder / "outside.inp", m_folder / "inside/link.inp");
-    }
-    ~Inp() override { std::filesystem::remove_all(m_folder); }
-
-    void write(const std::string& name, const std::string& content) const {
-        std::filesystem::create_directories((m_folder / name).parent_path());
-        std::ofstream(m_folder / name, std::ios::binary) << content;
-    }
-    Model read(const std::string& content) const {
-        write("inside/model.inp", content);
-        return readModel((m_folder / "inside/model.inp").string());
-    }
-    std::string reason(const std::string& content) const {
-        try {
-            read(content);
-        } catch (const ViewerError& error) {
-            return error.what();
-        }
-        return "was read";
-    }
-
-    const std::filesystem::path m_folder =
-        std::filesystem::temp_directory_path() / ("inp_test_" + std::to_string(getpid()));
-};
 
 std::string nodes(int count) {
     std::string text = "*NODE\n";
@@ -56,7 +17,7 @@ std::string nodes(int count) {
     return text;
 }
 
-TEST_F(Inp, ElementTypesAreKnownByFamilyAndNumber) {
+TEST(Inp, ElementTypesAreKnownByFamilyAndNumber) {
     using enum CellType;
     const std::vector<std::tuple<const char*, CellType, int>> rows = {
         {"C3D4", Tetra, 4},       {"C3D5", Pyramid, 5},    {"C3D8I", Hexa, 8},      {"C3D10MH", Tetra10, 10},
@@ -69,19 +30,22 @@ TEST_F(Inp, ElementTypesAreKnownByFamilyAndNumber) {
         std::string element = "7";
         for (int i = 1; i <= count; ++i)
             element += (i == 11 ? ",\n" : ", ") + std::to_string(i);
-        const Model model = read(nodes(20) + "*ELEMENT, TYPE=" + name + "\n" + element + "\n");
+        const Model model = readText(nodes(20) + "*ELEMENT, TYPE=" + name + "\n" + element + "\n");
         ASSERT_EQ(model.types, std::vector{type}) << name;
         EXPECT_EQ(model.connectivity.back(), type == Line3 ? 1 : count - 1) << name;
     }
-    const Model model = read(nodes(3) + "*ELEMENT,TYPE=T3D2\n1,1,2\n*ELEMENT,TYPE=SPRINGA\n2,1,\n2\n3,1,3\n" +
-                             "*ELEMENT,TYPE=C3D15V\n*ELEMENT,TYPE=C3D27\n4,1,2,3\n*ELEMENT,TYPE=MASS\n5,1\n");
+    const Model model =
+        readText(nodes(3) + "*ELEMENT,TYPE=T3D2\n1,1,2\n*ELEMENT,TYPE=SPRINGA\n2,1,\n2\n3,1,3\n" +
+                 "*ELEMENT,TYPE=C3D15V\n*ELEMENT,TYPE=C3D27\n4,1,2,3\n*ELEMENT,TYPE=MASS\n5,1\n");
     EXPECT_THAT(model.notes,
                 ElementsAre("skipped 1 elements of type C3D27", "skipped 1 elements of type MASS",
                             "skipped 2 elements of type SPRINGA"));
 }
 
-TEST_F(Inp, SetsAndSectionsBecomeNodeSetsAndParts) {
-    const Model model = read(R"(** made by hand
+TEST(Inp, SetsAndSectionsBecomeNodeSetsAndParts) {
+    const Folder folder;
+    folder.write("sub/more.inp", "2, 1.0, , 0\n");
+    const Model model = folder.read(R"(** made by hand
 *heading
 1, 2, three
 *Node, nset = Some
@@ -126,8 +90,8 @@ U
                                          "left out of set all: gone, which is not there"));
 }
 
-TEST_F(Inp, InstancesStandAtTheirPlaces) {
-    const Model model = read(R"(*PART, NAME=Bar
+TEST(Inp, InstancesStandAtTheirPlaces) {
+    const Model model = readText(R"(*PART, NAME=Bar
 *NODE
 1, 0, 0, 0
 2, 2, 0, 0
@@ -168,15 +132,20 @@ first.TIP, second.2
     EXPECT_EQ(model.parts.at(1).name, "second.steel");
 }
 
-TEST_F(Inp, WhatIsNotReadEndsInOneReason) {
+TEST(Inp, WhatIsNotReadEndsInOneReason) {
+    const Folder folder; // with a file that one in the folder within it must not reach
+    folder.write("inside/sub/more.inp", "2, 1, 0, 0\n");
+    folder.write("inside/self.inp", "*INCLUDE, INPUT=self.inp\n");
+    folder.write("outside.inp", "2, 1, 0, 0\n");
+    std::filesystem::create_symlink(folder.path("outside.inp"), folder.path("inside/link.inp"));
     const std::string bar = nodes(3) + "*ELEMENT, TYPE=B31\n";
     std::string doubling = bar + "1,1,2\n*NSET,NSET=A\n1,2,3\n";
     for (int i = 0; i < 40; ++i)
         doubling += "*NSET,NSET=A\nA\n";
-    const std::vector<std::pair<std::string, const char*>> rows = {
+    const std::vector<BadFile> rows = {
         {"*NODE, INPUT=../outside.inp\n", "not in its own folder"},
         {"*INCLUDE, INPUT=sub/../../outside.inp\n", "not in its own folder"},
-        {"*INCLUDE, INPUT=" + (m_folder / "outside.inp").string() + "\n", "not in its own folder"},
+        {"*INCLUDE, INPUT=" + folder.path("outside.inp") + "\n", "not in its own folder"},
         {"*INCLUDE, INPUT=link.inp\n", "not in its own folder"},
         {"*INCLUDE, INPUT=none.inp\n", "cannot include 'none.inp': no such file"},
         {"*INCLUDE, INPUT=self.inp\n", "includes too many files"},
@@ -192,8 +161,7 @@ TEST_F(Inp, WhatIsNotReadEndsInOneReason) {
         {"nothing\n", "has no keyword"},
         {doubling, "more members than the viewer can hold"},
     };
-    for (const auto& [content, expected] : rows)
-        EXPECT_THAT(reason(content), HasSubstr(expected)) << content;
+    folder.expectRefused(rows, "inside/model.inp");
 }
 
 } // namespace

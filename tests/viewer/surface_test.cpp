@@ -1,113 +1,31 @@
 // Skins of single elements, of elements that touch, and of flat cells, against closed formulas for area and
 // volume.
-#include "viewer/model/surface.h"
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cmath>
-#include <tuple>
-
-#include "viewer/model/celltypes.h"
-#include "viewer/model/vectors.h"
+#include "tests/viewer/elements.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
 using testing::ElementsAre;
-
-/// The points of a surface: the nodes, then the centres by their weights.
-std::vector<Point> pointsOf(const Model& model, const Surface& surface) {
-    std::vector<Point> points = model.nodes;
-    for (const Surface::Centre& centre : surface.centres) {
-        Point sum{};
-        for (std::size_t i = 0; i < 8; ++i)
-            sum = sum + centre.weights[i] * model.nodes[centre.nodes[i]];
-        points.push_back(sum);
-    }
-    return points;
-}
-
-/// A triangle, or one of the two that a quad is cut into.
-using Piece = std::array<Point, 3>;
-
-std::vector<Piece> piecesOf(const Model& model, const Surface& surface, const std::vector<bool>& shown = {}) {
-    const std::vector<Point> points = pointsOf(model, surface);
-    std::vector<Piece> pieces;
-    forEachFace(surface, [&](std::span<const std::uint32_t> face, std::uint32_t cell) {
-        for (std::size_t i = 2; i < face.size() && (shown.empty() || shown[cell]); ++i)
-            pieces.push_back({points[face[0]], points[face[i - 1]], points[face[i]]});
-    });
-    return pieces;
-}
 
 /// Twice its area long.
 Point normalOf(const Piece& piece) {
     return cross(piece[1] - piece[0], piece[2] - piece[0]);
 }
 
-/// By the divergence theorem: positive when closed and outward.
-double volumeOf(const std::vector<Piece>& pieces) {
-    double volume = 0;
-    for (const Piece& piece : pieces)
-        volume += dot(piece[0], normalOf(piece)) / 6;
-    return volume;
-}
-
-/// The vectors that the axes of a reference element are sent to.
-using Axes = std::array<Point, 3>;
-
-/// An element of VTK's type number whose nodes stand at places in quarters of the axes, three digits each.
-Model single(int vtkNumber, const std::string& places, const Axes& axes) {
-    Model model;
-    std::vector<std::uint32_t> nodes;
-    for (std::size_t i = 0; i < places.size(); i += 4) {
-        Point node{5, -7, 2};
-        for (std::size_t k = 0; k < 3; ++k)
-            node = node + (places[i + k] - '0') / 4.0 * axes[k];
-        model.nodes.push_back(node);
-        nodes.push_back(static_cast<std::uint32_t>(nodes.size()));
-    }
-    model.addCell(cellTypeOfVtk(vtkNumber).value(), nodes);
-    return model;
-}
-
-const std::string kTetra = "000 400 040 004", kTetraMiddles = " 200 220 020 002 202 022";
-const std::string kHexa = "000 400 440 040 004 404 444 044";
-const std::string kHexaMiddles = " 200 420 240 020 204 424 244 024 002 402 442 042";
-const std::string kHexaCentres = " 022 422 202 242 220 224 222";
-const std::string kWedge = "000 400 040 004 404 044", kWedgeMiddles = " 200 220 020 204 224 024 002 402 042";
-const std::string kPyramid = "000 400 440 040 224", kPyramidMiddles = " 200 420 240 020 112 312 332 132";
-
 // Elements are convex: no node lies outside of any piece of the skin.
 TEST(Surface, SkinsOfSolidsAreClosedOutwardAndOfTheRightSize) {
-    // VTK's number of the type, nodes in VTK's order, volume of the reference element, and how many faces,
-    // triangles, quads and edges.
-    const std::tuple<const char*, int, std::string, double, std::array<std::size_t, 4>> rows[] = {
-        {"tetra", 10, kTetra, 1. / 6, {4, 4, 0, 6}},
-        {"tetra10", 24, kTetra + kTetraMiddles, 1. / 6, {4, 16, 0, 12}},
-        {"voxel", 11, "000 400 040 440 004 404 044 444", 1, {6, 0, 6, 12}},
-        {"hexa", 12, kHexa, 1, {6, 0, 6, 12}},
-        {"hexa20", 25, kHexa + kHexaMiddles, 1, {6, 0, 24, 24}},
-        {"hexa27", 29, kHexa + kHexaMiddles + kHexaCentres, 1, {6, 0, 24, 24}},
-        {"wedge", 13, kWedge, 0.5, {5, 2, 3, 9}},
-        {"wedge15", 26, kWedge + kWedgeMiddles, 0.5, {5, 8, 12, 18}},
-        {"wedge18", 32, kWedge + kWedgeMiddles + " 202 222 022", 0.5, {5, 8, 12, 18}},
-        {"pyramid", 14, kPyramid, 1. / 3, {5, 4, 1, 8}},
-        {"pyramid13", 27, kPyramid + kPyramidMiddles, 1. / 3, {5, 16, 4, 16}},
-    };
-    const Axes skew = {{{2, 0.25, -0.125}, {0.5, 1.5, 0.375}, {-0.25, 0.125, 3}}};
-    const Axes mirrored = {{{-2, 0.25, -0.125}, {-0.5, 1.5, 0.375}, {0.25, 0.125, 3}}};
-    for (const auto& [name, type, nodes, volume, counts] : rows)
-        for (const Axes& axes : {skew, mirrored}) {
-            SCOPED_TRACE(name);
-            const Model model = single(type, nodes, axes);
+    for (const Solid& solid : kSolids)
+        for (const Axes& axes : {kSkew, kMirrored}) {
+            const Model model = elementAt(solid.vtkNumber, solid.places, axes);
+            SCOPED_TRACE(cellTypeName(model.types[0]));
             const Surface surface = extractSurface(model);
-            EXPECT_THAT(counts, ElementsAre(surface.faceCount, surface.triangles.size(), surface.quads.size(),
-                                            surface.edges.size()));
+            EXPECT_THAT(solid.skin, ElementsAre(surface.faceCount, surface.triangles.size(),
+                                                surface.quads.size(), surface.edges.size()));
             const std::vector<Piece> pieces = piecesOf(model, surface);
-            const double determinant = std::abs(dot(axes[0], cross(axes[1], axes[2])));
-            EXPECT_NEAR(volumeOf(pieces), volume * determinant, 1e-12);
+            EXPECT_NEAR(volumeOf(pieces), solid.volume * determinant(axes), 1e-12);
             for (const Piece& piece : pieces)
                 for (const Point& node : model.nodes)
                     EXPECT_LT(dot(normalOf(piece), node - piece[0]), 1e-12);
@@ -120,7 +38,7 @@ Point bend(const Point& p) {
 }
 
 TEST(Surface, CurvedFacesPassThroughTheirTrueCentres) {
-    const Model straight = single(25, kHexa + kHexaMiddles, {{{1, 0, 0}, {0, 2, 0}, {0, 0, 3}}});
+    const Model straight = elementAt(25, kHexa + kHexaMiddles, {{{1, 0, 0}, {0, 2, 0}, {0, 0, 3}}});
     Model curved = straight;
     for (Point& node : curved.nodes)
         node = bend(node);
@@ -132,17 +50,11 @@ TEST(Surface, CurvedFacesPassThroughTheirTrueCentres) {
         EXPECT_LT(length(found[i] - bend(expected[i])), 1e-12);
 }
 
-using Cell = std::pair<CellType, std::vector<std::uint32_t>>;
-
 /// Nodes i + 3 j + 9 k at (i, j, k) for 0, 1, 2, then four at x = 4.
 Model gridOf(const std::vector<Cell>& cells) {
-    Model model;
-    for (int n = 0; n < 27; ++n)
-        model.nodes.push_back({n % 3 * 1.0, n / 3 % 3 * 1.0, n / 9 * 1.0});
-    model.nodes.insert(model.nodes.end(), {{4, 0, 0}, {4, 2, 0}, {4, 0, 2}, {4, 2, 2}});
-    for (const auto& [type, nodes] : cells)
-        model.addCell(type, nodes);
-    return model;
+    std::vector<Point> nodes = hexahedra(2, 2, 2).nodes;
+    nodes.insert(nodes.end(), {{4, 0, 0}, {4, 2, 0}, {4, 0, 2}, {4, 2, 2}});
+    return modelOf(nodes, cells);
 }
 
 const Cell kFirst = {CellType::Hexa, {0, 1, 4, 3, 9, 10, 13, 12}};
@@ -216,7 +128,7 @@ TEST(Surface, FlatCellsAreCoveredOnceInTheirOwnDirection) {
     };
     for (const auto& [name, type, nodes, expected, pieces, edges] : rows) {
         SCOPED_TRACE(name);
-        const Model model = single(type, nodes, axes);
+        const Model model = elementAt(type, nodes, axes);
         const Surface surface = extractSurface(model);
         EXPECT_EQ(surface.triangles.size() + surface.quads.size(), pieces);
         EXPECT_EQ(surface.edges.size(), edges);

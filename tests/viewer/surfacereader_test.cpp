@@ -1,64 +1,20 @@
 // Reading surfaces: one box in every format, what formats have beyond it, and one clear reason for bad files.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <cctype>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 
-#include "viewer/error.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/files.h"
 #include "viewer/model/surface.h"
-#include "viewer/model/vectors.h"
 #include "viewer/readers/apart.h"
 
 namespace {
 
+using namespace nrutest;
 using namespace nruview;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
-namespace fs = std::filesystem;
-
-const fs::path kFolder = fs::temp_directory_path() / ("surfacereader_test_" + std::to_string(getpid()));
-
-/// A folder with files, gone at the end of a case.
-class SurfaceReader : public ::testing::Test {
-protected:
-    void SetUp() override { fs::create_directories(kFolder); }
-    void TearDown() override { fs::remove_all(kFolder); }
-    static void write(const std::string& name, const std::string& content) {
-        std::ofstream(kFolder / name, std::ios::binary) << content;
-    }
-    static Model read(const std::string& name, const std::string& content) {
-        write(name, content);
-        return readModel((kFolder / name).string());
-    }
-    /// The reason, without the file's name.
-    static std::string refusal(const std::string& name, const std::string& content) {
-        try {
-            read(name, content);
-        } catch (const ViewerError& error) {
-            return std::string(error.what()).substr((kFolder / name).string().size() + 2);
-        }
-        return "was read";
-    }
-};
-
-template <typename... Values>
-std::string bytes(Values... values) {
-    std::string text;
-    (text.append(reinterpret_cast<const char*>(&values), sizeof values), ...);
-    return text;
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    return text.replace(text.find(from), from.size(), to);
-}
 
 // --- a box of 2 x 3 x 5 about (10, 0, 0) -------------------------------------------------------------------
 
@@ -168,19 +124,13 @@ std::string glb(std::string json, std::string buffer = boxBuffer()) {
            bytes(size(buffer)) + std::string("BIN\0", 4) + buffer;
 }
 
-/// By the divergence theorem; positive where faces are wound outward.
 double volumeOf(const Model& model) {
-    double volume = 0;
-    forEachFace(extractSurface(model), [&](std::span<const std::uint32_t> face, auto) {
-        for (std::size_t i = 2; i < face.size(); ++i)
-            volume += dot(model.nodes[face[0]], cross(model.nodes[face[i - 1]], model.nodes[face[i]])) / 6;
-    });
-    return volume;
+    return nrutest::volumeOf(piecesOf(model, extractSurface(model)));
 }
 
 } // namespace
 
-TEST_F(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
+TEST(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
     const struct {
         const char* name;
         std::string content;
@@ -196,7 +146,7 @@ TEST_F(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
         {"a.glb", glb(boxJson(R"([{"mesh":0,"name":"one\ntwo"}])")), CellType::Triangle, "one?two"},
     };
     for (const auto& row : rows) {
-        const Model model = read(row.name, row.content);
+        const Model model = Folder().read(row.content, row.name);
         ASSERT_EQ(model.nodes.size(), 8u) << row.name;
         EXPECT_NEAR(volumeOf(model), 30.0, 1e-12) << row.name;
         ASSERT_EQ(model.cellCount(), row.type == CellType::Quad ? 6u : 12u) << row.name;
@@ -215,8 +165,8 @@ TEST_F(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
 }
 
 // Nodes one within the other stretch, mirror and move what hangs on them: (x, y, z) -> (95 - x, y, 2 z).
-TEST_F(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
-    const Model model = read("a.glb", glb(boxJson(R"([{"children":[1,2],"translation":[100,0,0]},
+TEST(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
+    const Model model = readText(glb(boxJson(R"([{"children":[1,2],"translation":[100,0,0]},
 {"mesh":0,"name":"box"},{"children":[3],"scale":[-1,1,1]},{"mesh":0,"scale":[1,1,2],"translation":[5,0,0],"children":[4]},{"mesh":1}])")));
     ASSERT_EQ(model.parts.size(), 3u);
     EXPECT_EQ(model.parts[0].name, "box");
@@ -238,13 +188,14 @@ TEST_F(SurfaceReader, PlacesEveryInstanceWithItsWindingNormalsAndLook) {
     EXPECT_THAT(model.cornerNormals[71], ElementsAre(0, 0, 0)) << "the box has none";
 }
 
-TEST_F(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
+TEST(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
     const std::string text = "mtllib a.mtl\nv 0 0 0\nv 2 0 0\nv 2 1 0\nv 1 1 0\nv 1 3 0\nv 0 3 0\n"
                              "vn 0 0 2\nvn 0 0 0\nvn nan 0 1\nusemtl red\nf 1//1 2//1 3//1 4//2 5//3 6//1\n"
                              "usemtl glass\nl 1 2 3\np 1\nf 1//1 2//1 3//1\n";
-    EXPECT_EQ(read("a.obj", text).parts.at(0).color, std::nullopt) << "there is no material file";
-    write("a.mtl", "newmtl red\nKd 1 0 0\nmap_Kd wood.png\nnewmtl glass\nKd 0 1 0\nd 0.25\n");
-    const Model model = read("a.obj", text);
+    const Folder folder;
+    EXPECT_EQ(folder.read(text, "a.obj").parts.at(0).color, std::nullopt) << "there is no material file";
+    folder.write("a.mtl", "newmtl red\nKd 1 0 0\nmap_Kd wood.png\nnewmtl glass\nKd 0 1 0\nd 0.25\n");
+    const Model model = folder.read(text, "a.obj");
     using enum CellType;
     EXPECT_THAT(model.types, ElementsAre(Polygon, Line, Line, Triangle));
     ASSERT_EQ(model.parts.size(), 2u);
@@ -257,54 +208,59 @@ TEST_F(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
     EXPECT_THAT(model.notes, ElementsAre("1 single points are left out", "textures are not read"));
 }
 
-TEST_F(SurfaceReader, MakesPartsOfFacesInOneColorInPly) {
-    std::string text =
-        replaced(ply(false), "end_header", "property uchar green\nproperty uchar red\nend_header");
-    std::size_t line = text.find("end_header");
-    for (int face = -8; face < 6; ++face) {
-        line = text.find('\n', line) + 1;
-        if (face >= 0)
-            text.insert(text.find('\n', line), face < 2 ? " 16 255" : " 0 7");
-    }
-    const Model model = read("a.ply", text);
+TEST(SurfaceReader, MakesPartsOfFacesInOneColorInPly) {
+    const Model model =
+        readText("ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\nproperty float y\n"
+                 "property float z\nelement face 3\nproperty list uchar int vertex_indices\n"
+                 "property uchar green\nproperty uchar red\nend_header\n0 0 0\n1 0 0\n0 1 0\n"
+                 "3 0 1 2 16 255\n3 0 1 2 16 255\n3 0 1 2 0 7\n");
     ASSERT_EQ(model.parts.size(), 2u);
     EXPECT_EQ(model.parts[0].color, 0xFF0010FF);
     EXPECT_EQ(model.parts[1].color, 0xFF000007);
     EXPECT_EQ(model.parts[1].firstCell, 2u);
 }
 
-TEST_F(SurfaceReader, BadFilesGetOneReason) {
+TEST(SurfaceReader, BadFilesGetOneReason) {
     const char* kTooMany = "cannot hold the elements that its header announces";
     const std::string box = glb(boxJson(R"([{"mesh":0}])"));
-    const struct {
-        const char* name;
-        std::string content;
-        const char* reason;
-    } rows[] = {
-        {"a.stl", binaryStl().substr(0, 84 + 5 * 50 + 49),
-         "is cut short: 12 triangles are announced, 5 are there"},
-        {"a.stl", binaryStl() + "x", "goes on behind its 12 triangles"},
-        {"a.stl", binaryStl().substr(0, 83), "is too short for a binary STL file"},
-        {"a.stl", std::string(80, ' ') + bytes(~0u) + std::string(100, '\1'),
-         "is cut short: 4294967295 triangles are announced, 2 are there"},
-        {"a.stl", std::string(84, '\0'), "has no faces"},
-        {"a.stl", replaced(asciiStl(), "endsolid", ""), "is cut short: there is no endsolid behind facet 12"},
-        {"a.stl", replaced(asciiStl(), "  vertex", "  vertices"), "facet 0 does not have three vertices"},
-        {"a.stl", replaced(asciiStl(), "11.0", "nan"), "node 2 has a coordinate that is not finite"},
-        {"a.ply", replaced(ply(true), "face 6", "face 99999"), kTooMany},
-        {"a.ply", replaced(ply(true), "vertex 8", "vertex -1"), kTooMany},
-        {"a.ply", replaced(ply(true), "face 6", "face 9"), "is cut short: it ends in face 6 of 9"},
-        {"a.ply", ply(false).substr(0, ply(false).size() - 3), "is cut short: it ends in face 5 of 6"},
-        {"a.ply", replaced(ply(true), "float z", "real z"), "has a property of unknown type real"},
-        {"a.ply", replaced(ply(false), "4 0 2 3 1", "4 0 2 8 1"), "face 0 uses vertex 8 of 8"},
-        {"a.ply", ply(false).substr(0, 40), "has no end of its header"},
-        {"a.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\n", "has no faces"},
-        {"a.glb", box.substr(0, box.size() - 4), "is cut short: "},
-        {"a.glb", replaced(box, bytes(204u), bytes(208u)), "has a chunk that goes beyond its end"},
-        {"a.glb", replaced(box, bytes(2u), bytes(1u)), "is not of glTF 2"},
-    };
-    for (const auto& row : rows)
-        EXPECT_THAT(refusal(row.name, row.content), StartsWith(row.reason)) << row.name;
+    const Folder folder;
+    folder.expectRefused(
+        {
+            {binaryStl().substr(0, 84 + 5 * 50 + 49),
+             "is cut short: 12 triangles are announced, 5 are there"},
+            {binaryStl() + "x", "goes on behind its 12 triangles"},
+            {binaryStl().substr(0, 83), "is too short for a binary STL file"},
+            {std::string(80, ' ') + bytes(~0u) + std::string(100, '\1'),
+             "is cut short: 4294967295 triangles are announced, 2 are there"},
+            {std::string(84, '\0'), "has no faces"},
+            {replaced(asciiStl(), "endsolid", ""), "is cut short: there is no endsolid behind facet 12"},
+            {replaced(asciiStl(), "  vertex", "  vertices"), "facet 0 does not have three vertices"},
+            {replaced(asciiStl(), "11.0", "nan"), "node 2 has a coordinate that is not finite"},
+        },
+        "a.stl");
+    folder.expectRefused(
+        {
+            {replaced(ply(true), "face 6", "face 99999"), kTooMany},
+            {replaced(ply(true), "vertex 8", "vertex -1"), kTooMany},
+            {replaced(ply(true), "face 6", "face 9"), "is cut short: it ends in face 6 of 9"},
+            {ply(false).substr(0, ply(false).size() - 3), "is cut short: it ends in face 5 of 6"},
+            {replaced(ply(true), "float z", "real z"), "has a property of unknown type real"},
+            {replaced(ply(false), "4 0 2 3 1", "4 0 2 8 1"), "face 0 uses vertex 8 of 8"},
+            {ply(false).substr(0, 40), "has no end of its header"},
+        },
+        "a.ply");
+    folder.expectRefused(
+        {
+            {"v 0 0 0\nv 1 0 0\nv 0 1 0\n", "has no faces"},
+        },
+        "a.obj");
+    folder.expectRefused(
+        {
+            {box.substr(0, box.size() - 4), "is cut short: "},
+            {replaced(box, bytes(204u), bytes(208u)), "has a chunk that goes beyond its end"},
+            {replaced(box, bytes(2u), bytes(1u)), "is not of glTF 2"},
+        },
+        "a.glb");
 }
 
 // Whatever happens in the library that reads, the viewer goes on.

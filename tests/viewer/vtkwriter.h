@@ -5,11 +5,9 @@
 
 #include <zlib.h>
 
-#include <algorithm>
 #include <cmath>
-#include <sstream>
-#include <string>
-#include <vector>
+
+#include "tests/viewer/files.h"
 
 namespace nrutest {
 
@@ -20,14 +18,6 @@ inline const Numbers kConnectivity = {0, 1, 2, 3, 0, 2, 4, 5, 5, 4, 3, 2, 1};
 inline const Numbers kEnds = {4, 8, 13}, kTypes = {10, 9, 4}, kMaterial = {7, -300, 12};
 inline const Numbers kVector = {0, 1, 2, 3, NAN, -5, 6, 7, 8, 9, .5, 11, 12, 13, 14, 15, 16, -17.25};
 inline const Numbers kScalar = {20.5, 20.25, 20, 19.75, 19.5, -19.25};
-
-template <class T>
-std::string bytesOf(T value, bool bigEndian) {
-    std::string bytes(reinterpret_cast<const char*>(&value), sizeof(T));
-    if (bigEndian)
-        std::reverse(bytes.begin(), bytes.end());
-    return bytes;
-}
 
 template <class T>
 std::string encode(const Numbers& values, bool binary, bool bigEndian = true) {
