@@ -37,5 +37,7 @@ ngl::NglElementMeshInput inputOf(const Sheet& sheet);
 RenderColorScale makeScale();
 
 constexpr unsigned kPerTurn = 1000; ///< picks, boxes, pictures, shapes in one turn of a case
+/// Where a shape's cost may grow with the number of those before it.
+const std::vector<unsigned> kTurns = {kPerTurn, 10 * kPerTurn};
 
 } // namespace nrubench

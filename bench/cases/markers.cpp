@@ -66,11 +66,11 @@ std::vector<Case> markerCases() {
          {1000, 10000, 100000},
          section(kCylinder, [](const Markers& m) { drawCylinderArray(m, true); })},
         {"markers.array",
-         {1000, 10000, 100000},
+         {1000, 10000, 100000, 1000000},
          section(kCylinder, [](const Markers& m) { drawCylinderArray(m, false); })},
         {"spheres.single", {1000}, section(kSphere, drawSpheres)},
         {"spheres.exact_array", {1000}, section(kSphere, [](const Markers& m) { drawSphereArray(m, true); })},
-        {"spheres.array", {1000, 10000, 100000}, section(kSphere, [](const Markers& m) {
+        {"spheres.array", {1000, 10000, 100000, 1000000}, section(kSphere, [](const Markers& m) {
              drawSphereArray(m, false);
          })}};
 }

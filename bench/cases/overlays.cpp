@@ -69,10 +69,10 @@ std::function<Work(unsigned)> boxes(bool rounded) {
 } // namespace
 
 std::vector<Case> overlayCases() {
-    return {{"overlay.lines", {kPerTurn}, shapes(drawLine, 0.01)},
+    return {{"overlay.lines", kTurns, shapes(drawLine, 0.01)},
             {"overlay.polygons", {kPerTurn}, shapes(drawPolygon, 0.3)},
             {"overlay.circles", {kPerTurn}, shapes(drawCircle, 0.1)},
-            {"boxes.plain", {kPerTurn}, boxes(false)},
+            {"boxes.plain", kTurns, boxes(false)},
             {"boxes.rounded", {kPerTurn}, boxes(true)}};
 }
 

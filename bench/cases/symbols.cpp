@@ -53,7 +53,7 @@ Work pick(unsigned size) {
 } // namespace
 
 std::vector<Case> symbolCases() {
-    return {{"symbols.draw", {kPerTurn}, draw}, {"symbols.pick", {kPerTurn}, pick}};
+    return {{"symbols.draw", kTurns, draw}, {"symbols.pick", {kPerTurn}, pick}};
 }
 
 } // namespace nrubench

@@ -77,7 +77,7 @@ Work lookUp(unsigned size) {
 
 std::vector<Case> textureCases() {
     const NuTexture::RenderInfo plain{}, both{1, 6, 1, 3, {255, 255, 0}};
-    return {{"textures.rectangles", {kPerTurn}, pictures(false, plain)},
+    return {{"textures.rectangles", kTurns, pictures(false, plain)},
             {"textures.rounded", {kPerTurn}, pictures(false, both)},
             {"textures.circles", {kPerTurn}, pictures(true, plain)},
             {"textures.bordered_circles", {kPerTurn}, pictures(true, both)},
