@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
+#include <utility>
 
+#include "NRenderUtl/gl/immediate.h"
 #include "NRenderUtl/gl/nglrecord.h"
-#include "NRenderUtl/gl/stateguards.h"
-#include "NRenderUtl/host/hostmath.h"
+#include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/nhost.h"
 
 namespace {
@@ -83,8 +85,8 @@ SymbolState& symbolState() {
     return state;
 }
 
-int walkSymbol(SymbolTarget& target, const SymbolParameters& parameters, int partCount,
-               const utl_parametric_symbol_data_s* parts) {
+int walkSymbol(SymbolTarget& target, const SymbolPlace& place, const SymbolParameters& parameters,
+               int partCount, const utl_parametric_symbol_data_s* parts) {
     storeRegister(0, {});
     _NgPoint3Str at{};
     double previousScale = 1.0;
@@ -94,83 +96,184 @@ int walkSymbol(SymbolTarget& target, const SymbolParameters& parameters, int par
             continue;
         // Each offset is in units of the part before it.
         at = MathAdd(at, MathScaled(registerOffset(parts[i].offsetRegister), previousScale));
-        SymbolFrame frame;
-        frame.translate(at);
-        frame.scale(scale);
-        if (visitAll(target, parts[i]))
+        SymbolPlace part = place;
+        part.translate(at);
+        part.scale(scale);
+        target.enter(part);
+        const bool hit = visitAll(target, parts[i]);
+        target.leave();
+        if (hit)
             return 0;
         previousScale = scale;
     }
     return target.isDrawing() ? 0 : -1;
 }
 
-// --- frames ------------------------------------------------------------------------------------------------
+// --- places ------------------------------------------------------------------------------------------------
 
-SymbolFrame::SymbolFrame() {
-    ngl_get_3d_matrix(m_outer);
+void SymbolPlace::nullifyView() {
+    NglMultiply(m_matrix, nglRecord().live.inverseModelView, m_matrix);
+}
+
+void SymbolPlace::translate(const _NgPoint3Str& offset) {
+    for (int r = 0; r < 4; ++r)
+        m_matrix[3][r] += m_matrix[0][r] * offset.x + m_matrix[1][r] * offset.y + m_matrix[2][r] * offset.z;
+}
+
+void SymbolPlace::scale(double factor) {
+    for (int c = 0; c < 3; ++c)
+        for (double& element : m_matrix[c])
+            element *= factor;
+}
+
+void SymbolPlace::rotate(double angleDeg, int axis) {
+    if (axis < 'x' || axis > 'z')
+        return;
+    // Turns the axis after this one towards the one after that.
+    const int first = (axis - 'x' + 1) % 3, second = (first + 1) % 3;
+    const double angleRad = angleDeg * (std::numbers::pi / 180), c = std::cos(angleRad),
+                 s = std::sin(angleRad);
+    for (int r = 0; r < 4; ++r) {
+        const double u = m_matrix[first][r], v = m_matrix[second][r];
+        m_matrix[first][r] = c * u + s * v;
+        m_matrix[second][r] = c * v - s * u;
+    }
+}
+
+// --- drawing -----------------------------------------------------------------------------------------------
+
+namespace {
+
+bool usesProgram() {
+    static const bool hasAssembly = epoxy_has_gl_extension("GL_ARB_vertex_program"); // asks for all by name
+    const int version = epoxy_gl_version();
+    GLint program = 0, pipeline = 0;
+    if (version >= 20)
+        glGetIntegerv(GL_CURRENT_PROGRAM, &program);
+    if (version >= 41)
+        glGetIntegerv(GL_PROGRAM_PIPELINE_BINDING, &pipeline);
+    return program != 0 || pipeline != 0 || (hasAssembly && glIsEnabled(GL_VERTEX_PROGRAM_ARB));
+}
+
+/// Whether only the positions of vertices in the window count: light goes by normals, generated texture
+/// coordinates by the vertices as they are sent, and programs by what they like.
+bool onlyPositionsCount() {
+    return !glIsEnabled(GL_LIGHTING) && !glIsEnabled(GL_TEXTURE_GEN_S) && !usesProgram();
+}
+
+bool glHasModelViewOfRecord() {
+    float record[4][4], gl[4][4];
+    NglToFloat(nglRecord().live.modelView, record);
+    glGetFloatv(GL_MODELVIEW_MATRIX, &gl[0][0]);
+    return std::equal(&gl[0][0], &gl[0][0] + 16, &record[0][0]);
+}
+
+/// Whether single precision places points of a part in model space as it does in the part's own, to
+/// hundredths of a pixel.
+bool isPrecise(const NgMatrix& part) {
+    constexpr double kMostPixels = 32768; // 1/512 pixel is left
+    const double most = kMostPixels * symbolState().orthoScale;
+    const double* at = part[3];
+    return std::abs(at[0]) < most && std::abs(at[1]) < most && std::abs(at[2]) < most;
+}
+
+} // namespace
+
+void SymbolDrawer::readState() {
+    m_anySpace = onlyPositionsCount();
+    m_dashed = glIsEnabled(GL_LINE_STIPPLE);
+}
+
+void SymbolDrawer::useRecord() {
+    m_fromRecord = !glHasModelViewOfRecord();
+}
+
+void SymbolDrawer::enter(const SymbolPlace& part) {
+    if (!std::exchange(m_ready, true))
+        readState();
+    if (m_anySpace && !m_fromRecord && isPrecise(part.matrix())) {
+        m_part = &part;
+        return;
+    }
+    close();
+    glGetIntegerv(GL_MATRIX_MODE, &m_matrixMode);
     ngl_push_3d_matrix();
-}
-
-SymbolFrame::~SymbolFrame() {
-    ngl_pop_3d_matrix();
-    std::copy_n(&m_outer[0][0], 16, &nglRecord().live.modelView[0][0]);
-}
-
-void SymbolFrame::multiply(double matrix[4][4]) {
-    NgMatrix product;
-    NglMultiply(nglRecord().live.modelView, matrix, product);
+    if (m_fromRecord)
+        ngl_init_3d_matrix();
+    NgMatrix matrix;
+    std::copy_n(&part.matrix()[0][0], 16, &matrix[0][0]);
     ngl_mult_3d_matrix(matrix);
-    std::copy_n(&product[0][0], 16, &nglRecord().live.modelView[0][0]);
 }
 
-void SymbolFrame::nullifyView() {
-    NgMatrix product;
-    NglMultiply(nglRecord().live.modelView, nglRecord().live.inverseModelView, product);
-    ngl_nullify_view();
-    std::copy_n(&product[0][0], 16, &nglRecord().live.modelView[0][0]);
+void SymbolDrawer::leave() {
+    if (std::exchange(m_part, nullptr))
+        return;
+    close();
+    ngl_pop_3d_matrix();
+    glMatrixMode(static_cast<GLenum>(m_matrixMode));
 }
 
-void SymbolFrame::translate(const _NgPoint3Str& offset) {
-    NgMatrix m;
-    NglSetTranslation(m, offset);
-    multiply(m);
+void SymbolDrawer::send(const _NgPoint3Str& p) const {
+    _NgPoint3Str sent = p;
+    if (m_part)
+        NglTransform33p(p, m_part->matrix(), sent);
+    sendVertex(sent);
 }
 
-void SymbolFrame::scale(double factor) {
-    NgMatrix m;
-    NglSetScale(m, factor, factor, factor);
-    multiply(m);
+void SymbolDrawer::open() {
+    if (!std::exchange(m_open, true))
+        glBegin(GL_LINES);
 }
 
-void SymbolFrame::rotate(double angleDeg, int axis) {
-    NgMatrix m;
-    if (NglSetRotation(m, angleDeg,
-                       {axis == 'x' ? 1.0 : 0.0, axis == 'y' ? 1.0 : 0.0, axis == 'z' ? 1.0 : 0.0}) == 0)
-        multiply(m);
+void SymbolDrawer::close() {
+    if (std::exchange(m_open, false))
+        glEnd();
 }
 
-// --- drawing and picking of primitives ---------------------------------------------------------------------
+void SymbolDrawer::drawChain(unsigned primitive, const _NgPoint3Str* points, int count) {
+    close();
+    if (count > 0)
+        drawVertices(primitive, static_cast<std::uint64_t>(count),
+                     [=, this](std::uint64_t i) { send(points[i]); });
+}
 
 bool SymbolDrawer::line(const _NgPoint3Str& p, const _NgPoint3Str& q) {
-    ngl_line_3d_s(&p, &q);
+    open();
+    send(p);
+    send(q);
     return false;
 }
 
 bool SymbolDrawer::polyline(const _NgPoint3Str* points, int count) {
-    ngl_polyline_3d_s(points, static_cast<std::uint64_t>(std::max(count, 0)));
+    if (m_dashed)
+        drawChain(GL_LINE_STRIP, points, count);
+    else // as segments, which the driver joins with those before
+        for (int i = 1; i < count; ++i)
+            line(points[i - 1], points[i]);
     return false;
 }
 
 bool SymbolDrawer::polygon(const _NgPoint3Str* points, int count) {
-    ngl_polygon_3d_s(points, static_cast<std::uint64_t>(std::max(count, 0)));
+    drawChain(GL_POLYGON, points, count);
     return false;
 }
 
+// --- picking -----------------------------------------------------------------------------------------------
+
+SymbolPicker::SymbolPicker(int x, int y)
+    : m_x(x), m_y(y), m_projection(nglRecordProjection(nglRecord().live)) {}
+
+void SymbolPicker::enter(const SymbolPlace& part) {
+    NgMatrix product;
+    NglMultiply(nglRecord().live.modelView, part.matrix(), product);
+    std::copy_n(&product[0][0], 16, m_projection.modelView);
+}
+
 bool SymbolPicker::hits(const _NgPoint3Str& p, const _NgPoint3Str& q) const {
-    double x1, y1, x2, y2;
-    ngl_transform_32(p.x, p.y, p.z, &x1, &y1);
-    ngl_transform_32(q.x, q.y, q.z, &x2, &y2);
-    return UtlCheckLineSnap(symbolState().snapPixels, m_x, m_y, x1, y1, x2, y2, nullptr, nullptr) == 0;
+    const _NgPoint3Str a = nglProject(m_projection, p), b = nglProject(m_projection, q);
+    const double top = m_projection.viewport[3];
+    return UtlCheckLineSnap(symbolState().snapPixels, m_x, m_y, a.x, top - a.y, b.x, top - b.y, nullptr,
+                            nullptr) == 0;
 }
 
 bool SymbolPicker::hitsChain(const _NgPoint3Str* points, int segments) const {
@@ -234,7 +337,6 @@ void UtlSetSpringDrawMode(int mode) {
 void utl_symbol_draw(const double* parameters, int partCount, const utl_parametric_symbol_data_s* parts) {
     if (!parameters)
         return;
-    const MatrixModeGuard mode;
     SymbolDrawer drawer;
-    walkSymbol(drawer, {parameters, std::numeric_limits<int>::max()}, partCount, parts);
+    walkSymbol(drawer, {}, {parameters, std::numeric_limits<int>::max()}, partCount, parts);
 }

@@ -57,22 +57,16 @@ Choice choose(int slot, const void* points, Result whenNotInList) {
     return {points ? &state.list[slot] : nullptr, Nothing};
 }
 
-/// The frame of a worker, in the view's own space once it is placed.
-class PlacedFrame {
-public:
-    void placeAt(const _NgPoint3Str& view) {
-        m_frame.nullifyView();
-        m_frame.translate(view);
-    }
-    void rotate(double angleDeg, int axis) { m_frame.rotate(angleDeg, axis); }
+SymbolPlace placeInView(const _NgPoint3Str& view) {
+    SymbolPlace place;
+    place.nullifyView();
+    place.translate(view);
+    return place;
+}
 
-private:
-    const MatrixModeGuard m_mode;
-    SymbolFrame m_frame;
-};
-
-int walk(SymbolTarget& target, const utl_symbols& symbol, const SymbolParameters& parameters) {
-    return walkSymbol(target, parameters, symbol.partCount, symbol.parts);
+int walk(SymbolTarget& target, const SymbolPlace& place, const utl_symbols& symbol,
+         const SymbolParameters& parameters) {
+    return walkSymbol(target, place, parameters, symbol.partCount, symbol.parts);
 }
 
 // --- point symbols -----------------------------------------------------------------------------------------
@@ -110,11 +104,9 @@ int placePoint(SymbolTarget& target, const _NgPoint3Str* point, int kind) {
     const Choice choice = choose(pointSlot(kind), point, NotKnown);
     if (!choice.symbol)
         return choice.failure;
-    PlacedFrame frame;
-    ngl_init_3d_matrix();
-    frame.placeAt(pointPlace(*point));
+    target.useRecord();
     const double size = 0.5;
-    return walk(target, *choice.symbol, {&size, 1});
+    return walk(target, placeInView(pointPlace(*point)), *choice.symbol, {&size, 1});
 }
 
 // --- axis and orientation symbols --------------------------------------------------------------------------
@@ -151,13 +143,12 @@ int placeAxis(SymbolTarget& target, const _NgPoint3Str* point, int direction, in
         return choice.failure;
     const _NgPoint2Str o = screenPoint({}), d = screenPoint(unitVector(direction));
     const double right = d.x - o.x, up = o.y - d.y;
-    PlacedFrame frame;
-    frame.placeAt(viewPoint(*point));
+    SymbolPlace place = placeInView(viewPoint(*point));
     if (std::abs(right) <= kPointsAtViewer && std::abs(up) <= kPointsAtViewer)
-        frame.rotate(90.0, 'y');
+        place.rotate(90.0, 'y');
     else
-        frame.rotate(degrees(std::atan2(up, right)), 'z');
-    return walk(target, *choice.symbol, size.parameters);
+        place.rotate(degrees(std::atan2(up, right)), 'z');
+    return walk(target, place, *choice.symbol, size.parameters);
 }
 
 struct Turns {
@@ -172,12 +163,11 @@ int placeOrientation(SymbolTarget& target, const _NgPoint3Str* point, const Turn
     const Choice choice = choose(size.slot, isComplete ? point : nullptr, NotInList);
     if (!choice.symbol)
         return choice.failure;
-    PlacedFrame frame;
-    frame.placeAt(viewPoint(*point));
+    SymbolPlace place = placeInView(viewPoint(*point));
     for (int k = turns.last; k >= 0; --k)
         if (turns.axes[k] >= 0 && turns.axes[k] <= 2)
-            frame.rotate(turns.anglesDeg[k], "xyz"[turns.axes[k]]);
-    return walk(target, *choice.symbol, size.parameters);
+            place.rotate(turns.anglesDeg[k], "xyz"[turns.axes[k]]);
+    return walk(target, place, *choice.symbol, size.parameters);
 }
 
 // --- line symbols ------------------------------------------------------------------------------------------
@@ -249,7 +239,8 @@ std::optional<LineParameters> lineParameters(int slot, const utl_symbols& symbol
 }
 
 double screenLength(const _NgPoint3Str& p, const _NgPoint3Str& q) {
-    const _NgPoint2Str a = screenPoint(p), b = screenPoint(q);
+    const NglProjection record = nglRecordProjection(nglRecord().live);
+    const _NgPoint3Str a = nglProject(record, p), b = nglProject(record, q);
     return std::hypot(b.x - a.x, b.y - a.y);
 }
 
@@ -291,11 +282,10 @@ int placeLine(SymbolTarget& target, const _NgPoint3Str points[2], int kind,
     const auto parameters = lineParameters(slot, *choice.symbol, length, target.isDrawing());
     if (!parameters)
         return Done;
-    PlacedFrame frame;
     // Deliberate: springs are drawn about the middle of their line, and picked from its start.
-    frame.placeAt(isDrawnSpring ? MathScaled(MathAdd(p, q), 0.5) : p);
-    frame.rotate(lineAngleDeg(d.x, d.y), 'z');
-    return walk(target, *choice.symbol, parameters->view());
+    SymbolPlace place = placeInView(isDrawnSpring ? MathScaled(MathAdd(p, q), 0.5) : p);
+    place.rotate(lineAngleDeg(d.x, d.y), 'z');
+    return walk(target, place, *choice.symbol, parameters->view());
 }
 
 /// Draws or picks with one of the workers.

@@ -379,6 +379,63 @@ TEST_F(Symbols, ArePickedWhereTheyAreDrawn) {
         }
 }
 
+TEST_F(Symbols, LookAlikeByMatricesOfTheirOwn) {
+    // Generated coordinates of a texture that is off: nothing but the way changes.
+    const _NgPoint3Str at{0.5, 0.5, -2}, p{1.5, -2.2, 1}, q{-1.5, 1.2, 2};
+    for (const bool perspective : {false, true}) {
+        setLiveView(perspective, 37);
+        NglUpdateNglInfo();
+        glRotated(10, 0, 0, 1); // GL's own, which the record does not know
+        for (const Call& call :
+             {lineCall(p, q, 1), lineCall(p, q, 12), pointCall(at, 8), axisCall(at, 4, 0)}) {
+            SCOPED_TRACE(call.name);
+            const Points points = drawn(call.draw);
+            EXPECT_GE(points.size(), 2u);
+            glEnable(GL_TEXTURE_GEN_S);
+            expectPoints(points, drawn(call.draw));
+            glDisable(GL_TEXTURE_GEN_S);
+        }
+    }
+}
+
+TEST_F(Symbols, AreLitFromTheFrontInTurnedViews) {
+    glRotated(60, 0, 1, 0);
+    NglUpdateNglInfo();
+    glEnable(GL_LIGHTING);
+    glEnable(GL_LIGHT0); // white, from the viewer
+    const std::array black{0.0f, 0.0f, 0.0f, 1.0f}, white{1.0f, 1.0f, 1.0f, 1.0f};
+    glLightModelfv(GL_LIGHT_MODEL_AMBIENT, black.data());
+    glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, white.data());
+    EXPECT_EQ(orientCall({0, 0.5, 0}, -1, nullptr, nullptr, 1).draw(), 0);
+    EXPECT_EQ(read().at(34, 32), 0xFFFFFFFFu);
+}
+
+TEST_F(Symbols, KeepTheirShapeFarFromTheOrigin) {
+    const std::vector<Points> lead{along({32, 32, 0.5}, 0, scaled(1, 1, 1))};
+    for (const double far : {1e3, 1e5, 4e6}) { // the last with a unit between neighbours of single precision
+        glLoadIdentity();
+        glTranslated(-far, 0, 0);
+        NglUpdateNglInfo();
+        UtlSymSetOrthoScale(0.125);
+        const Points points = drawn(orientCall({far, 0, 0}, -1, nullptr, nullptr, 1).draw);
+        ASSERT_EQ(points.size(), 12u) << far;
+        for (std::size_t i = 0; i < points.size(); ++i)
+            EXPECT_NEAR(points[i].x - 32, 0.125 * (segments(lead)[i].x - 32), 0.01) << far;
+    }
+}
+
+TEST_F(Symbols, CarryDashesOnAlongAChain) {
+    const Points flat{{0, 0.5, 0}, {3, 0.5, 0}, {8, 0.5, 0}, {16, 0.5, 0}};
+    const Primitives primitives{chainOf(2, flat, 4)};
+    const Parts parts{partOf(0, 0, primitives)};
+    glEnable(GL_LINE_STIPPLE);
+    glLineStipple(1, 0x0F0F);
+    const double parameter = 1;
+    utl_symbol_draw(&parameter, 1, parts.data());
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(read().at(32 + i, 32) != kClear, i % 8 < 4) << i;
+}
+
 TEST_F(Symbols, LeaveStateAndRecordAsTheyWere) {
     setLiveView(false, 20);
     NglUpdateNglInfo();
