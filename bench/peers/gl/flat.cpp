@@ -237,14 +237,14 @@ Work springs(unsigned size) {
 
 std::vector<Case> flatCases() {
     const char* note = "state is set once for all";
-    const std::vector<unsigned> kTurns = {1000, 10000};
-    return {{"symbols.draw", kTurns, springs, "one symbol, fitted by hand in a known parallel view"},
-            {"overlay.lines", kTurns, each(drawLine, 0.01), note},
+    const std::vector<unsigned> turns = {1000, 10000};
+    return {{"symbols.draw", turns, springs, "one symbol, fitted by hand in a known parallel view"},
+            {"overlay.lines", turns, each(drawLine, 0.01), note},
             {"overlay.polygons", {1000}, each(drawRectangle, 0.3), note},
             {"overlay.circles", {1000}, circles, "state is set once for all, the circle computed once"},
-            {"boxes.plain", kTurns, plainBoxes, note},
+            {"boxes.plain", turns, plainBoxes, note},
             {"boxes.rounded", {1000}, roundedBoxes, "state is set once for all, one radius for all corners"},
-            {"textures.rectangles", kTurns, pictures(0, 0), note},
+            {"textures.rectangles", turns, pictures(0, 0), note},
             {"textures.rounded", {1000}, pictures(6, 3), note},
             {"textures.circles", {1000}, pictures(12, 0), "state is set once for all; a quad cut round"},
             {"textures.bordered_circles",
