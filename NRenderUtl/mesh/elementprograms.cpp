@@ -232,7 +232,8 @@ bool ElementPrograms::updateFacts(const ElementScene& scene, const ElementPlan& 
 bool ElementPrograms::updateBlock(const ElementScene& scene, Bindings& bindings) {
     const auto& entries = scene.values.entries;
     std::array<BlockTexel, kParameterBlockSize> block;
-    putParameterBlock(blockLighting(), entries ? &*entries : nullptr, block);
+    const BlockLighting lighting = blockLighting();
+    putParameterBlock(lighting, kindsOfLights(lighting), entries ? &*entries : nullptr, block);
     const auto count = static_cast<std::uint32_t>(block.size());
     if (m_blockTexels.empty() || std::memcmp(block.data(), m_blockTexels.data(), sizeof block) != 0)
         m_block.changed({0, count});

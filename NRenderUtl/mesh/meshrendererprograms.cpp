@@ -40,7 +40,7 @@ MeshRendererBlock::Texels lightDirections(const NglLightParams (&lights)[8]) {
 
 MeshRendererBlock::Texels classicTexels(const BlockLighting& lighting) {
     MeshRendererBlock::Texels texels;
-    putLighting(lighting, texels);
+    putLighting(lighting, kindsOfLights(lighting), texels);
     return texels;
 }
 

@@ -4,6 +4,9 @@
 
 namespace {
 
+// The model's own weights; the programs carry the same two.
+constexpr float kAmbientWeight = 1.74f, kDiffuseWeight = 0.5f;
+
 BlockTexel texel(const float rgb[4], float last) {
     return {rgb[0], rgb[1], rgb[2], last};
 }
@@ -14,6 +17,25 @@ bool isOn(const NglLightParams& light) {
 
 bool isBlack(const float rgb[4]) {
     return rgb[0] == 0 && rgb[1] == 0 && rgb[2] == 0;
+}
+
+bool isGrey(const float rgb[4]) {
+    return rgb[0] == rgb[1] && rgb[0] == rgb[2];
+}
+
+bool shineAlike(const NglMatParams& front, const NglMatParams& back) {
+    return isGrey(front.specular) && std::equal(front.specular, front.specular + 3, back.specular) &&
+           front.shininess == back.shininess;
+}
+
+bool isPlain(const BlockLighting& lighting) {
+    const auto& [lights, front, back] = lighting;
+    return isBlack(front.emission) && isBlack(back.emission) &&
+           (!hasHighlights(lighting) || shineAlike(front, back)) &&
+           std::all_of(lights.begin(), lights.end(), [](const NglLightParams& light) {
+               return !isOn(light) ||
+                      (isGrey(light.ambient) && isGrey(light.diffuse) && isGrey(light.specular));
+           });
 }
 
 /// Where none is on, a light that gives nothing, off every surface.
@@ -34,6 +56,29 @@ void putLights(std::span<const NglLightParams> lights, BlockTexel* at) {
     }
 }
 
+/// One number for a light's specular, of which the first two have their place beside the ambient.
+float& plainSpecular(std::span<BlockTexel> block, std::size_t light) {
+    return light < 2 ? block[BlockPlain][2 + light]
+                     : block[BlockPlainSpecular + (light - 2) / 4][(light - 2) % 4];
+}
+
+void putPlainLighting(const BlockLighting& lighting, std::span<BlockTexel> block) {
+    BlockTexel& first = block[BlockPlain];
+    first[1] = lighting.front.shininess;
+    block[BlockPlainLights] = {0, 0, 1e9f, 0}; // where none is on
+    std::size_t count = 0;
+    for (const NglLightParams& light : lighting.lights) {
+        if (!isOn(light))
+            continue;
+        first[0] += light.ambient[0] * kAmbientWeight;
+        block[BlockPlainLights + count] = texel(light.position, light.diffuse[0] * kDiffuseWeight);
+        plainSpecular(block, count) = light.specular[0] * lighting.front.specular[0];
+        ++count;
+    }
+    if (count == 1)
+        first[3] = block[BlockPlainLights][3];
+}
+
 } // namespace
 
 bool hasHighlights(const BlockLighting& lighting) {
@@ -50,11 +95,15 @@ LightKinds kindsOfLights(const BlockLighting& lighting) {
                                             light.quadraticAttenuation != 0);
     }
     kinds.count = std::max(kinds.count, 1);
+    kinds.plain = !kinds.attenuated && isPlain(lighting);
     return kinds;
 }
 
-void putLighting(const BlockLighting& lighting, std::span<BlockTexel, BlockEntries> block) {
+void putLighting(const BlockLighting& lighting, const LightKinds& kinds,
+                 std::span<BlockTexel, BlockEntries> block) {
     std::ranges::fill(block, BlockTexel{});
+    if (kinds.plain)
+        return putPlainLighting(lighting, block);
     for (int k = 0; k < 3; ++k)
         block[BlockEmission][k] = lighting.front.emission[k] + lighting.back.emission[k];
     block[BlockFront] = texel(lighting.front.specular, lighting.front.shininess);
@@ -62,9 +111,9 @@ void putLighting(const BlockLighting& lighting, std::span<BlockTexel, BlockEntri
     putLights(lighting.lights, &block[BlockLights]);
 }
 
-void putParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries,
+void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const ScaleEntries* entries,
                        std::span<BlockTexel, kParameterBlockSize> block) {
-    putLighting(lighting, block.first<BlockEntries>());
+    putLighting(lighting, kinds, block.first<BlockEntries>());
     auto next = block.begin() + BlockEntries;
     if (entries)
         next =

@@ -24,8 +24,9 @@ bool hasHighlights(const BlockLighting& lighting);
 LightKinds kindsOfLights(const BlockLighting& lighting);
 
 constexpr std::size_t kParameterBlockSize = BlockEntries + kMostScaleEntries;
-/// Writes the texels as blocklayout.h lays them out: BlockEntries of the lighting, the rest of the scale, or
-/// zeros.
-void putLighting(const BlockLighting& lighting, std::span<BlockTexel, BlockEntries> block);
-void putParameterBlock(const BlockLighting& lighting, const ScaleEntries* entries,
+/// Writes the texels as blocklayout.h lays them out for programs of these kinds: BlockEntries of the
+/// lighting, the rest of the scale, or zeros.
+void putLighting(const BlockLighting& lighting, const LightKinds& kinds,
+                 std::span<BlockTexel, BlockEntries> block);
+void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const ScaleEntries* entries,
                        std::span<BlockTexel, kParameterBlockSize> block);

@@ -10,6 +10,8 @@ void defineLights(std::vector<std::string>& defines, const LightKinds& lights) {
         defines.push_back("LIGHTS " + std::to_string(lights.count));
     if (!lights.attenuated)
         defines.push_back("NO_ATTENUATION");
+    if (lights.plain)
+        defines.push_back("PLAIN_LIGHTS");
 }
 
 NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {

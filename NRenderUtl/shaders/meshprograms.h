@@ -14,10 +14,12 @@ struct FixedSwitch {
     auto operator<=>(const FixedSwitch&) const = default;
 };
 
-/// What a program may know of the lights that are on, which spares it a loop and a division.
+/// What a program may know of the lights that are on, which spares it a loop, a division and most of what it
+/// would read.
 struct LightKinds {
     int count = 0; ///< 0: any number
     bool attenuated = true;
+    bool plain = false; ///< a known number, not attenuated, grey; both sides shine alike and do not emit
     auto operator<=>(const LightKinds&) const = default;
 };
 

@@ -75,7 +75,10 @@ std::vector<std::string> blockDefines() {
             define("BLOCK_FRONT", BlockFront),
             define("BLOCK_BACK", BlockBack),
             define("BLOCK_LIGHTS", BlockLights),
-            define("BLOCK_ENTRIES", BlockEntries)};
+            define("BLOCK_ENTRIES", BlockEntries),
+            define("BLOCK_PLAIN", BlockPlain),
+            define("BLOCK_PLAIN_LIGHTS", BlockPlainLights),
+            define("BLOCK_PLAIN_SPECULAR", BlockPlainSpecular)};
 }
 
 void fixSwitch(std::string& source, const FixedSwitch& fixed) {

@@ -55,6 +55,22 @@ Lighting makeLighting(unsigned mask, double strength = 0.25) {
     return lighting;
 }
 
+/// Grey and not attenuated, on sides that do not emit and shine alike.
+Lighting makePlain(Lighting lighting, bool highlights) {
+    for (NglLightParams& light : lighting.lights) {
+        for (float* color : {light.ambient, light.diffuse, light.specular})
+            color[1] = color[2] = color[0];
+        light.constantAttenuation = 1;
+        light.linearAttenuation = light.quadraticAttenuation = 0;
+    }
+    for (NglMatParams* side : {&lighting.front, &lighting.back}) {
+        std::fill_n(side->emission, 3, 0.0f);
+        std::fill_n(side->specular, 3, highlights ? 0.75f : 0.0f);
+        side->shininess = 9;
+    }
+    return lighting;
+}
+
 class ShaderLighting : public ShaderTest {
 protected:
     void SetUp() override {
@@ -160,6 +176,25 @@ TEST_F(ShaderLighting, ClassicModelFromABlockFollowsTheRules) {
                 EXPECT_EQ(kinds.attenuated, !known || (mask != 0 && mask != 0xC9u));
                 program = &elementMeshProgram({.block = true, .highlights = highlights, .lights = kinds});
                 expectRules("block", lighting, kTolerance);
+            }
+}
+
+TEST_F(ShaderLighting, PlainLightsFromABlockFollowTheRules) {
+    settings.transparent = 1;
+    for (const dvec3& normal : facts.normals)
+        points.vertexNormal.emplace_back(glm::vec3(normal), 0);
+    for (const bool highlights : {false, true})
+        for (const bool smooth : {false, true})
+            for (const unsigned mask : {0u, 1u << 5, 0x18u, 0x7Fu}) {
+                Lighting lighting = makePlain(makeLighting(mask), highlights);
+                settings.smooth = smooth;
+                const LightKinds kinds = kindsOfLights({lighting.lights, lighting.front, lighting.back});
+                EXPECT_TRUE(kinds.plain);
+                set(kinds);
+                program = &elementMeshProgram({.block = true, .highlights = highlights, .lights = kinds});
+                expectRules(("plain " + std::to_string(mask)).c_str(), lighting, 2e-5);
+                lighting.back.emission[1] = 0.25f;
+                EXPECT_FALSE(kindsOfLights({lighting.lights, lighting.front, lighting.back}).plain);
             }
 }
 

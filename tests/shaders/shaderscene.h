@@ -94,6 +94,8 @@ protected:
         for (const MeshSetting& setting : kMeshSettings)
             set(setting.name, settings.*setting.field);
     }
+    /// What the programs that read from a buffer know of the lights.
+    void set(const LightKinds& kinds) { m_lightKinds = kinds; }
     void set(const Lighting& l) {
         Lighting lighting = l; // the setters' pointers are not const
         m_program->SetLightUniforms(8, lighting.lights.data());
@@ -200,7 +202,7 @@ private:
             return;
         const auto entries = makeScaleEntries(m_scale);
         std::vector<BlockTexel> block(kParameterBlockSize);
-        putParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back},
+        putParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back}, m_lightKinds,
                           entries ? &*entries : nullptr, std::span<BlockTexel, kParameterBlockSize>(block));
         texels("g_block", GL_RGBA32F, block);
         if (entries)
@@ -231,6 +233,7 @@ private:
 
     NShaderProgram* m_program = nullptr;
     Lighting m_lighting;
+    LightKinds m_lightKinds;
     RenderColorScale m_scale;
 };
 

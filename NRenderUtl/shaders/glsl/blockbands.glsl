@@ -21,7 +21,7 @@ vec4 findEntry(float value, float guess) {
         low = below ? low : at + 1;
         again = (below || above) && low <= high;
         // Fragments that are done fetch along with those that are not, so theirs must stay the same.
-        at = again ? (low + high + 1) / 2 : at;
+        at = again ? low + high + 1 >> 1 : at; // a shift, as a division of signed numbers is none
     } while (again);
     return entry;
 }

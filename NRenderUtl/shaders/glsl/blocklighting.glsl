@@ -14,6 +14,45 @@ float highlight(float cosine, float shininess) {
 }
 #endif
 
+#ifdef PLAIN_LIGHTS
+// A light's share of diffuse light and its highlight; normal of unit length.
+vec2 plainLight(vec3 toLight, vec3 normal, float diffuse, float specular, float shininess) {
+    float across = dot(normal.xy, toLight.xy), across2 = dot(toLight.xy, toLight.xy);
+    float distance2 = across2 + toLight.z * toLight.z, inverse = inversesqrt(distance2);
+    float cosLight = (across + normal.z * toLight.z) * inverse;
+    float share = diffuse * abs(cosLight);
+#ifdef NO_HIGHLIGHTS
+    return vec2(share, 0.0);
+#else
+    // The viewer stays on +z: the half vector, times the distance, differs from toLight in z alone.
+    float halfZ = toLight.z + distance2 * inverse;
+    float cosHalf = (across + normal.z * halfZ) * inversesqrt(across2 + halfZ * halfZ);
+    float shine = highlight(cosLight > 0.0 ? cosHalf : -cosHalf, shininess);
+    return vec2(share, cosLight != 0.0 ? specular * shine : 0.0);
+#endif
+}
+
+// The model in numbers: what is grey needs no colours. Of a surface with the normals of vertices and one
+// light, position is the vector to the light.
+vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
+    if (g_lightsOff != 0)
+        return color;
+    vec4 plain = texelFetch(g_block, BLOCK_PLAIN);
+#if LIGHTS == 1
+    vec3 toLight = g_smooth == 1 ? position : texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - position;
+    vec2 sum = plainLight(toLight, normal, plain.w, plain.z, plain.y);
+#else
+    vec2 sum = vec2(0.0);
+    for (int i = 0; i < LIGHTS; ++i) {
+        vec4 light = texelFetch(g_block, BLOCK_PLAIN_LIGHTS + i);
+        int j = i - 2;
+        float specular = i < 2 ? plain[2 + i] : texelFetch(g_block, BLOCK_PLAIN_SPECULAR + j / 4)[j % 4];
+        sum += plainLight(light.xyz - position, normal, light.w, specular, plain.y);
+    }
+#endif
+    return vec4(clamp((plain.x + sum.x) * color.rgb + sum.y, 0.0, 1.0), color.a);
+}
+#else
 // Adds what the light at a texel gives, before the colour of the surface and after it. Whether another
 // follows.
 bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, inout vec3 specular) {
@@ -65,3 +104,4 @@ vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
     vec3 emission = texelFetch(g_block, BLOCK_EMISSION).rgb;
     return vec4(clamp(emission + ambientDiffuse * color.rgb + specular, 0.0, 1.0), color.a);
 }
+#endif

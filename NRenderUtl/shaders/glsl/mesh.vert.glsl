@@ -22,10 +22,11 @@ uniform int g_ct;
 uniform int g_use_clr_scale;
 #ifdef PARAMETER_BLOCK
 uniform vec3 g_entries; // as in blockbands.glsl
+uniform samplerBuffer g_block;
 #endif
 
 out VertexData {
-    vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal
+    vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal; or as lightColor says
 #ifndef PARAMETER_BLOCK
     flat vec4 color;
 #endif
@@ -59,6 +60,10 @@ void main() {
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
 
     VertexOut.position = g_usepbrmat == 1 ? g_pos_attrib : eye.xyz;
+#if defined(PLAIN_LIGHTS) && LIGHTS == 1
+    if (g_smooth == 1)
+        VertexOut.position = texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - eye.xyz;
+#endif
 #ifndef PARAMETER_BLOCK
     VertexOut.color = vec4(g_color, 1.0);
 #endif

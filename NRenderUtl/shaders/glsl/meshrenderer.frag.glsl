@@ -13,6 +13,10 @@ uniform vec4 g_bcolor;
 uniform int g_transparent;
 uniform float g_alphavalue;
 
+#ifdef PLAIN_LIGHTS
+const int g_smooth = 1;
+#endif
+
 vec4 lightColor(vec4 color, vec3 position, vec3 normal);
 
 vec4 surfaceColor() {

@@ -9,9 +9,12 @@ uniform mat4 g_projmat;
 uniform mat4 g_normalmat;
 uniform int g_usepbrmat;
 uniform int g_clipped;
+#ifdef PARAMETER_BLOCK
+uniform samplerBuffer g_block;
+#endif
 
 out VertexData {
-    vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal
+    vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal; or as lightColor says
     vec3 normal;
 } VertexOut;
 
@@ -21,5 +24,8 @@ void main() {
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
 
     VertexOut.position = g_usepbrmat == 1 ? g_pos_attrib : eye.xyz;
+#if defined(PLAIN_LIGHTS) && LIGHTS == 1
+    VertexOut.position = texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - eye.xyz;
+#endif
     VertexOut.normal = normalize(g_usepbrmat == 1 ? g_vnorm_attrib : (g_normalmat * vec4(g_vnorm_attrib, 1.0)).xyz);
 }
