@@ -1,11 +1,12 @@
-// The geometry of the 3D marker shapes, against rules that give each vertex and triangle by its number, and
+// The geometry of the 3D marker shapes, by the areas and fluxes of the surfaces that they are made of, and
 // when it is built.
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
 
+#include <glm/glm.hpp>
+#include <glm/gtc/type_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include "NRenderUtl/host/nhost.h"
@@ -26,128 +27,100 @@ constexpr auto kSmooth = RENDER_3D_MARKER_SHAPE_SMOOTH, kNormal = RENDER_3D_MARK
                kCoarse = RENDER_3D_MARKER_SHAPE_COARSE;
 constexpr auto kUnknown = static_cast<_Render3DMarkerShape>(3);
 
-using Point = std::array<float, 3>;
-using Triangle = std::array<std::uint32_t, 3>;
+/// A surface about the axis, from a radius and height to another, that looks outward or, by its sign, inward.
+struct Part {
+    double r0, z0, r1, z1, sign;
+};
 
-Point onRing(int n, int k, float radius, float z) {
-    const float step = 6.2831855f / static_cast<float>(n), angle = static_cast<float>(k) * step;
-    return {radius * std::cos(angle), radius * std::sin(angle), z};
-}
+/// What the triangles of a shape add up to.
+struct Measure {
+    int triangles = 0;
+    double area = 0, flux = 0; ///< of the position through the surface
 
-Triangle corners(int a, int b, int c) {
-    return {static_cast<std::uint32_t>(a), static_cast<std::uint32_t>(b), static_cast<std::uint32_t>(c)};
-}
+    void add(const Part& part, int n) {
+        const auto& [r0, z0, r1, z1, sign] = part;
+        const double half = M_PI / n, polygon = n / 2.0 * std::sin(2 * half);
+        triangles += r1 == 0 || r0 == 0 ? n : 2 * n;
+        area += n * std::sin(half) * (r0 + r1) * std::hypot(z1 - z0, (r1 - r0) * std::cos(half));
+        const double volume = (z1 - z0) * (r0 * r0 + r0 * r1 + r1 * r1);
+        flux += sign * polygon * (volume - z1 * r1 * r1 + z0 * r0 * r0);
+    }
+};
 
-/// Triangle t of a shape is triangle (or, of a band, half) t % n of one of its parts.
-Triangle fan(int n, int t, int centre, int ring) {
-    return corners(centre, ring + t % n, ring + (t + 1) % n);
-}
-Triangle mantle(int n, int t, int ring, int tip) {
-    return corners(ring + t % n, tip, ring + (t + 1) % n);
-}
-Triangle band(int n, int t, int from, int to) {
-    const int k = t / 2 % n, next = (k + 1) % n;
-    return t % 2 == 0 ? corners(from + k, to + k, to + next) : corners(from + k, to + next, from + next);
-}
-
-Point cylinderVertex(int n, int i) {
-    const float z = i > n ? 1.0f : 0.0f;
-    const int k = i % (n + 1);
-    return k == 0 ? Point{0, 0, z} : onRing(n, k - 1, 1, z);
-}
-Triangle cylinderTriangle(int n, int t) {
-    return t < n ? fan(n, t, 0, 1) : t < 3 * n ? band(n, t - n, 1, n + 2) : fan(n, t, n + 1, n + 2);
-}
-
-Point coneVertex(int n, int i) {
-    return i == 0 ? Point{0, 0, 0} : i > n ? Point{0, 0, 1} : onRing(n, i - 1, 1, 0);
-}
-Triangle coneTriangle(int n, int t) {
-    return t < n ? fan(n, t, 0, 1) : mantle(n, t, 1, n + 1);
-}
-
-Point arrowVertex(int n, int i) {
-    if (i == 0 || i == 2 * n + 1 || i == 3 * n + 2)
-        return {0, 0, i == 0 ? 0.0f : i == 2 * n + 1 ? 0.6f : 1.0f};
-    if (i > 2 * n + 1)
-        return onRing(n, i - 2 * n - 2, 2, 0.6f);
-    return onRing(n, (i - 1) % n, 1, i > n ? 0.6f : 0.0f);
-}
-Triangle arrowTriangle(int n, int t) {
-    return t < n       ? fan(n, t, 0, 1)
-           : t < 3 * n ? band(n, t - n, 1, n + 1)
-           : t < 4 * n ? fan(n, t, 2 * n + 1, 2 * n + 2)
-                       : mantle(n, t, 2 * n + 2, 3 * n + 2);
-}
-
-Point rivetVertex(int n, int i) {
-    constexpr float kAxis[] = {-0.02f, 0.02f, 0.02f + 0.08f, 1.0f + 0.02f, 1.0f - 0.02f, 0.98f - 0.08f};
-    const int j = i / (n + 1), k = i % (n + 1);
-    if (k == 0)
-        return {0, 0, kAxis[j]};
-    return j % 3 == 0 ? onRing(n, k - 1, 1, j == 0 ? 0.0f : 1.0f) : onRing(n, k - 1, 2, kAxis[j]);
-}
-Triangle rivetTriangle(int n, int t) {
-    const auto centre = [n](int j) { return j * (n + 1); };
-    const auto cap = [&](int j) { return fan(n, t, centre(j), centre(j) + 1); };
-    const auto side = [&](int from, int to) { return band(n, t - 3 * n, centre(from) + 1, centre(to) + 1); };
-    const int part = t / n;
-    return part < 3   ? cap(part)
-           : part < 5 ? side(1, 2)
-           : part < 7 ? side(0, 3)
-           : part < 9 ? side(5, 4)
-                      : cap(14 - part);
-}
-
-Point sphereVertex(int, int i) {
-    if (i == 0 || i == 1024)
-        return {0, i == 0 ? 0.5f : -0.5f, 0};
-    const float phi = static_cast<float>((i - 1) / 33 + 1) * 0.09817477f;
-    const float lambda = static_cast<float>((i - 1) % 33) * 0.19634955f;
-    const float r = 0.5f * std::sin(phi);
-    return {r * std::cos(lambda), 0.5f * std::cos(phi), r * std::sin(lambda)};
-}
-Triangle sphereTriangle(int, int t) {
-    if (t < 32)
-        return corners(0, t + 2, t + 1);
-    if (t >= 1984 - 32)
-        return corners(1024, 991 + t - 1952, 992 + t - 1952);
-    const int quad = (t - 32) / 2, a = 1 + quad / 32 * 33 + quad % 32;
-    return t % 2 == 0 ? corners(a, a + 1, a + 33) : corners(a + 33, a + 1, a + 34);
+std::vector<Part> sphereParts() {
+    std::vector<Part> parts;
+    for (int i = 0; i < 32; ++i) {
+        const double from = M_PI * i / 32, to = M_PI * (i + 1) / 32;
+        parts.push_back({std::sin(from) / 2, -std::cos(from) / 2, std::sin(to) / 2, -std::cos(to) / 2, 1});
+    }
+    parts.front().r0 = parts.back().r1 = 0;
+    return parts;
 }
 
 struct ShapeRow {
     const char* name;
     N3DMarker* marker;
-    Point (*vertex)(int n, int i);
-    Triangle (*triangle)(int n, int t);
-    int rings, verticesBeside, trianglesAround, trianglesBeside;
+    int ringsOfVertices, otherVertices;
+    std::vector<Part> parts;
 
-    int vertexCount(int n) const { return rings * n + verticesBeside; }
-    int triangleCount(int n) const { return trianglesAround * n + trianglesBeside; }
+    int vertexCount(int n) const { return ringsOfVertices * n + otherVertices; }
+    Measure expected(int n) const {
+        Measure sum;
+        for (const Part& part : parts)
+            sum.add(part, marker->GetType() == RENDER_3D_MARKER_SPHERE ? 32 : n);
+        return sum;
+    }
 };
 
-/// By their numbers, from 1 on.
+/// By their numbers, from 1 on. Discs look up the axis, walls inward and the sphere outward: light takes the
+/// position for the normal.
 std::vector<ShapeRow> shapeRows() {
-    return {{"cylinder", N3DCylinder::GetInstance(), cylinderVertex, cylinderTriangle, 2, 2, 4, 0},
-            {"rivet", N3DRivet::GetInstance(), rivetVertex, rivetTriangle, 6, 6, 12, 0},
-            {"cone", N3DCone::GetInstance(), coneVertex, coneTriangle, 1, 2, 2, 0},
-            {"sphere", N3DSphere::GetInstance(), sphereVertex, sphereTriangle, 0, 1025, 0, 1984},
-            {"arrow", N3DArrowOneWay::GetInstance(), arrowVertex, arrowTriangle, 3, 3, 5, 0}};
+    constexpr double kRim = 0.02, kHead = 0.08;
+    return {
+        {"cylinder", N3DCylinder::GetInstance(), 2, 2, {{1, 0, 0, 0, 1}, {1, 0, 1, 1, -1}, {1, 1, 0, 1, 1}}},
+        {"rivet",
+         N3DRivet::GetInstance(),
+         6,
+         6,
+         {{1, 0, 0, -kRim, 1},
+          {2, kRim, 0, kRim, 1},
+          {2, kRim + kHead, 0, kRim + kHead, 1},
+          {2, kRim, 2, kRim + kHead, -1},
+          {1, 0, 1, 1, -1},
+          {2, 1 - kRim - kHead, 2, 1 - kRim, -1},
+          {2, 1 - kRim - kHead, 0, 1 - kRim - kHead, 1},
+          {2, 1 - kRim, 0, 1 - kRim, 1},
+          {1, 1, 0, 1 + kRim, 1}}},
+        {"cone", N3DCone::GetInstance(), 1, 2, {{1, 0, 0, 0, 1}, {1, 0, 0, 1, -1}}},
+        {"sphere", N3DSphere::GetInstance(), 0, 1025, sphereParts()},
+        {"arrow",
+         N3DArrowOneWay::GetInstance(),
+         3,
+         3,
+         {{1, 0, 0, 0, 1}, {1, 0, 1, 0.6, -1}, {2, 0.6, 0, 0.6, 1}, {2, 0.6, 0, 1, -1}}}};
 }
 
 void expectGeometry(const N3DMarker& marker, const ShapeRow& row, int slices) {
-    const float* vertices = marker.*Fields::vertices();
-    const std::uint32_t* indices = marker.*Fields::indices();
-    for (int i = 0; i < marker.*Fields::vertexCount(); ++i)
-        ASSERT_EQ((Point{vertices[3 * i], vertices[3 * i + 1], vertices[3 * i + 2]}), row.vertex(slices, i))
-            << "vertex " << i;
-    for (int t = 0; t < marker.*Fields::triangleCount(); ++t)
-        ASSERT_EQ((Triangle{indices[3 * t], indices[3 * t + 1], indices[3 * t + 2]}), row.triangle(slices, t))
-            << "triangle " << t;
+    EXPECT_EQ(marker.*Fields::vertexCount(), row.vertexCount(slices));
+    Measure sum{marker.*Fields::triangleCount()};
+    for (int t = 0; t < sum.triangles; ++t) {
+        glm::dvec3 p[3];
+        for (int i = 0; i < 3; ++i) {
+            const std::uint32_t vertex = (marker.*Fields::indices())[3 * t + i];
+            ASSERT_LT(vertex, std::uint32_t(row.vertexCount(slices)));
+            p[i] = glm::dvec3(glm::make_vec3(marker.*Fields::vertices() + 3 * vertex));
+        }
+        const glm::dvec3 normal = cross(p[1] - p[0], p[2] - p[0]) / 2.0;
+        sum.area += length(normal);
+        sum.flux += dot(p[0], normal);
+    }
+    const Measure expected = row.expected(slices);
+    EXPECT_EQ(sum.triangles, expected.triangles);
+    EXPECT_NEAR(sum.area, expected.area, 1e-6 * expected.area);
+    EXPECT_NEAR(sum.flux, expected.flux, 1e-6 * expected.area);
 }
 
-TEST(N3DMarker, ShapesHaveTheirVerticesAndTrianglesInOrder) {
+TEST(N3DMarker, ShapesHaveTheirVerticesAndSurfaces) {
     constexpr int kSlices[] = {16, 8, 4};
     int type = 0;
     for (const ShapeRow& row : shapeRows()) {
@@ -156,8 +129,6 @@ TEST(N3DMarker, ShapesHaveTheirVerticesAndTrianglesInOrder) {
         for (const int i : {2, 0, 1}) {
             SCOPED_TRACE(testing::Message() << row.name << ", resolution " << i);
             marker.Begin(nullptr, static_cast<_Render3DMarkerShape>(i));
-            EXPECT_EQ(marker.*Fields::vertexCount(), row.vertexCount(kSlices[i]));
-            EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(kSlices[i]));
             EXPECT_EQ(marker.*Fields::sliceCount(), type == RENDER_3D_MARKER_SPHERE ? 32 : kSlices[i]);
             expectGeometry(marker, row, kSlices[i]);
         }
@@ -180,12 +151,11 @@ TEST(N3DMarker, BuildsAnotherResolutionOnly) {
         EXPECT_EQ((marker.*Fields::vertices())[0] == 7, sphere);
         marker.Begin(nullptr, kUnknown);
         EXPECT_EQ(marker.*Fields::vertexCount(), row.vertexCount(0));
-        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(0));
+        EXPECT_EQ(marker.*Fields::triangleCount(), sphere ? 1984 : 0);
         EXPECT_EQ(marker.*Fields::indices() != nullptr, sphere);
-        if (!sphere)
-            expectGeometry(marker, row, 0);
         marker.Begin(nullptr, kCoarse);
-        EXPECT_EQ(marker.*Fields::triangleCount(), row.triangleCount(4));
+        if (!sphere)
+            expectGeometry(marker, row, 4);
     }
     EXPECT_EQ(NHostLiveBlocks(), 10u) << "two arrays a shape";
 }

@@ -1,7 +1,6 @@
 // Symbols by the segments that reach the window, by the pixels that they light and by the pixels that pick
 // them.
 #include <cmath>
-#include <cstring>
 #include <functional>
 #include <utility>
 
@@ -434,26 +433,6 @@ TEST_F(Symbols, CarryDashesOnAlongAChain) {
     utl_symbol_draw(&parameter, 1, parts.data());
     for (int i = 0; i < 16; ++i)
         EXPECT_EQ(read().at(32 + i, 32) != kClear, i % 8 < 4) << i;
-}
-
-TEST_F(Symbols, LeaveStateAndRecordAsTheyWere) {
-    setLiveView(false, 20);
-    NglUpdateNglInfo();
-    glMatrixMode(GL_TEXTURE);
-    glTexCoord2f(0.5f, 0.25f);
-    const _NglInfoStr record = *NglGetNglInfo();
-    const GlSnapshot before = GlSnapshot::take();
-    const _NgPoint3Str ends[] = {{0, 0, 1}, {2, 1, 0}};
-    for (const Call& call : {pointCall({}, 8), lineCall(ends[0], ends[1], 11), axisCall({}, 4, 1)}) {
-        EXPECT_EQ(call.draw(), 0) << call.name;
-        call.pick(20, 20);
-    }
-    EXPECT_EQ(utl_disp_line_symbol_WithContour(ends, 11, 0.1f, 0.9f), 0);
-    const double parameters[] = {1, 1, 1};
-    utl_symbol_draw(parameters, 3, chain.fromStart.data());
-    EXPECT_TRUE(before.equals(GlSnapshot::take()));
-    EXPECT_EQ(std::memcmp(&record, NglGetNglInfo(), sizeof record), 0);
-    EXPECT_EQ(NglGetPushCount(), 0);
 }
 
 TEST_F(Symbols, CarelessDataDoNoHarm) {
