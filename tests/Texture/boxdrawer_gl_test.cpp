@@ -9,7 +9,6 @@
 
 #include "NRenderUtl/Texture/ntexture.h"
 #include "tests/shaders/testprogram.h"
-#include "tests/support/glsnapshot.h"
 #include "tests/support/subprocess.h"
 
 using namespace nrutest;
@@ -104,51 +103,6 @@ TEST_F(Box, IsTheSameByBothRoutes) {
         EXPECT_EQ(drawn.countOtherThan(kClear), fill == kNone ? 17 * 40 : 37 * 40);
         EXPECT_TRUE(samePicture(drawn, draw(plain)));
     }
-}
-
-TEST_F(Box, LeavesTheHostsState) {
-    const char* source = "void main() { discard; }";
-    GLuint array, buffer;
-    glGenVertexArrays(1, &array);
-    glGenBuffers(1, &buffer);
-    glEnableVertexAttribArray(0);
-    glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 12, source);
-    glEnableClientState(GL_NORMAL_ARRAY); // from address 0, which nothing may read
-    glUseProgram(glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source));
-    glBlendFuncSeparate(GL_ONE, GL_DST_COLOR, GL_ZERO, GL_SRC_ALPHA);
-    glTexCoord2f(0.3f, 0.4f);
-    glDepthFunc(GL_NEVER);
-    glViewport(3, 4, 20, 30);
-    glDepthRange(0.2, 0.7);
-    glTranslated(1, 2, 3);
-    glMatrixMode(GL_TEXTURE);
-    const Info plain{5, 7, 48, 40, kBlue}, rounded{5, 7, 48, 40, kBlue, 1, {8, 8, 8, 8}, 1, 4};
-    for (unsigned bits = 0; bits < 16; ++bits) {
-        glActiveTexture(GL_TEXTURE0 + bits % 2);
-        (bits & 1 ? glEnable : glDisable)(GL_BLEND);
-        (bits & 2 ? glEnable : glDisable)(GL_DEPTH_TEST);
-        (bits & 4 ? glEnable : glDisable)(GL_LIGHTING);
-        glBindVertexArray(bits & 8 ? array : 0);
-        glBindBuffer(GL_ARRAY_BUFFER, bits & 8 ? buffer : 0);
-        for (const Info& box : {plain, rounded}) {
-            GLdouble color[4];
-            glGetDoublev(GL_CURRENT_COLOR, color);
-            const GlSnapshot before = GlSnapshot::take();
-            expectBox(draw(box), box);
-            glColor4dv(color); // which may change
-            EXPECT_TRUE(before.equals(GlSnapshot::take())) << bits;
-        }
-    }
-    GLdouble range[2];
-    glGetDoublev(GL_DEPTH_RANGE, range);
-    EXPECT_NEAR(range[0], 0.2, 1e-6);
-    EXPECT_EQ(std::pair(integer(GL_BLEND_SRC_ALPHA), integer(GL_BLEND_DST_ALPHA)),
-              std::pair(GL_ZERO, GL_SRC_ALPHA));
-    glBindVertexArray(0);
-    GLint enabled, stride;
-    glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &enabled);
-    glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_STRIDE, &stride);
-    EXPECT_EQ(std::pair(enabled, stride), std::pair(1, 12));
 }
 
 TEST_F(Box, IsPlainWithoutTheProgram) {

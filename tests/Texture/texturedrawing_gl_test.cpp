@@ -7,7 +7,6 @@
 #include "NRenderUtl/NRenderUtl.h"
 #include "tests/Texture/pictures.h"
 #include "tests/host/testfiles.h"
-#include "tests/support/glsnapshot.h"
 #include "tests/support/librarytest.h"
 
 using namespace nrutest;
@@ -71,40 +70,6 @@ protected:
         for (GLuint name = 1; name < 100; ++name)
             alive += glIsTexture(name);
         return alive;
-    }
-    /// State of a host's that would show, or could be lost.
-    static void host(bool on) {
-        GLuint texture = 0, array = 0, buffer = 0, sampler = 0;
-        glGenTextures(1, &texture);
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 1, 1, 0, GL_RGBA, GL_UNSIGNED_BYTE, &kBlue);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-        glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_ADD);
-        glGenVertexArrays(1, &array);
-        glGenBuffers(1, &buffer);
-        glGenSamplers(1, &sampler);
-        for (const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
-            glSamplerParameteri(sampler, filter, GL_NEAREST);
-        for (const GLenum feature : {GL_LIGHTING, GL_BLEND, GL_DEPTH_TEST, GL_TEXTURE_2D})
-            on ? glEnable(feature) : glDisable(feature);
-        glBlendFuncSeparate(GL_ONE, GL_DST_COLOR, GL_ZERO, GL_ONE);
-        glDepthFunc(GL_NEVER);
-        glMatrixMode(on ? GL_PROJECTION : GL_TEXTURE);
-        glTranslatef(0.25, 0.5, 3);
-        glTexCoord2f(0.5, 0.25);
-        glBindVertexArray(on ? array : 0);
-        glBindBuffer(GL_ARRAY_BUFFER, on ? buffer : 0);
-        glBindSampler(0, sampler);
-    }
-    /// What else is to stay: texture environment, blending of alpha, sampler, texture coordinate.
-    static std::pair<GlSnapshot, std::array<GLfloat, 8>> state() {
-        std::array<GLfloat, 8> more{};
-        glGetTexEnvfv(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, &more[0]);
-        glGetFloatv(GL_BLEND_SRC_ALPHA, &more[1]);
-        glGetFloatv(GL_BLEND_DST_ALPHA, &more[2]);
-        glGetFloatv(GL_SAMPLER_BINDING, &more[3]);
-        glGetFloatv(GL_CURRENT_TEXTURE_COORDS, &more[4]);
-        return {GlSnapshot::take(), more};
     }
     TestFolder folder;
 };
@@ -206,41 +171,6 @@ TEST_F(TextureDrawing, CirclesShowThePixelsOfTheirPolygons) {
         glColor4ub(0, 0xFF, 0, 0xFF);
         NuTexture::DrawCircle(diameter / 2, diameter / 2, true);
         EXPECT_TRUE(samePicture(rows, read())) << diameter;
-    }
-}
-
-TEST_F(TextureDrawing, HostsStateNeitherShowsNorChanges) {
-    NuTexture pictures[2], empty;
-    fillTexture(pictures[0], 8, 8, {kGreen, 0xFF8080FF});
-    fillTexture(pictures[1], 8, 8, {kGreen, 0xFF8080FF}, GL_RGB);
-    const Picture rectangle = drawn(pictures[0], 4, 4, 50, 30, kBoth);
-    const Picture framed = circle(pictures[0], 4, 4, 50, kBoth);
-    ngl_set_line_width(3);
-    for (const bool on : {false, true}) {
-        host(on);
-        for (NuTexture& picture : pictures)
-            for (const Info& info : {kPlain, kBoth}) {
-                ngl_set_color_long(kRed);
-                clear();
-                const auto [before, more] = state();
-                empty.RenderAsRectangle(0, 0, 64, 64, info);
-                empty.RenderAsCircle(0, 0, 64, info);
-                EXPECT_TRUE(before.equals(state().first));
-                EXPECT_EQ(read().countOtherThan(kClear), 0);
-                picture.RenderAsRectangle(4, 4, 50, 30, info);
-                EXPECT_TRUE(before.equals(state().first, {"current value"}));
-                EXPECT_EQ(ngl_get_color(), 63);
-                const Picture seen = read();
-                EXPECT_GE(seen.countOtherThan(kClear), 1400);
-                clear();
-                picture.RenderAsCircle(4, 4, 50, info);
-                EXPECT_TRUE(before.equals(state().first, {"current value"}));
-                EXPECT_EQ(state().second, more);
-                if (&picture == &pictures[1] || !info.border)
-                    continue; // the opaque one is blended as the host has it
-                EXPECT_TRUE(samePicture(seen, rectangle));
-                EXPECT_TRUE(samePicture(read(), framed));
-            }
     }
 }
 

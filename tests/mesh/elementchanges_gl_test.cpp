@@ -39,51 +39,6 @@ void countUploads() {
 
 } // namespace
 
-TEST_F(ElementMesh, ElementsComeAndGo) {
-    using Step = std::function<void(NglElementMesh&, NglElementAttributes&)>;
-    const std::pair<const char*, Step> steps[] = {
-        {"some hidden", [](auto& m, auto&) { m.SetVisible(NglElements::Range(60, 90), false); }},
-        {"one more", [](auto& m, auto&) { m.SetVisible(NglElements::One(11), false); }},
-        {"some of them back", [](auto& m, auto&) { m.SetVisible(NglElements::Range(80, 30), true); }},
-        {"clipped too", [](auto& m, auto& a) { setLevels(m), a.clipFlag = 1; }},
-        {"other codes", [](auto& m, auto&) { m.SetClipCode(NglElements::Range(7, 20), 0); }},
-        {"failing too",
-         [](auto&, auto& a) {
-             std::tie(a.failureMode, a.failureLevel) = std::pair{1, 4};
-         }},
-        {"at another level", [](auto&, auto& a) { a.failureLevel = 2; }},
-        {"by other levels", [](auto& m, auto&) { m.SetFailureLevel(NglElements::Range(90, 60), 1, -1); }},
-        {"one hidden that is selected",
-         [](auto& m, auto&) { m.SetSelection(NglElements::One(61), NglElementSelected); }},
-        {"and no longer",
-         [](auto& m, auto&) { m.SetSelection(NglElements::One(61), NglElementNotSelected); }},
-        {"nothing hidden",
-         [](auto& m, auto&) { m.SetVisible(NglElements::Range(0, m.ElementCount()), true); }},
-        {"neither clipped nor failing", [](auto&, auto& a) { a = {}; }}};
-    const Picture all = draw({});
-    NglElementAttributes how;
-    Picture last = all;
-    for (const auto& [name, step] : steps) {
-        SCOPED_TRACE(name);
-        step(mesh, how);
-        const Picture picture = draw(how);
-        EXPECT_FALSE(samePicture(picture, last)) << "nothing changed";
-        last = picture;
-        NglElementMesh fresh; // without buffers of earlier steps
-        ASSERT_EQ(fresh.Create(sheet.input()), 0);
-        for (std::uint32_t e = 0; e < fresh.ElementCount(); ++e)
-            fresh.SetVisible(NglElements::One(e), mesh.IsElementShown(e));
-        if (std::string(name) == "one hidden that is selected")
-            fresh.SetSelection(NglElements::One(61), NglElementSelected);
-        for (const NglElementRoute route : {NglElementRouteAutomatic, NglElementRouteMesh}) {
-            NglElementAttributes plain;
-            plain.route = route;
-            EXPECT_TRUE(samePicture(draw(fresh, plain), picture, 1)) << "route " << route;
-        }
-    }
-    EXPECT_TRUE(samePicture(last, all));
-}
-
 TEST_F(ElementTiles, ChangesShowWhereTheyWereMade) {
     std::mt19937 random(7);
     const auto below = [&](std::uint32_t end) { return static_cast<std::uint32_t>(random() % end); };

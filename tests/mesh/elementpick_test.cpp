@@ -121,16 +121,6 @@ ElementRay randomRay(const ElementSurface& surface, std::mt19937& random, double
     return elementRay(surface, start, MathAdd(start, along));
 }
 
-/// From a node down, boxes that reach over (x, y).
-int boxesOver(const FaceTree& tree, int level, std::uint32_t index, float x, float y) {
-    const auto& [low, high] = tree.node(level, index);
-    int boxes = 0;
-    for (std::uint32_t i = 0; i < FaceTree::kWidth; ++i)
-        if (low[0][i] <= x && x <= high[0][i] && low[1][i] <= y && y <= high[1][i])
-            boxes += 1 + (level > 0 ? boxesOver(tree, level - 1, 4 * index + i, x, y) : 0);
-    return boxes;
-}
-
 } // namespace
 
 TEST(ElementPick, FindsElementEdgeAndNode) {
@@ -254,19 +244,5 @@ TEST(ElementPick, LeavesNoGaps) {
             ASSERT_TRUE(picker.pick(surface, elementRay(surface, start, {at(0), at(1), at(2)}), all, picked))
                 << i;
         }
-    }
-}
-
-TEST(FaceTree, HasFewBoxesOverOnePlace) {
-    const std::tuple<const char*, TestFaces, int> rows[] = {
-        {"sheet", sheet(1), 12}, {"outliers", outliers(), 20}, {"strip", sheet(1e-5), 27}};
-    for (const auto& [name, faces, most] : rows) {
-        const ElementSurface surface = surfaceOf(faces);
-        FaceTree tree;
-        tree.build(surface);
-        int boxes = 0;
-        for (const auto& [x, y, z] : surface.positions)
-            boxes += boxesOver(tree, tree.levels() - 1, 0, x, y);
-        EXPECT_LT(boxes, most * static_cast<int>(surface.positions.size())) << name;
     }
 }

@@ -181,37 +181,6 @@ TEST_F(NglMeshDraw, ContourTakesItsColorsFromTheTexture) {
     EXPECT_TRUE(samePicture(read(), scaled)) << "without values nothing is drawn";
 }
 
-TEST_F(NglMeshDraw, LeavesTheStateAsItWas) {
-    glColorMaterial(GL_FRONT_AND_BACK, GL_DIFFUSE);
-    glEnable(GL_COLOR_MATERIAL);
-    const Picture plain = draw(mesh, 7);
-    // Everything that could disturb client arrays is in use by the host: objects, buffers and other arrays.
-    GLuint vao, buffer;
-    glGenVertexArrays(1, &vao);
-    glGenBuffers(1, &buffer);
-    glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glBufferData(GL_ARRAY_BUFFER, 256, std::vector<float>(64).data(), GL_STATIC_DRAW);
-    glEnableClientState(GL_COLOR_ARRAY);
-    glColorPointer(3, GL_FLOAT, 0, nullptr);
-    glEnableVertexAttribArray(0);
-    glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-    for (const bool other : {false, true}) {
-        glBindVertexArray(other ? vao : 0);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
-        other ? glEnable(GL_LIGHTING) : glDisable(GL_LIGHTING);
-        glShadeModel(other ? GL_FLAT : GL_SMOOTH);
-        glLightModeli(GL_LIGHT_MODEL_TWO_SIDE, other);
-        glMatrixMode(other ? GL_PROJECTION : GL_TEXTURE);
-        for (const unsigned flags : {0u, 3u, 34u, 4u, 7u}) {
-            glNormal3f(0.5f, 0.25f, 0.125f);
-            const GlSnapshot before = GlSnapshot::take();
-            const Picture p = draw(mesh, flags);
-            EXPECT_TRUE(before.equals(GlSnapshot::take())) << "flags " << flags << ", other " << other;
-            EXPECT_TRUE(flags != 7 || samePicture(p, plain)) << "other " << other;
-        }
-    }
-}
-
 TEST_F(NglMeshDraw, LeavesOutElementsWithForeignIndices) {
     const TestMesh bad(
         sheet.coords,

@@ -384,46 +384,6 @@ TEST_F(MeshRenderer, DrawsUnderTheMatrixAndAttributesOfEachCall) {
     EXPECT_EQ(picture.at(24, 32), kClear);
 }
 
-TEST_F(MeshRenderer, TakesNoHarmFromTheHostsStateAndLeavesIt) {
-    Body body = tile(8, 32);
-    body.quads = tile(0, 1, 0, true, true).quads;
-    const Picture plain = draw(body);
-    GLuint vao, buffer;
-    glGenVertexArrays(1, &vao);
-    glGenBuffers(1, &buffer);
-    glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glEnableClientState(GL_VERTEX_ARRAY);
-    glVertexPointer(3, GL_FLOAT, 0, nullptr);
-    for (GLuint attribute = 0; attribute < 4; ++attribute)
-        glVertexAttribDivisor(attribute, 1);
-    glEnable(GL_PRIMITIVE_RESTART);
-    glPrimitiveRestartIndex(2);
-    glEnable(GL_CLIP_PLANE0); // would clip everything
-    const GLdouble nothing[] = {0, 0, 0, -1};
-    glClipPlane(GL_CLIP_PLANE0, nothing);
-    GLuint texture;
-    glGenTextures(1, &texture);
-    glActiveTexture(GL_TEXTURE0 + kBlockUnit);
-    glBindTexture(GL_TEXTURE_BUFFER, texture);
-    glBindBuffer(GL_TEXTURE_BUFFER, buffer);
-    glActiveTexture(GL_TEXTURE3);
-    for (const bool other : {false, true}) {
-        glBindVertexArray(other ? vao : 0);
-        record.lights[1] = {other, {}, {}, {}, {0, 0, 50, 1}, 1, 0, 0}; // black, but something new
-        clear();
-        ASSERT_TRUE(renderer.RenderBegin(kOpaque));
-        renderer.EnableTransparency(other); // opaque all the same, in this pass
-        const GlSnapshot before = GlSnapshot::take();
-        render(body);
-        EXPECT_TRUE(before.equals(GlSnapshot::take()));
-        EXPECT_EQ(integer(GL_TEXTURE_BUFFER), GLint(buffer));
-        renderer.RenderEnd();
-        EXPECT_TRUE(samePicture(read(), plain));
-    }
-    glActiveTexture(GL_TEXTURE0 + kBlockUnit);
-    EXPECT_EQ(integer(GL_TEXTURE_BINDING_BUFFER), GLint(texture));
-}
-
 // --- failures ----------------------------------------------------------------------------------------------
 
 TEST_F(MeshRenderer, DrawsNothingOutsideBeginAndEnd) {

@@ -90,22 +90,6 @@ TEST(HyperEllipsoid, IsClosedWithRingsFromNorthToSouth) {
     }
 }
 
-TEST(HyperEllipsoid, TheSmallestOneByItsIndices) {
-    const Mesh mesh(ngl_hyper_ellipsoid(3, 2, 1, 200, 8));
-    ASSERT_EQ(mesh->vertexCount, 26);
-    const auto elements = elementsOf(*mesh);
-    const std::pair<std::size_t, Element> rows[] = {
-        {0, {0, 1, 2}},        {7, {0, 8, 1}},        {8, {1, 9, 10, 2}}, {15, {8, 16, 9, 1}},
-        {16, {9, 17, 18, 10}}, {23, {16, 24, 17, 9}}, {24, {17, 25, 18}}, {31, {24, 25, 17}}};
-    for (const auto& [number, element] : rows)
-        EXPECT_EQ(elements[number], element) << number;
-    // Where it meets the axes, exactly.
-    const std::pair<int, _NgPoint3Str> tips[] = {{0, {0, 0, 1}},   {9, {3, 0, 0}},   {11, {0, 2, 0}},
-                                                 {13, {-3, 0, 0}}, {15, {0, -2, 0}}, {25, {0, 0, -1}}};
-    for (const auto& [vertex, tip] : tips)
-        EXPECT_TRUE(std::equal(&tip.x, &tip.x + 3, mesh->coords + 3 * vertex)) << vertex;
-}
-
 TEST(HyperEllipsoid, FlatOnesKeepFiniteNormals) {
     for (const Shape& s :
          {Shape{1, 1, 0, 2, 8}, {0, 2, 0, 3, 8}, {0, 0, 0, 2, 8}, {1e300, 1e-300, 1, 9, 16}}) {

@@ -163,46 +163,11 @@ TEST_F(NRenderNgMesh, ColorsByFacing) {
     }
 }
 
-// The host's objects, buffers, arrays, restart index and program would each spoil a draw.
-TEST_F(NRenderNgMesh, HostsBindingsNeitherDisturbNorChange) {
-    const BoundaryMesh mesh({kLeft, kRight}, kTilted);
-    glEnable(GL_LIGHTING);
-    const Picture half = fromBuffers(mesh), whole = fromMemory(mesh);
-    const char* source = "void main() { gl_FragColor = vec4(1, 0, 0, 1); }";
-    GLuint vao, buffer;
-    glGenVertexArrays(1, &vao);
-    glGenBuffers(1, &buffer);
-    glBindBuffer(GL_ARRAY_BUFFER, buffer);
-    glBufferData(GL_ARRAY_BUFFER, 256, std::vector<float>(64).data(), GL_STATIC_DRAW);
-    glUseProgram(glCreateShaderProgramv(GL_FRAGMENT_SHADER, 1, &source));
-    glEnable(GL_PRIMITIVE_RESTART);
-    glPrimitiveRestartIndex(2);
-    for (const GLuint object : {vao, 0u}) {
-        SCOPED_TRACE(object);
-        glBindVertexArray(object);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer);
-        glEnableClientState(GL_COLOR_ARRAY);
-        glColorPointer(3, GL_FLOAT, 0, nullptr);
-        glEnableVertexAttribArray(0);
-        glVertexAttribPointer(0, 3, GL_FLOAT, GL_FALSE, 0, nullptr);
-        const GlSnapshot before = GlSnapshot::take();
-        EXPECT_TRUE(samePicture(fromBuffers(mesh), half));
-        EXPECT_TRUE(samePicture(fromMemory(mesh), whole));
-        EXPECT_TRUE(before.equals(GlSnapshot::take()));
-        EXPECT_TRUE(glIsEnabled(GL_PRIMITIVE_RESTART));
-        glEnableClientState(GL_VERTEX_ARRAY);
-        fromMemory(mesh);
-        EXPECT_FALSE(glIsEnabled(GL_VERTEX_ARRAY)) << "off afterwards";
-    }
-    // The caller's own arrays; those of this mesh stand in for them.
-    glDisableVertexAttribArray(0);
-    glUseProgram(0);
-    glBindBuffer(GL_ARRAY_BUFFER, 0);
+TEST_F(NRenderNgMesh, DrawsWithTheCallersOwnArrays) {
     const std::vector<float> vertices{-1, -1, 0, 0, -1, 0, 0, 1, 0, -1, 1, 0, 1, -1, 0, 1, 1, 0};
     glInterleavedArrays(GL_V3F, 0, vertices.data());
-    glDisable(GL_LIGHTING);
+    const BoundaryMesh mesh({kLeft, kRight}, kTilted);
     EXPECT_EQ(picture([&] { Renderer::DrawMesh(&mesh); }).countOtherThan(kClear), 32 * 32);
-    EXPECT_EQ(integer(GL_ELEMENT_ARRAY_BUFFER_BINDING), static_cast<int>(buffer));
 }
 
 TEST_F(NRenderNgMesh, NothingIsDrawnOfWhatIsNotValid) {
