@@ -97,6 +97,19 @@ TEST_F(ElementTiles, ChangesShowWhereTheyWereMade) {
     }
 }
 
+TEST_F(ElementTiles, WhatIsLeftOutFollowsTheAttributes) {
+    setLevels(mesh);
+    mesh.SetVisible(NglElements::Range(10, 20), false);
+    for (const auto& [clipFlag, mode, level] :
+         {std::tuple{0, 0, 0}, {1, 0, 0}, {3, 0, 0}, {1, 1, 4}, {1, 1, 2}, {0, 3, 3}, {0, 0, 0}}) {
+        std::tie(how.clipFlag, how.failureMode, how.failureLevel) = std::tuple{clipFlag, mode, level};
+        const Picture picture = draw(how);
+        for (std::uint32_t e = 0; e < 64; ++e)
+            EXPECT_EQ(middle(picture, e), mesh.IsElementShown(e) ? kPlain : kClear)
+                << "element " << e << ", flag " << clipFlag << ", mode " << mode << ", level " << level;
+    }
+}
+
 TEST_F(ElementTiles, AChangeUploadsItsSpanAlone) {
     how.failureMode = 1;
     how.clipFlag = 1;
