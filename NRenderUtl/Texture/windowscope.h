@@ -8,7 +8,7 @@
 /// Blends by the alpha of what is drawn.
 class TranslucencyGuard {
 public:
-    TranslucencyGuard() : m_wasOn(glIsEnabled(GL_BLEND)), m_separate(epoxy_gl_version() >= 14) {
+    TranslucencyGuard() : m_wasOn(glIsEnabled(GL_BLEND)), m_separate(glVersion() >= 14) {
         glGetIntegerv(m_separate ? GL_BLEND_SRC_RGB : GL_BLEND_SRC, &m_source);
         glGetIntegerv(m_separate ? GL_BLEND_DST_RGB : GL_BLEND_DST, &m_destination);
         if (m_separate) {

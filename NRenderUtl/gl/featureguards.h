@@ -5,7 +5,7 @@
 #include <array>
 #include <initializer_list>
 
-#include <epoxy/gl.h>
+#include "NRenderUtl/host/hostgl.h"
 
 /// Features that were on and have been switched off.
 class DisabledFeatures {
@@ -57,9 +57,9 @@ public:
         m_count = std::min(static_cast<GLenum>(count), static_cast<GLenum>(m_units.size()));
         m_others.disable(GL_FOG);
         m_others.disable(GL_COLOR_SUM);
-        if (epoxy_gl_version() >= 20)
+        if (glVersion() >= 20)
             m_others.disable(GL_POINT_SPRITE);
-        const bool hasRectangles = epoxy_gl_version() >= 31;
+        const bool hasRectangles = glVersion() >= 31;
         for (GLenum unit = m_count; unit-- > 0;) {
             glActiveTexture(GL_TEXTURE0 + unit);
             for (const GLenum target : {GL_TEXTURE_1D, GL_TEXTURE_2D, GL_TEXTURE_3D, GL_TEXTURE_CUBE_MAP})

@@ -176,7 +176,7 @@ int NglInitMeshRenderShader(int kind) {
 }
 
 int NglEndMeshRenderShader() {
-    if (glContextIsCurrent() && epoxy_gl_version() >= 20)
+    if (glContextIsCurrent() && glVersion() >= 20)
         glUseProgram(0);
     return 0;
 }

@@ -12,7 +12,7 @@ enum RubberKind { RubberLine, RubberRectangle };
 
 bool drawsToWindow() {
     GLint framebuffer = 0;
-    if (epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object") ||
+    if (glVersion() >= 30 || epoxy_has_gl_extension("GL_EXT_framebuffer_object") ||
         epoxy_has_gl_extension("GL_ARB_framebuffer_object"))
         glGetIntegerv(GL_FRAMEBUFFER_BINDING, &framebuffer);
     return framebuffer == 0;
@@ -45,7 +45,7 @@ private:
 };
 
 bool encodesColors() {
-    const bool isKnown = epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_ARB_framebuffer_sRGB") ||
+    const bool isKnown = glVersion() >= 30 || epoxy_has_gl_extension("GL_ARB_framebuffer_sRGB") ||
                          epoxy_has_gl_extension("GL_EXT_framebuffer_sRGB");
     return isKnown && glIsEnabled(GL_FRAMEBUFFER_SRGB);
 }

@@ -57,7 +57,7 @@ GLuint activeUnit() {
 
 void parkSampler() {
     GLint sampler = 0;
-    if (epoxy_gl_version() >= 33)
+    if (glVersion() >= 33)
         glGetIntegerv(GL_SAMPLER_BINDING, &sampler);
     if (sampler == 0)
         return;

@@ -1,10 +1,9 @@
 // GL state that drawing changes for the length of a block.
 #pragma once
 
-#include <epoxy/gl.h>
-
 #include "NRenderUtl/gl/featureguards.h"
 #include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/host/hostgl.h"
 
 /// Switches lighting on or off.
 class LightingGuard {
@@ -85,13 +84,13 @@ private:
 class ClientArraysGuard {
 public:
     ClientArraysGuard()
-        : m_hasObjects(epoxy_gl_version() >= 30 || epoxy_has_gl_extension("GL_ARB_vertex_array_object")) {
+        : m_hasObjects(glVersion() >= 30 || epoxy_has_gl_extension("GL_ARB_vertex_array_object")) {
         if (m_hasObjects) {
             glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &m_object);
             glBindVertexArray(0);
         }
         glPushClientAttrib(GL_CLIENT_VERTEX_ARRAY_BIT);
-        const int version = epoxy_gl_version();
+        const int version = glVersion();
         if (version >= 15) {
             glBindBuffer(GL_ARRAY_BUFFER, 0);
             glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
@@ -126,7 +125,7 @@ private:
 class NoProgramGuard {
 public:
     NoProgramGuard() {
-        const int version = epoxy_gl_version();
+        const int version = glVersion();
         if (version >= 20)
             glGetIntegerv(GL_CURRENT_PROGRAM, &m_program);
         if (version >= 41)
@@ -152,7 +151,7 @@ private:
 /// Every index as it is: none restarts a primitive.
 class NoRestartGuard {
 public:
-    NoRestartGuard() : m_restarts(epoxy_gl_version() >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
+    NoRestartGuard() : m_restarts(glVersion() >= 31 && glIsEnabled(GL_PRIMITIVE_RESTART)) {
         if (m_restarts)
             glDisable(GL_PRIMITIVE_RESTART);
     }
@@ -171,7 +170,7 @@ private:
 class PlainIndicesGuard {
 public:
     PlainIndicesGuard() {
-        if (epoxy_gl_version() >= 32)
+        if (glVersion() >= 32)
             glGetIntegerv(GL_PROVOKING_VERTEX, &m_provoking);
         if (m_provoking != GL_LAST_VERTEX_CONVENTION)
             glProvokingVertex(GL_LAST_VERTEX_CONVENTION);
@@ -201,7 +200,7 @@ public:
 class AddingGuard {
 public:
     AddingGuard() {
-        if (epoxy_gl_version() < 20)
+        if (glVersion() < 20)
             return;
         glGetIntegerv(GL_BLEND_EQUATION_RGB, &m_color);
         glGetIntegerv(GL_BLEND_EQUATION_ALPHA, &m_alpha);
@@ -279,7 +278,7 @@ private:
 class NoSamplerGuard {
 public:
     NoSamplerGuard() {
-        if (epoxy_gl_version() < 33)
+        if (glVersion() < 33)
             return;
         GLint unit;
         glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
@@ -305,7 +304,7 @@ class UnpackGuard {
 public:
     UnpackGuard() {
         glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
-        if (epoxy_gl_version() >= 21)
+        if (glVersion() >= 21)
             glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
         glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_FALSE);
         for (const GLenum value : {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS})
@@ -464,7 +463,7 @@ private:
 /// Filtering across the edges of cube maps. Needs GL 3.2 to do anything.
 class SeamlessCubesGuard {
 public:
-    SeamlessCubesGuard() : m_changes(epoxy_gl_version() >= 32 && !glIsEnabled(GL_TEXTURE_CUBE_MAP_SEAMLESS)) {
+    SeamlessCubesGuard() : m_changes(glVersion() >= 32 && !glIsEnabled(GL_TEXTURE_CUBE_MAP_SEAMLESS)) {
         if (m_changes)
             glEnable(GL_TEXTURE_CUBE_MAP_SEAMLESS);
     }

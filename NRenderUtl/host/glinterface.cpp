@@ -1,6 +1,8 @@
 // The GL interface: which capabilities the current context has, by number.
 #include <array>
+#include <charconv>
 #include <cstdio>
+#include <string_view>
 
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/host/hostutl.h"
@@ -75,8 +77,8 @@ GLInterfaceState& state() {
 }
 
 // Asked only where the name exists: elsewhere the query would leave a GL error behind.
-int glslVersion(int glVersion) {
-    if (glVersion < 20 && !has("GL_ARB_shading_language_100"))
+int glslVersion(int version) {
+    if (version < 20 && !has("GL_ARB_shading_language_100"))
         return 0;
     const GLubyte* text = glGetString(GL_SHADING_LANGUAGE_VERSION);
     int major = 0, minor = 0;
@@ -87,13 +89,26 @@ int glslVersion(int glVersion) {
 
 } // namespace
 
+int glVersion() {
+    const auto* text = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+    if (text == nullptr)
+        return 0;
+    const std::string_view version(text);
+    const char* end = version.data() + version.size();
+    int major = 0, minor = 0;
+    const auto [dot, failure] = std::from_chars(version.data(), end, major);
+    if (failure == std::errc() && dot != end)
+        std::from_chars(dot + 1, end, minor);
+    return major * 10 + minor;
+}
+
 int GLeeInit() {
     GLInterfaceState& gl = state();
     gl.enabled = {};
     if (!glContextIsCurrent())
         return 0;
     ContextVersions versions;
-    versions.gl = epoxy_gl_version();
+    versions.gl = glVersion();
     versions.glsl = glslVersion(versions.gl);
     for (std::size_t i = 0; i < kPredicates.size(); ++i)
         gl.enabled[i] = kPredicates[i](versions);
@@ -105,5 +120,5 @@ bool GLeeEnabled(int capability) {
 }
 
 bool glContextIsCurrent() {
-    return !hostThreadIsEnding() && epoxy_gl_version() != 0;
+    return !hostThreadIsEnding() && glVersion() != 0;
 }

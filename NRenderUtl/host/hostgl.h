@@ -24,6 +24,9 @@ enum GLeeCapability {
 int GLeeInit();
 /// Whether a capability of the table is present; false for an unknown number and before GLeeInit.
 bool GLeeEnabled(int capability);
+/// The current context's version as major * 10 + minor, 0 without a context. Costs no more than a query,
+/// where the loader's function takes the text apart with the C library's scanner.
+int glVersion();
 /// Whether GL can be called: a context is current on this thread, and the process is not ending, when the
 /// driver may be gone. Touches no context.
 bool glContextIsCurrent();

@@ -2,6 +2,6 @@
 #include "NRenderUtl/shaders/gllabel.h"
 
 void labelGlObject(GLenum kind, GLuint name, const char* text) {
-    if (epoxy_gl_version() >= 43 || epoxy_has_gl_extension("GL_KHR_debug"))
+    if (glVersion() >= 43 || epoxy_has_gl_extension("GL_KHR_debug"))
         glObjectLabel(kind, name, -1, text);
 }

@@ -33,11 +33,11 @@ bool contextIsActive() {
 }
 
 bool hasBuffers() {
-    return epoxy_gl_version() >= 15 || epoxy_has_gl_extension("GL_ARB_vertex_buffer_object");
+    return glVersion() >= 15 || epoxy_has_gl_extension("GL_ARB_vertex_buffer_object");
 }
 
 bool hasTextureBuffers() {
-    return epoxy_gl_version() >= 31 || epoxy_has_gl_extension("GL_ARB_texture_buffer_object") ||
+    return glVersion() >= 31 || epoxy_has_gl_extension("GL_ARB_texture_buffer_object") ||
            epoxy_has_gl_extension("GL_EXT_texture_buffer_object");
 }
 

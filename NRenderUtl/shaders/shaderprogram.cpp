@@ -16,9 +16,9 @@ constexpr GLsizei kLogSize = 2048;
 /// Whether the driver has stages of a type: the loader ends the process on a missing entry point, and a
 /// driver complains of a type that it does not know.
 bool hasStage(GLenum type) {
-    if (!glContextIsCurrent() || epoxy_gl_version() < 20)
+    if (!glContextIsCurrent() || glVersion() < 20)
         return false;
-    return type != GL_GEOMETRY_SHADER || epoxy_gl_version() >= 32 ||
+    return type != GL_GEOMETRY_SHADER || glVersion() >= 32 ||
            epoxy_has_gl_extension("GL_EXT_geometry_shader4") ||
            epoxy_has_gl_extension("GL_ARB_geometry_shader4");
 }
@@ -36,7 +36,7 @@ void setGeometryParameters(GLuint program, int inputKind) {
                                {2, GL_LINES_ADJACENCY, GL_LINE_STRIP, 5}};
     const auto kind = std::find_if(std::begin(kKinds), std::end(kKinds),
                                    [=](const Kind& k) { return k.number == inputKind; });
-    if (kind == std::end(kKinds) || epoxy_gl_version() >= 32)
+    if (kind == std::end(kKinds) || glVersion() >= 32)
         return;
     glProgramParameteri(program, GL_GEOMETRY_INPUT_TYPE_EXT, kind->input);
     glProgramParameteri(program, GL_GEOMETRY_OUTPUT_TYPE_EXT, kind->output);

@@ -178,7 +178,7 @@ bool TextureBufferProbe::drawsGreen(GLenum format, const _NglFBOInfoStr& target)
 }
 
 bool TextureBufferProbe::run(GLenum format) {
-    if (!IsProgramValid() || epoxy_gl_version() < 31 || !makeTextureBuffer(format))
+    if (!IsProgramValid() || glVersion() < 31 || !makeTextureBuffer(format))
         return false;
     GLint vertexArray = 0;
     glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertexArray);

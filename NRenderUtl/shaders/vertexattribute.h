@@ -6,7 +6,7 @@
 /// A value for each vertex, as an attribute has it before a host draws instances from it. A negative location
 /// does nothing.
 inline void advanceByVertex(int location) {
-    if (location >= 0 && epoxy_gl_version() >= 33)
+    if (location >= 0 && glVersion() >= 33)
         glVertexAttribDivisor(static_cast<GLuint>(location), 0);
 }
 
@@ -16,7 +16,7 @@ public:
     explicit SavedAttribute(int location) : m_location(static_cast<GLuint>(location)) {
         for (std::size_t i = 0; i < std::size(kNames); ++i)
             glGetVertexAttribiv(m_location, kNames[i], &m_values[i]);
-        if (epoxy_gl_version() >= 33)
+        if (glVersion() >= 33)
             glGetVertexAttribiv(m_location, GL_VERTEX_ATTRIB_ARRAY_DIVISOR, &m_divisor);
         glGetVertexAttribPointerv(m_location, GL_VERTEX_ATTRIB_ARRAY_POINTER, &m_pointer);
     }
@@ -28,7 +28,7 @@ public:
         glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(buffer));
         glVertexAttribPointer(m_location, size, static_cast<GLenum>(type), static_cast<GLboolean>(normalized),
                               stride, m_pointer);
-        if (epoxy_gl_version() >= 33)
+        if (glVersion() >= 33)
             glVertexAttribDivisor(m_location, static_cast<GLuint>(m_divisor));
         enabled ? glEnableVertexAttribArray(m_location) : glDisableVertexAttribArray(m_location);
     }

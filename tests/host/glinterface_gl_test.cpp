@@ -46,6 +46,7 @@ TEST_F(GLInterface, TellsWhatTheDriverHas) {
     if (const char* expected = std::getenv(kExpected)) {
         EXPECT_EQ(GLeeInit(), 0);
         EXPECT_EQ(capabilities(), expected) << glGetString(GL_VERSION);
+        EXPECT_EQ(glVersion(), epoxy_gl_version());
         EXPECT_FALSE(GLeeEnabled(-1) || GLeeEnabled(GLeeCapabilityCount));
         return;
     }
