@@ -6,6 +6,7 @@
 #include "NRenderUtl/Texture/ntexture.h"
 #include "NRenderUtl/Texture/texturesources.h"
 #include "NRenderUtl/Texture/windowscope.h"
+#include "NRenderUtl/gl/immediate.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/shaders/vertexattribute.h"
 
@@ -115,11 +116,10 @@ bool N2DBoxDrawer::DrawWithVAMode(const RenderInfo& info) {
 }
 
 void N2DBoxDrawer::DrawWithImmediateMode(const RenderInfo& info) {
+    const BeginEnd vertices(GL_QUADS);
     glColor4fv(colorOf(info.fillColor).data());
-    glBegin(GL_QUADS);
     for (const auto& [x, y] : {std::pair{0, 0}, {1, 0}, {1, 1}, {0, 1}}) {
         glTexCoord2i(x, y);
         glVertex2i(x * info.width, y * info.height);
     }
-    glEnd();
 }

@@ -7,6 +7,7 @@
 #include "NRenderUtl/Texture/ntexture.h"
 #include "NRenderUtl/Texture/texturesources.h"
 #include "NRenderUtl/Texture/windowscope.h"
+#include "NRenderUtl/gl/immediate.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/shaders/gllabel.h"
 #include "NRenderUtl/shaders/vertexattribute.h"
@@ -136,7 +137,7 @@ constexpr int kLargestDiscOfRows = 40;
 bool pixelsAreCentres() {
     GLint modes[2], samples = 0;
     glGetIntegerv(GL_POLYGON_MODE, modes);
-    if (epoxy_gl_version() >= 13)
+    if (glVersion() >= 13)
         glGetIntegerv(GL_SAMPLES, &samples);
     return modes[0] == GL_FILL && modes[1] == GL_FILL && samples == 0 && !glIsEnabled(GL_POLYGON_SMOOTH) &&
            !glIsEnabled(GL_POLYGON_STIPPLE);
@@ -154,7 +155,7 @@ void drawDiscByRows(int centre, int radius) {
     const auto toTexture = [&](int along) {
         return static_cast<float>(along + radius) / static_cast<float>(2 * radius);
     };
-    glBegin(GL_QUADS);
+    const BeginEndInColor vertices(GL_QUADS);
     for (int row = -radius, next = row; row < radius; row = next) {
         const int half = halfOfRow(row, radius);
         while (next < radius && halfOfRow(next, radius) == half)
@@ -164,7 +165,6 @@ void drawDiscByRows(int centre, int radius) {
             glVertex2i(centre + x, centre + y);
         }
     }
-    glEnd();
 }
 
 /// What a border of the thickness, on both sides, leaves of a diameter.
@@ -237,12 +237,11 @@ bool NuTexture::DrawAsRectangleWithVAMode(int width, int height, const RenderInf
 }
 
 void NuTexture::DrawAsRectangleWithImmediateMode(int width, int height, const RenderInfo&) {
-    glBegin(GL_QUADS);
+    const BeginEndInColor vertices(GL_QUADS);
     for (const auto& [s, t] : kCorners) {
         glTexCoord2f(s, t);
         glVertex2f(s * static_cast<float>(width), t * static_cast<float>(height));
     }
-    glEnd();
 }
 
 void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& info) {
@@ -283,11 +282,10 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
 // Deliberate: the fan starts on the rim, at angle 0, not in the centre.
 void NuTexture::DrawCircle(int centre, int radius, bool filled) {
     const auto c = static_cast<float>(centre), r = static_cast<float>(radius);
-    glBegin(filled ? GL_TRIANGLE_FAN : GL_LINE_STRIP);
+    const BeginEndInColor vertices(filled ? GL_TRIANGLE_FAN : GL_LINE_STRIP);
     for (const auto& [cosine, sine] : unitCircle()) {
         if (filled)
             glTexCoord2f((cosine + 1) * 0.5f, (sine + 1) * 0.5f);
         glVertex2f(cosine * r + c, sine * r + c);
     }
-    glEnd();
 }

@@ -32,6 +32,22 @@ void sendVertex(const Point* p) {
     sendVertex(*p);
 }
 
+/// Begin and end around vertices that have the current colour. It is sent with them: of one that is set
+/// before, fixed function makes a constant of its fragments, and drivers take over all of their state for
+/// each draw for which a constant changed.
+class BeginEndInColor {
+public:
+    explicit BeginEndInColor(GLenum primitive) {
+        GLfloat color[4];
+        glGetFloatv(GL_CURRENT_COLOR, color);
+        glBegin(primitive);
+        glColor4fv(color);
+    }
+    ~BeginEndInColor() { glEnd(); }
+    BeginEndInColor(const BeginEndInColor&) = delete;
+    BeginEndInColor& operator=(const BeginEndInColor&) = delete;
+};
+
 /// Calls send(i) for each vertex between one begin and end.
 template <class Send>
 void drawVertices(GLenum primitive, std::uint64_t count, const Send& send) {

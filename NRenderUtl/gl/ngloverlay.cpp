@@ -3,6 +3,7 @@
 #include <cmath>
 #include <optional>
 
+#include "NRenderUtl/gl/immediate.h"
 #include "NRenderUtl/gl/nglproject.h"
 #include "NRenderUtl/gl/nglrecord.h"
 #include "NRenderUtl/gl/stateguards.h"
@@ -39,12 +40,11 @@ void endTranslucency() {
 
 /// Pairs of neighbours: the segments of an open chain, or a polygon that repeats its inner points.
 void emitPairs(GLenum primitive, int count, const _NgPoint2Str* points, double z) {
-    glBegin(primitive);
+    const BeginEndInColor vertices(primitive);
     for (int i = 0; i + 1 < count; ++i) {
         glVertex3d(points[i].x, points[i].y, z);
         glVertex3d(points[i + 1].x, points[i + 1].y, z);
     }
-    glEnd();
 }
 
 } // namespace
