@@ -23,6 +23,7 @@ struct Variant {
     bool contoured;
     int onlyLight; ///< -1 for none or several
     bool highlights;
+    bool plain; ///< no values, and the only light neither fades nor shines, on opaque colours
     auto operator<=>(const Variant&) const = default;
 };
 
@@ -45,18 +46,45 @@ bool hasHighlights() {
     return !isOpaque || !isBlack(section.frontMaterial.specular) || !isBlack(section.backMaterial.specular);
 }
 
+bool isPlain(const NglLightParams& light) {
+    return light.constantAttenuation == 1 && light.linearAttenuation == 0 &&
+           light.quadraticAttenuation == 0 && light.ambient[3] >= 0 && light.diffuse[3] >= 0;
+}
+
+Variant variantOf(MarkerProgramKind kind, bool contoured) {
+    Variant variant{kind, contoured, onlyLight(), hasHighlights(), false};
+    if (!contoured && kind != MarkerProgramKind::Single && variant.onlyLight >= 0 && !variant.highlights &&
+        isPlain(markerSection().lights[variant.onlyLight]))
+        return {kind, false, -1, false, true};
+    return variant;
+}
+
+void sendPlainLight(NShaderProgram& program) {
+    MarkerSection section = markerSection(); // programs take pointers to what they only read
+    NglLightParams& light = section.lights[onlyLight()];
+    float emission[4];
+    for (std::size_t k = 0; k < 4; ++k)
+        emission[k] = section.frontMaterial.emission[k] + section.backMaterial.emission[k];
+    program.SetVec4UniformValue("g_lightposition", light.position);
+    program.SetVec4UniformValue("g_lightambient", light.ambient);
+    program.SetVec4UniformValue("g_lightdiffuse", light.diffuse);
+    program.SetVec4UniformValue("g_emission", emission);
+}
+
 void build(ComposedProgram& program, const Variant& variant) {
     SourceChanges changes;
+    changes.plainLight = variant.plain;
     if (variant.onlyLight >= 0)
         changes.defines.push_back("ONLY_LIGHT " + std::to_string(variant.onlyLight));
-    if (!variant.highlights)
+    if (!variant.highlights && !variant.plain)
         changes.defines.push_back("NO_HIGHLIGHTS");
     if (variant.contoured)
         changes.defines.push_back("VALUES_BY_MARKER");
-    else if (variant.kind != MarkerProgramKind::Single)
+    else if (variant.kind != MarkerProgramKind::Single && variant.kind != MarkerProgramKind::SingleColor)
         changes.switches.push_back({"g_bct", 0});
     switch (variant.kind) {
     case MarkerProgramKind::Single:
+    case MarkerProgramKind::SingleColor:
         program.buildMarkers(changes);
         break;
     case MarkerProgramKind::Instances:
@@ -81,15 +109,20 @@ void build(ComposedProgram& program, const Variant& variant) {
 
 NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured) {
     static std::map<Variant, Entry> entries;
-    const Variant variant{kind, contoured, onlyLight(), hasHighlights()};
+    const Variant variant = variantOf(kind, contoured);
+    if (kind == MarkerProgramKind::SingleColor && !variant.plain)
+        return nullptr;
     Entry& entry = entries[variant];
     if (!std::exchange(entry.tried, true))
         build(entry.program, variant);
     if (!entry.program.IsProgramValid())
         return nullptr;
     entry.program.UseProgram(true);
-    if (std::exchange(entry.section, markerSection().number) != markerSection().number)
+    if (std::exchange(entry.section, markerSection().number) != markerSection().number) {
         setSectionUniforms(entry.program);
+        if (variant.plain)
+            sendPlainLight(entry.program);
+    }
     setBlendingUniforms(entry.program);
     return &entry.program;
 }

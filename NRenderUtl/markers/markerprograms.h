@@ -4,7 +4,8 @@
 #include "NRenderUtl/shaders/nshaders.h"
 
 enum class MarkerProgramKind {
-    Single, ///< contoured or not by a uniform
+    Single,      ///< contoured or not by a uniform
+    SingleColor, ///< in colours alone, with a plain light: none for others
     Instances,
     Triangles,
     CylinderRays,

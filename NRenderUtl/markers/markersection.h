@@ -15,6 +15,8 @@ struct MarkerSection {
 };
 
 const MarkerSection& markerSection();
+/// Whether a program draws in colours alone.
+bool drawsColorsAlone(const NShaderProgram& program);
 /// Sends the section to the program in use.
 void setSectionUniforms(NShaderProgram& program);
 void setBlendingUniforms(NShaderProgram& program);

@@ -224,7 +224,8 @@ void N3DMarker::drawByProgram(NShaderProgram& program, const NgMatrix& transform
     NglToFloat(transform, matrix);
     program.SetUniform4x4Matrix(RenderUniformTransform, &matrix[0][0]);
     const bool values = look.contoured && !look.selected && !look.highlighted;
-    program.SetUniformValue(RenderUniformContour, values);
+    if (!drawsColorsAlone(program))
+        program.SetUniformValue(RenderUniformContour, values);
     if (values) {
         program.SetUniformValue("g_texcoord1", look.texCoord1);
         program.SetUniformValue("g_texcoord2", look.texCoord2);

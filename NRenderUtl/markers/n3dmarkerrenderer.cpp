@@ -33,7 +33,9 @@ struct RendererState {
     MarkerSection section{};
     bool canDraw = false; ///< a context was current when the section began
     HostState host;
-    NShaderProgram* program = nullptr; ///< that draws the markers of the open section one by one
+    NShaderProgram* program = nullptr;        ///< that draws the markers of the open section one by one
+    std::optional<NShaderProgram*> forColors; ///< a faster one for those in colours; null for none
+    NShaderProgram* inUse = nullptr;          ///< one of the two
 };
 
 RendererState& state() {
@@ -117,10 +119,37 @@ void readSection(bool clipped) {
     ++section.number;
 }
 
+/// The program for colours, in use, that takes the shape as it is bound.
+NShaderProgram* useColorProgram() {
+    NShaderProgram* program = useMarkerProgram(MarkerProgramKind::SingleColor, false);
+    if (!program)
+        return nullptr;
+    state().inUse = program;
+    const auto location = [](const NShaderProgram& p) {
+        return p.GetVertexAttributeLocation(RenderAttribPosition);
+    };
+    return location(*program) == location(*state().program) ? program : nullptr;
+}
+
+/// The program that draws a marker of the open section, in use.
+NShaderProgram& programOfMarker(bool contoured) {
+    RendererState& s = state();
+    if (!contoured && !s.forColors)
+        s.forColors = useColorProgram();
+    NShaderProgram* wanted = !contoured && *s.forColors ? *s.forColors : s.program;
+    if (std::exchange(s.inUse, wanted) != wanted)
+        wanted->UseProgram(true);
+    return *wanted;
+}
+
 } // namespace
 
 const MarkerSection& markerSection() {
     return state().section;
+}
+
+bool drawsColorsAlone(const NShaderProgram& program) {
+    return state().forColors && &program == *state().forColors;
 }
 
 void setSectionUniforms(NShaderProgram& program) {
@@ -219,6 +248,8 @@ void N3DMarkerRenderer::beginProgram() {
         m_pShader->UseProgram(true);
         setSectionUniforms(*m_pShader);
     }
+    state().inUse = state().program;
+    state().forColors.reset();
     setAttributeAside(state().program->GetVertexAttributeLocation(RenderAttribPosition));
 }
 
@@ -238,9 +269,11 @@ int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vec
         ngl_get_floats_from_color_long(*color, rgba[0], rgba[1], rgba[2]);
     else
         glGetFloatv(GL_CURRENT_COLOR, rgba);
-    NShaderProgram* program = m_bShaderActive && m_pShader ? state().program : nullptr; // parked: none
-    if (program)
+    NShaderProgram* program = nullptr;
+    if (m_bShaderActive && m_pShader) { // not parked
+        program = &programOfMarker(contoured);
         setBlendingUniforms(*program);
+    }
     // The shapes' interface takes pointers to what they only read.
     m_pMarker->Draw(program, const_cast<_NgFPoint3Str*>(start), const_cast<_NgFPoint3Str*>(vector),
                     lengthScale, widthRatio, rgba, contoured, texCoord1, texCoord2, selected, highlighted);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -66,6 +67,13 @@ Sources withBlock(Sources sources) {
     return sources;
 }
 
+/// The library for one light in place of that for all, in the vertex stage too.
+void takePlainLight(ProgramComposition& composition) {
+    std::replace(composition.fragment.begin(), composition.fragment.end(), kLightingLibrary,
+                 kPlainLightLibrary);
+    composition.vertex.push_back(kPlainLightLibrary);
+}
+
 std::vector<std::string> blockDefines() {
     const auto define = [](const char* name, int value) {
         return std::string(name) + " " + std::to_string(value);
@@ -104,6 +112,8 @@ public:
             m_pointers.push_back(text.c_str());
     }
     int count() const { return static_cast<int>(m_pointers.size()); }
+    /// All in one string.
+    std::string joined() const { return std::accumulate(m_texts.begin(), m_texts.end(), std::string()); }
     const char** data() { return m_pointers.data(); }
 
 private:
@@ -239,10 +249,14 @@ bool ComposedProgram::compose(ProgramComposition composition, SourceChanges chan
         const std::vector<std::string> defines = blockDefines();
         changes.defines.insert(changes.defines.end(), defines.begin(), defines.end());
     }
-    StageSources vertex(composition.vertex, changes);
+    if (changes.plainLight) {
+        takePlainLight(composition);
+        changes.defines.push_back("PLAIN_LIGHT");
+    }
+    const std::string vertex = StageSources(composition.vertex, changes).joined();
     StageSources geometry(composition.geometry, changes);
     StageSources fragment(composition.fragment, changes);
-    if (!CompileProgram(*vertex.data(), fragment.count(), fragment.data(), geometry.count(), geometry.data(),
+    if (!CompileProgram(vertex.c_str(), fragment.count(), fragment.data(), geometry.count(), geometry.data(),
                         composition.geometryInputKind))
         return false;
     labelGlObject(GL_PROGRAM, static_cast<GLuint>(m_program), composition.label);

@@ -11,7 +11,8 @@
 struct SourceChanges {
     std::vector<std::string> defines; ///< right after each stage's version line
     std::vector<FixedSwitch> switches;
-    bool block = false; ///< lights and bands from a buffer in place of uniforms
+    bool block = false;      ///< lights and bands from a buffer in place of uniforms
+    bool plainLight = false; ///< by plainlight.glsl in place of lighting.glsl
 };
 
 struct ProgramComposition;

@@ -22,6 +22,7 @@ extern const char* const kMarkerRaysFragmentMain;    // markerrays.frag.glsl
 extern const char* const kProbeVertexMain;           // probe.vert.glsl
 extern const char* const kProbeFragmentMain;         // probe.frag.glsl
 extern const char* const kLightingLibrary;           // lighting.glsl
+extern const char* const kPlainLightLibrary;         // plainlight.glsl
 extern const char* const kColorBandLibrary;          // colorbands.glsl
 extern const char* const kBlockLightingLibrary;      // blocklighting.glsl
 extern const char* const kBlockBandLibrary;          // blockbands.glsl

@@ -408,6 +408,40 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
     NglDestroyFBO(&window);
 }
 
+// A light that hardly fades takes the programs for lights that do.
+TEST_F(MarkerArrays, ALightThatDoesNotFadeIsOneThatHardlyFades) {
+    _NglInfoStr& info = *NglGetNglInfo();
+    info.frontMaterial = info.backMaterial = {{.05f, .1f, 0, .5f}, {}, {}, {0, 0, 0, 1}, 20};
+    ngl_set_blending_value(100);
+    for (const bool gpu : {false, true}) {
+        if (gpu)
+            pretendGpu();
+        for (const auto type : {kCylinder, kSphere})
+            for (const char* way : {"singly", "exact", "other", "other perspective", "singly blended"}) {
+                SCOPED_TRACE(testing::Message() << "shape " << type << " " << way << gpu);
+                const auto has = [&](const char* word) { return std::strstr(way, word) != nullptr; };
+                setView(has("perspective"));
+                has("blended") ? glEnable(GL_BLEND) : glDisable(GL_BLEND);
+                Markers markers = strew(40, has("other") ? .3f : 1.4f, true);
+                markers.exact = !has("other");
+                if (has("other") && type == kSphere) // round, so that rays find them
+                    for (_NgFPoint3Str& d : markers.vectors)
+                        d.y = d.z = d.x = std::fabs(d.x);
+                const auto lit = [&](float fading) {
+                    info.lights[2].linearAttenuation = fading;
+                    return picture(type, false, 40, [&] {
+                        return has("singly") ? markers.drawSingly(type == kSphere)
+                                             : markers.draw(type == kSphere);
+                    });
+                };
+                const Picture plain = lit(0);
+                EXPECT_GT(plain.countOtherThan(kClear), 60);
+                EXPECT_TRUE(samePicture(plain, lit(1e-30f), 1)); // rounded in another order
+                EXPECT_FALSE(samePicture(plain, lit(.01f), 1));
+            }
+    }
+}
+
 TEST_F(MarkerArrays, MixWithSingleCallsAndLeaveTheStateOfTheSection) {
     for (const bool gpu : {false, true}) {
         if (gpu)

@@ -4,14 +4,30 @@
 // markers are signs, not bodies with a material.
 
 in VertexData {
-    vec4 color;
     vec3 normal;
     vec3 position;
+#ifdef PLAIN_LIGHT
+    flat vec4 even;
+    flat vec3 facing;
+#else
+    vec4 color;
     vec2 texCoord;
+#endif
 #ifdef VALUES_BY_MARKER
     flat float values; // 1 where the marker shows contour values
 #endif
 } VertexIn;
+
+#ifdef PLAIN_LIGHT
+
+vec3 plainlyLit(vec3 even, vec3 facing, vec3 position, vec3 normal);
+
+void main() {
+    gl_FragColor = vec4(plainlyLit(VertexIn.even.rgb, VertexIn.facing, VertexIn.position, VertexIn.normal),
+                        VertexIn.even.a);
+}
+
+#else
 
 uniform int g_bct;
 uniform sampler2D g_ctt;
@@ -34,3 +50,5 @@ void main() {
         color.a = g_alphavalue;
     gl_FragColor = color;
 }
+
+#endif

@@ -23,14 +23,27 @@ uniform float g_texcoord2;
 #endif
 
 out VertexData {
-    vec4 color;
     vec3 normal; // eye space, as the position
     vec3 position;
+#ifdef PLAIN_LIGHT
+    flat vec4 even; // colour by plainlight.glsl
+    flat vec3 facing;
+#else
+    vec4 color;
     vec2 texCoord;
+#endif
 #ifdef VALUES_BY_MARKER
     flat float values;
 #endif
 } VertexOut;
+
+#ifdef PLAIN_LIGHT
+uniform int g_transparent;
+uniform float g_alphavalue;
+
+vec3 evenColor(vec3 color);
+vec3 facingColor(vec3 color);
+#endif
 
 // The direction of the inverse transpose times p. By cofactors, of a matrix brought near 1: thin markers keep
 // their digits.
@@ -51,9 +64,14 @@ void main() {
     vec3 outward = g_pos_attrib == vec3(0.0) ? vec3(0.0, 0.0, -1.0) : g_pos_attrib;
     VertexOut.normal = normalOf(mat3(modelMat), outward);
     VertexOut.position = eye.xyz;
+#ifdef PLAIN_LIGHT
+    VertexOut.even = vec4(evenColor(g_colorwithalpha.rgb), g_transparent == 1 ? g_alphavalue : 1.0);
+    VertexOut.facing = facingColor(g_colorwithalpha.rgb);
+#else
     VertexOut.color = g_colorwithalpha;
     float value = gl_VertexID < g_halfvertcnt ? g_texcoord1 : g_texcoord2;
     VertexOut.texCoord = (g_texmat * vec4(value, 0.0, 0.0, 1.0)).st;
+#endif
 #ifdef VALUES_BY_MARKER
     VertexOut.values = g_values;
 #endif

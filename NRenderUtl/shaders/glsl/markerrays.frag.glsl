@@ -16,7 +16,12 @@ in RayData {
 #ifndef SPHERES
     flat vec4 axis;
 #endif
+#ifdef PLAIN_LIGHT
+    flat vec3 even;
+    flat vec3 facing;
+#else
     flat vec4 color;
+#endif
 #ifdef VALUES_BY_MARKER
     flat vec4 texCoords;
     flat float values;
@@ -25,7 +30,11 @@ in RayData {
 
 uniform sampler2D g_ctt;
 
+#ifdef PLAIN_LIGHT
+vec3 plainlyLit(vec3 even, vec3 facing, vec3 position, vec3 normal);
+#else
 vec4 computeFragmentColorStandard(vec3 position, vec3 normal, vec4 color);
+#endif
 
 struct Hit {
     float t; // along the ray
@@ -81,7 +90,9 @@ void main() {
     vec3 position = through + hit.t * along;
     float step = hit.t * gl_FragCoord.w;
     gl_FragDepth = (gl_FragCoord.z + step * RayIn.along.w) / (1.0 + step * RayIn.through.w);
-#ifdef VALUES_BY_MARKER
+#ifdef PLAIN_LIGHT
+    vec4 color = vec4(plainlyLit(RayIn.even, RayIn.facing, position, hit.normal), 1.0);
+#elif defined(VALUES_BY_MARKER)
     bool values = RayIn.values == 1.0;
     vec4 base = values ? vec4(1.0) : RayIn.color;
     vec4 color = computeFragmentColorStandard(position, normalize(hit.normal), base);

@@ -35,12 +35,22 @@ out RayData {
 #ifndef SPHERES
     flat vec4 axis;
 #endif
+#ifdef PLAIN_LIGHT
+    flat vec3 even; // colour by plainlight.glsl
+    flat vec3 facing;
+#else
     flat vec4 color;
+#endif
 #ifdef VALUES_BY_MARKER
     flat vec4 texCoords; // at the start and at the end
     flat float values;
 #endif
 } RayOut;
+
+#ifdef PLAIN_LIGHT
+vec3 evenColor(vec3 color);
+vec3 facingColor(vec3 color);
+#endif
 
 void main() {
     gl_Position = g_projmat * vec4(g_pos_attrib, 1.0);
@@ -64,7 +74,12 @@ void main() {
 #ifndef SPHERES
     RayOut.axis = g_axis;
 #endif
+#ifdef PLAIN_LIGHT
+    RayOut.even = evenColor(g_col_attrib.rgb);
+    RayOut.facing = facingColor(g_col_attrib.rgb);
+#else
     RayOut.color = g_col_attrib;
+#endif
 #ifdef VALUES_BY_MARKER
     RayOut.texCoords = vec4((g_texmat * vec4(g_values.x, 0.0, 0.0, 1.0)).st,
                             (g_texmat * vec4(g_values.y, 0.0, 0.0, 1.0)).st);

@@ -13,14 +13,27 @@ uniform mat4 g_texmat;
 uniform int g_clipped;
 
 out VertexData {
-    vec4 color;
     vec3 normal;
     vec3 position;
+#ifdef PLAIN_LIGHT
+    flat vec4 even; // colour by plainlight.glsl
+    flat vec3 facing;
+#else
+    vec4 color;
     vec2 texCoord;
+#endif
 #ifdef VALUES_BY_MARKER
     flat float values;
 #endif
 } VertexOut;
+
+#ifdef PLAIN_LIGHT
+uniform int g_transparent;
+uniform float g_alphavalue;
+
+vec3 evenColor(vec3 color);
+vec3 facingColor(vec3 color);
+#endif
 
 void main() {
     vec4 eye = vec4(g_pos_attrib, 1.0);
@@ -28,11 +41,15 @@ void main() {
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
     VertexOut.normal = g_norm_attrib;
     VertexOut.position = g_pos_attrib;
+#ifdef PLAIN_LIGHT
+    VertexOut.even = vec4(evenColor(g_col_attrib.rgb), g_transparent == 1 ? g_alphavalue : 1.0);
+    VertexOut.facing = facingColor(g_col_attrib.rgb);
+#else
     VertexOut.color = g_col_attrib;
+    VertexOut.texCoord = vec2(0.0);
+#endif
 #ifdef VALUES_BY_MARKER
     VertexOut.texCoord = (g_texmat * vec4(g_values.x, 0.0, 0.0, 1.0)).st;
     VertexOut.values = g_values.y;
-#else
-    VertexOut.texCoord = vec2(0.0);
 #endif
 }
