@@ -1,18 +1,11 @@
 // Bodies at known pixels: sides, transparency, materials, the environment behind them and in them.
-#include <unistd.h>
-
-#include <cmath>
-#include <fstream>
-
 #include "tests/support/fewsamples.h"
-#include "tests/support/gltest.h"
 #include "tests/support/radiancewriter.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/files.h"
+#include "tests/viewer/scenetest.h"
 #include "viewer/app/messages.h"
 #include "viewer/app/options.h"
-#include "viewer/error.h"
-#include "viewer/model/vectors.h"
-#include "viewer/scene/frame.h"
-#include "viewer/scene/scene.h"
 
 using namespace nruview;
 using nrutest::Picture;
@@ -44,17 +37,6 @@ Model sheet(NgColorLong color = 0xFFC0C0C0) {
     return model;
 }
 
-/// A block with its faces across the axes.
-Model block() {
-    Model model;
-    for (int i = 0; i < 8; ++i)
-        model.nodes.push_back({i & 1 ? 1.0 : -1.0, i & 2 ? 1.0 : -1.0, i & 4 ? 1.0 : -1.0});
-    for (const auto& face : std::array<std::array<std::uint32_t, 4>, 6>{
-             {{1, 3, 7, 5}, {0, 4, 6, 2}, {2, 6, 7, 3}, {0, 1, 5, 4}, {4, 5, 7, 6}, {0, 2, 3, 1}}})
-        model.addCell(CellType::Quad, face);
-    return model;
-}
-
 /// A colour of its own for each of the six directions: bits of red, green and blue.
 int colorFrom(const Point& direction) {
     int axis = 0;
@@ -66,16 +48,14 @@ int colorFrom(const Point& direction) {
 }
 
 /// The directions' colours as a picture with y upward.
-std::string environmentFile() {
-    const std::string path = ::testing::TempDir() + "environment_" + std::to_string(getpid()) + ".hdr";
-    std::ofstream(path, std::ios::binary) << nrutest::radianceFile(64, 32, [](int column, int row) {
+std::string environmentPicture() {
+    return nrutest::radianceFile(64, 32, [](int column, int row) {
         const double turn = 2.0 * M_PI * ((column + 0.5) / 64 - 0.5), rise = M_PI * (0.5 - (row + 0.5) / 32);
         const int color =
             colorFrom({std::cos(rise) * std::cos(turn), std::sin(rise), std::cos(rise) * std::sin(turn)});
-        const auto channel = [&](int bit) { return color & bit ? 2.0f : 0.0f; };
-        return nrutest::Radiance{channel(1), channel(2), channel(4)};
+        const auto lit = [&](int bit) { return color & bit ? 2.0f : 0.0f; };
+        return nrutest::Radiance{lit(1), lit(2), lit(4)};
     });
-    return path;
 }
 
 /// Which of red, green and blue a pixel has.
@@ -84,37 +64,23 @@ int bitsOf(NgColorLong color) {
     return (rgb.red > 90 ? 1 : 0) + (rgb.green > 90 ? 2 : 0) + (rgb.blue > 90 ? 4 : 0);
 }
 
-class ViewerBodies : public nrutest::GlTest {
+class ViewerBodies : public nrutest::SceneTest {
 protected:
-    void start(bool fixed = false) {
+    void SetUp() override {
+        SceneTest::SetUp();
         routeMessages(false); // with the folder of the materials
-        if (!m_session)
-            m_session.emplace(fixed);
-    }
-    Picture picture(const Model& model, const BodySettings& settings, const char* view = "xy",
-                    bool fixed = false) {
-        start(fixed);
-        const ShownModel shown = showModel(model, {});
-        const Camera camera = fitCamera(parseView(view), shown.bounds, 1.0, false);
-        beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
-        Scene scene(shown, {.opacity = m_opacity, .legacy = m_legacy}, settings);
-        beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
-        scene.draw();
-        return read();
+        m_background = kBlack;
     }
     Rgb middle(const Model& model, const BodySettings& settings, const char* view = "xy",
                bool fixed = false) {
-        return channels(picture(model, settings, view, fixed).at(kSize / 2 + 3, kSize / 2 + 2));
+        const Picture drawn = picture(showModel(model, {}), {.opacity = m_opacity, .legacy = m_legacy},
+                                      {view, false, fixed}, settings);
+        return channels(drawn.at(kSize / 2 + 3, kSize / 2 + 2));
     }
 
     double m_opacity = 1.0;
     bool m_legacy = false;
-
-private:
-    std::optional<LibrarySession> m_session;
 };
-
-class ViewerBodiesFixed : public ViewerBodies {};
 
 constexpr const char* kFront = "0,0,1";
 constexpr const char* kBehind = "0,0,-1";
@@ -133,7 +99,7 @@ void expectMostly(const Rgb& color, char channel, const std::string& name) {
 TEST_F(ViewerBodies, FlatFacesAreLitAlikeFromEverySide) {
     m_legacy = true;
     for (const char* view : {"0,0,1", "0,0,-1", "1,0,0", "-1,0,0", "0,1,0", "0,-1,0"}) {
-        const Rgb shade = middle(block(), {.color = 0xFFC8C8C8}, view);
+        const Rgb shade = middle(nrutest::hexahedra(2, 2, 2), {.color = 0xFFC8C8C8}, view);
         EXPECT_NEAR(shade.red, 243, 2) << view; // 200 x (0.5 / 1.74 + 1 / 1.078), the lamp's cosine
         EXPECT_EQ(shade.red, shade.blue) << view;
     }
@@ -153,7 +119,7 @@ TEST_F(ViewerBodies, ShowTheColorOfTheSideThatIsSeen) {
     EXPECT_LT(black.red, 80) << "black stays black on a black background";
 }
 
-TEST_F(ViewerBodiesFixed, KeepTheirColorsWithoutPrograms) {
+TEST_F(ViewerBodies, KeepTheirColorsWithoutPrograms) {
     expectMostly(middle(sheet(kGreen), {}, kFront, true), 'g', "part");
     const BodySettings settings = {.physical = true, .frontColor = kGreen, .backColor = kBlue};
     expectMostly(middle(sheet(kRed), settings, kFront, true), 'g', "front");
@@ -164,20 +130,16 @@ TEST_F(ViewerBodies, LightPassesTheNearerBodiesLast) {
     Model model;
     addSheet(model, 0.0, kRed, 0.5);
     addSheet(model, 0.5, kGreen, 0.5);
-    addSheet(model, 0.25, kBlue);
-    const Rgb front = middle(model, {}, kFront), behind = middle(model, {}, kBehind);
-    EXPECT_GT(front.green, 60);
-    EXPECT_GT(front.blue, 60) << "the opaque sheet shows through the one before it";
-    EXPECT_LT(front.red, front.green / 2) << "and hides the one behind it";
-    EXPECT_GT(behind.red, 60);
-    EXPECT_LT(behind.green, behind.red / 2);
-    model.parts.pop_back(); // the two transparent sheets alone, the green one nearer
-    model.types.pop_back();
-    model.offsets.pop_back();
-    model.connectivity.resize(8);
     const Rgb two = middle(model, {}, kFront), fromBehind = middle(model, {}, kBehind);
     EXPECT_NEAR(two.green, 2 * two.red, 25) << "half, and half of the other half";
     EXPECT_NEAR(fromBehind.red, 2 * fromBehind.green, 25);
+    Model between = model;
+    addSheet(between, 0.25, kBlue);
+    const Rgb front = middle(between, {}, kFront), behind = middle(between, {}, kBehind);
+    EXPECT_TRUE(front.green > 60 && behind.red > 60);
+    EXPECT_GT(front.blue, 60) << "the opaque sheet shows through the one before it";
+    EXPECT_TRUE(front.red < front.green / 2 && behind.green < behind.red / 2)
+        << "and hides the one behind it";
     model.parts = {{"both", 0, 2, kRed, 0.5}}; // from behind the nearer sheet is drawn first
     EXPECT_NEAR(middle(model, {}, kBehind).red, two.green + two.red, 25) << "all of a body shows through";
     const int opaque = middle(sheet(kRed), {}, kFront).red;
@@ -195,21 +157,15 @@ TEST_F(ViewerBodies, MetalHasNoLightOfItsOwnColorBesideTheLamps) {
 }
 
 TEST_F(ViewerBodies, LampsStandAboutTheAxisOfThePicture) {
-    start();
-    const ShownModel shown = showModel(block(), {});
-    const Camera camera = fitCamera(parseView("0,0,1"), shown.bounds, 1.0, true);
-    beginFrame(camera, shown.bounds, kSize, kSize, kBlack);
-    Scene scene(shown, {}, {.physical = true, .material = "Steel Polished"});
-    scene.draw();
-    const Picture picture = read();
+    const ShownModel shown = showModel(nrutest::hexahedra(2, 2, 2), {});
+    const Picture drawn =
+        picture(shown, {}, {"0,0,1", true}, {.physical = true, .material = "Steel Polished"});
     int left = 0, right = 0, lower = 0, upper = 0;
-    for (int i = 4; i < kSize / 2; ++i)
-        for (int j = 4; j < kSize / 2; ++j) {
-            const int i2 = kSize - 1 - i, j2 = kSize - 1 - j;
-            left += channels(picture.at(i, j)).green + channels(picture.at(i, j2)).green;
-            right += channels(picture.at(i2, j)).green + channels(picture.at(i2, j2)).green;
-            lower += channels(picture.at(i, j)).green + channels(picture.at(i2, j)).green;
-            upper += channels(picture.at(i, j2)).green + channels(picture.at(i2, j2)).green;
+    for (int x = 4; x < kSize - 4; ++x)
+        for (int y = 4; y < kSize - 4; ++y) {
+            const int light = channels(drawn.at(x, y)).green;
+            (x < kSize / 2 ? left : right) += light;
+            (y < kSize / 2 ? lower : upper) += light;
         }
     EXPECT_GT(left, 1000);
     EXPECT_NEAR(left, right, 0.02 * left);
@@ -227,8 +183,9 @@ TEST(ViewerEnvironment, StandsUprightInTheView) {
 // What is seen behind the model lies in the direction of sight, what its faces mirror behind the viewer.
 TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
     nrutest::takeFewSamples();
-    const std::string file = environmentFile();
-    const ShownModel shown = showModel(block(), {});
+    const nrutest::Folder folder;
+    folder.write("around.hdr", environmentPicture());
+    const ShownModel shown = showModel(nrutest::hexahedra(2, 2, 2), {});
     start();
     for (const ImageUp up : {ImageUp::Y, ImageUp::Z}) {
         const auto inImage = [&](const Point& p) { return up == ImageUp::Y ? p : Point{p[0], p[2], -p[1]}; };
@@ -241,7 +198,7 @@ TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
             if (!scene)
                 scene.emplace(shown, SceneSettings{},
                               BodySettings{.physical = true,
-                                           .environment = file,
+                                           .environment = folder.path("around.hdr"),
                                            .environmentUp = up,
                                            .environmentBackground = true,
                                            .material = "Chrome",
@@ -254,5 +211,4 @@ TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
                 << "behind";
         }
     }
-    std::remove(file.c_str());
 }

@@ -1,32 +1,23 @@
 // Markers at known pixels, in the colours of their values, and what is picked of them.
-#include <algorithm>
-#include <cmath>
-#include <optional>
-
-#include "tests/support/gltest.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/scenetest.h"
 #include "viewer/markers/markerpick.h"
 #include "viewer/markers/supports.h"
-#include "viewer/model/vectors.h"
 #include "viewer/scene/colorbands.h"
-#include "viewer/scene/frame.h"
-#include "viewer/scene/pick.h"
-#include "viewer/scene/scene.h"
 #include "viewer/scene/sight.h"
 
 using namespace nruview;
+using nrutest::differenceInHue;
 using nrutest::Picture;
 
 namespace {
 
-constexpr NgColorLong kBackground = 0xFFFFFFFF;
-
 /// A quad from (-2, -2) to (2, 2) with a tensor, and before it a line, which is not shown, with a vector and
 /// values at its ends.
 Model sheet() {
-    Model model;
-    model.nodes = {{-2, -2, 0}, {2, -2, 0}, {2, 2, 0}, {-2, 2, 0}, {-1, -1, 0.5}, {1, 1, 0.5}};
-    model.addCell(CellType::Quad, std::array<std::uint32_t, 4>{0, 1, 2, 3});
-    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{4, 5});
+    Model model =
+        nrutest::modelOf({{-2, -2, 0}, {2, -2, 0}, {2, 2, 0}, {-2, 2, 0}, {-1, -1, 0.5}, {1, 1, 0.5}},
+                         {{CellType::Quad, {0, 1, 2, 3}}, {CellType::Line, {4, 5}}});
     Field force{"F", FieldLocation::Node, 3, std::vector<double>(18, 0.0)};
     force.values[12] = 3.0; // along x from node 4
     force.values[13] = 1.5;
@@ -76,109 +67,61 @@ Change changeOf(const Picture& before, const Picture& after) {
     return change;
 }
 
-/// How far a colour is from all shades of another.
-double differenceInHue(NgColorLong found, NgColorLong expected) {
-    double brightest = 0.0, shade = 0.0, largest = 0.0;
-    const auto channel = [](NgColorLong color, int k) { return static_cast<double>(color >> 8 * k & 0xFF); };
-    for (int k = 0; k < 3; ++k)
-        if (channel(expected, k) > brightest) {
-            brightest = channel(expected, k);
-            shade = channel(found, k) / brightest;
-        }
-    for (int k = 0; k < 3; ++k)
-        largest = std::max(largest, std::abs(channel(found, k) - shade * channel(expected, k)));
-    return shade > 0.4 ? largest : 255.0;
-}
-
-class ViewerMarkers : public nrutest::GlTest {
+class ViewerMarkers : public nrutest::SceneTest {
 protected:
-    void begin(const ShownModel& shown, const char* view = "xy", bool fixed = false,
-               bool perspective = false) {
-        if (!m_session)
-            m_session.emplace(fixed);
-        beginFrame(fitCamera(parseView(view), shown.bounds, 1.0, perspective), shown.bounds, kSize, kSize,
-                   kBackground);
-    }
-    Picture picture(ShownModel shown, const Markers& markers, const char* view = "xy", bool fixed = false,
-                    double opacity = 1.0) {
+    Picture drawn(ShownModel shown, const Markers& markers, const nrutest::View& view = {},
+                  double opacity = 1.0) {
         shown.bounds.low[2] -= 1.0; // room for markers, in depth alone
         shown.bounds.high[2] += 1.0;
-        begin(shown, view, fixed);
-        Scene scene(shown, {.edges = EdgeMode::None, .opacity = opacity}, {}, &markers);
-        scene.draw();
-        return read();
+        return picture(shown, {.edges = EdgeMode::None, .opacity = opacity}, view, {}, &markers);
     }
-    /// Lower left corner of the pixel about a model position.
-    static std::array<double, 2> pixelOf(const ShownModel& shown, const Point& position) {
-        const Point p = shown.drawn(position);
-        double x = 0.0, y = 0.0;
-        ngl_transform_32(p[0], p[1], p[2], &x, &y);
-        return {x, kSize - y};
-    }
-    std::string pickAt(const ShownModel& shown, const Markers& markers, const Point& position,
-                       double hidden = HUGE_VAL) {
-        const auto [x, y] = pixelOf(shown, position);
-        const auto picked =
-            pickMarker(shown, markers, static_cast<int>(x), static_cast<int>(kSize - y), hidden);
+    std::string markerAt(const ShownModel& shown, const Markers& markers, const Point& position,
+                         double hidden = HUGE_VAL) {
+        const auto [x, y] = pixelOf(position);
+        const auto picked = pickMarker(shown, markers, x, y, hidden);
         return picked ? picked->text : "nothing";
     }
-    std::optional<LibrarySession> m_session;
 };
-
-class ViewerMarkersFixed : public ViewerMarkers {};
-
-void expectArrow(const Change& change, const std::array<double, 2>& tail, const std::array<double, 2>& tip) {
-    EXPECT_NEAR(change.left, tail[0], 1.5);
-    EXPECT_NEAR(change.right, tip[0], 3.0) << "the point ends thinner than a pixel";
-    EXPECT_NEAR(change.top, tip[1], 3.0);
-    EXPECT_NEAR(change.angleDeg, 26.565, 2.0) << "atan(1 / 2)";
-    EXPECT_GT(change.count, 30);
-}
 
 } // namespace
 
 TEST_F(ViewerMarkers, AnArrowReachesFromItsNodeToTheTipOfItsVector) {
     const ShownModel shown = shownSheet();
     const Markers markers = makeMarkers(shown, {.arrows = "F", .arrowScale = 1.0, .nodes = kEnds}, {});
-    const Change change = changeOf(picture(shown, {}), picture(shown, markers));
-    expectArrow(change, pixelOf(shown, {-1, -1, 0.5}), pixelOf(shown, {2, 0.5, 0.5}));
-}
-
-TEST_F(ViewerMarkersFixed, AnArrowIsTheSameWithoutPrograms) {
-    const ShownModel shown = shownSheet();
-    const Markers markers = makeMarkers(shown, {.arrows = "F", .arrowScale = 1.0, .nodes = kEnds}, {});
-    const Change change = changeOf(picture(shown, {}, "xy", true), picture(shown, markers, "xy", true));
-    expectArrow(change, pixelOf(shown, {-1, -1, 0.5}), pixelOf(shown, {2, 0.5, 0.5}));
+    for (const bool fixed : {false, true}) {
+        const Change change =
+            changeOf(drawn(shown, {}, {.fixed = fixed}), drawn(shown, markers, {.fixed = fixed}));
+        const auto tail = placeOf({-1, -1, 0.5}), tip = placeOf({2, 0.5, 0.5});
+        EXPECT_NEAR(change.left, tail[0], 1.5);
+        EXPECT_NEAR(change.right, tip[0], 3.0) << "the point ends thinner than a pixel";
+        EXPECT_NEAR(change.top, tip[1], 3.0);
+        EXPECT_NEAR(change.angleDeg, 26.565, 2.0) << "atan(1 / 2)";
+        EXPECT_GT(change.count, 30);
+    }
 }
 
 TEST_F(ViewerMarkers, ConnectorsHaveTheColorsOfBothValues) {
     const ShownModel shown = shownSheet("T");
     for (const ConnectorShape shape : {ConnectorShape::Rivet, ConnectorShape::Cylinder}) {
         const Markers markers = makeMarkers(shown, {.connectors = {{4, 5}}, .connectorShape = shape}, {});
-        const Picture drawn = picture(shown, markers);
+        const Picture found = drawn(shown, markers);
         const ColorBands bands(12, {0.0, 0.9}, false);
-        for (const auto& [at, band] : {std::pair(-0.97, 1), {0.97, 11}}) {
-            const auto [x, y] = pixelOf(shown, {at, at, 0.5});
-            EXPECT_LT(differenceInHue(drawn.at(static_cast<int>(x), static_cast<int>(y)), bands.color(band)),
-                      4)
-                << at;
-        }
+        for (const auto& [at, band] : {std::pair(-0.97, 1), {0.97, 11}})
+            EXPECT_LT(differenceInHue(colorAt(found, {at, at, 0.5}), bands.color(band)), 4) << at;
     }
 }
 
 TEST_F(ViewerMarkers, SpheresHaveTheirSizeAndTheColorOfTheirValue) {
     const ShownModel shown = shownSheet();
     const Markers markers = makeMarkers(shown, {.spheres = "T", .sphereSize = 1.0, .nodes = kEnds}, {});
-    const Picture drawn = picture(shown, markers);
-    const double diameter = pixelOf(shown, {1, 0, 0})[0] - pixelOf(shown, {0, 0, 0})[0];
-    const Change change = changeOf(picture(shown, {}), drawn);
+    const Picture found = drawn(shown, markers);
+    const double diameter = placeOf({1, 0, 0})[0] - placeOf({0, 0, 0})[0];
+    const Change change = changeOf(drawn(shown, {}), found);
     EXPECT_NEAR(change.count, 2 * 0.785 * diameter * diameter, 20);
     EXPECT_NEAR(change.right - change.left + 1, 3 * diameter, 2);
     const ColorBands bands(12, {0.1, 0.9}, false);
-    for (const auto& [at, band] : {std::pair(-1.0, 0), {1.0, 11}}) {
-        const auto [x, y] = pixelOf(shown, {at, at, 0.5});
-        EXPECT_LT(differenceInHue(drawn.at(static_cast<int>(x), static_cast<int>(y)), bands.color(band)), 4);
-    }
+    for (const auto& [at, band] : {std::pair(-1.0, 0), {1.0, 11}})
+        EXPECT_LT(differenceInHue(colorAt(found, {at, at, 0.5}), bands.color(band)), 4);
 }
 
 // The tensor pulls along (1, 1, 0) alone: an ellipsoid four times as long as it is thick.
@@ -187,8 +130,7 @@ TEST_F(ViewerMarkers, AnEllipsoidLiesAlongItsTensor) {
     const Markers markers = makeMarkers(shown, {.tensors = "S"}, {});
     ASSERT_EQ(markers.ellipsoids.markers.size(), 1u) << "tensors of zero have none";
     EXPECT_NEAR(markers.ellipsoids.markers[0].values[0], 4.0, 1e-12);
-    const Change change =
-        changeOf(picture(shown, {}, "xy", false, 0.0), picture(shown, markers, "xy", false, 0.0));
+    const Change change = changeOf(drawn(shown, {}, {}, 0.0), drawn(shown, markers, {}, 0.0));
     EXPECT_NEAR(change.angleDeg, 45.0, 1.5);
     EXPECT_NEAR(change.aspect, 4.0, 0.4);
 }
@@ -214,7 +156,7 @@ TEST_F(ViewerMarkers, SymbolsArePickedWhereTheyAreDrawn) {
                 SCOPED_TRACE(std::string(kSupportKinds[kind]) + " " + view + (perspective ? " persp" : ""));
                 const Support support{5, static_cast<SupportKind>(kind), 1, shown.points[5],
                                       shown.points[5] + Point{0, -1.2 / shown.unit, 0}};
-                begin(shown, view, false, perspective);
+                begin(shown, {view, perspective});
                 const Picture empty = read();
                 drawSupports({support});
                 const Picture drawn = read();
@@ -241,7 +183,7 @@ TEST_F(ViewerMarkers, FramesShowTheAxesOfTheModel) {
     const Support frame{0, SupportKind::Frame, 0, {}, {}};
     for (const char* view : {"1,0.7,0.8", "-0.3,-1,0.5", "xy", "yz", "zy", "zx"}) {
         SCOPED_TRACE(view);
-        begin(shown, view);
+        begin(shown, {view});
         const Picture empty = read();
         drawSupports({frame});
         const Picture drawn = read();
@@ -273,8 +215,7 @@ TEST_F(ViewerMarkers, SymbolsAreNotCutByTheFacesAboutTheirNode) {
         const Markers markers = makeMarkers(shown, {.supports = {{{{{0, 2}}, ""}, kind}}}, {});
         for (const char* view : {"xy", "1,0.7,0.8", "-0.2,-1,1.2"}) {
             const auto lit = [&](double opacity) {
-                return changeOf(picture(shown, {}, view, false, opacity),
-                                picture(shown, markers, view, false, opacity))
+                return changeOf(drawn(shown, {}, {view}, opacity), drawn(shown, markers, {view}, opacity))
                     .count;
             };
             EXPECT_EQ(lit(1.0), lit(0.0)) << view;
@@ -293,17 +234,16 @@ TEST_F(ViewerMarkers, ArePickedBySightUnlessHidden) {
                                          .supports = {{{{{2, 2}}, ""}, SupportKind::Cross}}},
                                         {});
     begin(shown);
-    EXPECT_EQ(pickAt(shown, markers, {0.5, -0.25, 0.5}), "arrow at node 4 at -1 -1 0.5: F:mag = 3.3541");
-    EXPECT_EQ(pickAt(shown, markers, {1, 1, 0.5}), "sphere at node 5 at 1 1 0.5: T = 0.9");
-    EXPECT_EQ(pickAt(shown, markers, {-1.5, 1.5, 0}), "connector of node 1 and node 3: T = 0 and 0");
-    EXPECT_EQ(pickAt(shown, markers, {2, 2, 0}), "support 0 (cross) at node 2 at 2 2 0");
-    EXPECT_EQ(pickAt(shown, markers, {-1.5, -1.5, 0}), "nothing");
+    EXPECT_EQ(markerAt(shown, markers, {0.5, -0.25, 0.5}), "arrow at node 4 at -1 -1 0.5: F:mag = 3.3541");
+    EXPECT_EQ(markerAt(shown, markers, {1, 1, 0.5}), "sphere at node 5 at 1 1 0.5: T = 0.9");
+    EXPECT_EQ(markerAt(shown, markers, {-1.5, 1.5, 0}), "connector of node 1 and node 3: T = 0 and 0");
+    EXPECT_EQ(markerAt(shown, markers, {2, 2, 0}), "support 0 (cross) at node 2 at 2 2 0");
+    EXPECT_EQ(markerAt(shown, markers, {-1.5, -1.5, 0}), "nothing");
     const Markers glyphs = makeMarkers(shown, {.tensors = "S"}, {});
-    EXPECT_EQ(pickAt(shown, glyphs, {0.2, 0.2, 0}), "ellipsoid of element 0: S:principal = 4");
-    EXPECT_EQ(pickAt(shown, glyphs, {0.7, -0.7, 0}), "nothing") << "across it";
-    begin(shown, "0,0,-1");
-    const auto [x, y] = pixelOf(shown, {1, 1, 0.5});
-    const Picked face = pick(shown, static_cast<int>(x), static_cast<int>(kSize - y));
-    EXPECT_EQ(pickAt(shown, markers, {1, 1, 0.5}, face.distance), "nothing") << "behind the sheet";
-    EXPECT_EQ(pickAt(shown, markers, {1, 1, 0.5}), "sphere at node 5 at 1 1 0.5: T = 0.9");
+    EXPECT_EQ(markerAt(shown, glyphs, {0.2, 0.2, 0}), "ellipsoid of element 0: S:principal = 4");
+    EXPECT_EQ(markerAt(shown, glyphs, {0.7, -0.7, 0}), "nothing") << "across it";
+    begin(shown, {"0,0,-1"});
+    EXPECT_EQ(markerAt(shown, markers, {1, 1, 0.5}, pickAt(shown, {1, 1, 0.5}).distance), "nothing")
+        << "behind the sheet";
+    EXPECT_EQ(markerAt(shown, markers, {1, 1, 0.5}), "sphere at node 5 at 1 1 0.5: T = 0.9");
 }

@@ -1,22 +1,17 @@
 // The viewer's pictures at known pixels, and what it picks there.
-#include <algorithm>
-#include <cmath>
 #include <set>
 
-#include "tests/support/gltest.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/scenetest.h"
 #include "viewer/model/samples.h"
-#include "viewer/model/vectors.h"
-#include "viewer/scene/frame.h"
-#include "viewer/scene/pick.h"
-#include "viewer/scene/scene.h"
 
 using namespace nruview;
+using nrutest::isDark;
 using nrutest::Picture;
 
 namespace {
 
 using Kind = Picked::Kind;
-constexpr NgColorLong kBackground = 0xFF80FF80;
 constexpr NgColorLong kGrey = 0xFFA0A0A0;
 /// Share of its colour that a face square to the view shows: ambient half, and half by the cosine to the
 /// light.
@@ -54,46 +49,10 @@ double difference(NgColorLong found, NgColorLong expected, double shade = 1.0) {
     return largest;
 }
 
-bool isDark(NgColorLong color) {
-    return (color >> 8 & 0xFF) < 0x48;
-}
-
-class ViewerScene : public nrutest::GlTest {
+class ViewerScene : public nrutest::SceneTest {
 protected:
-    void begin(const ShownModel& shown, const char* view, bool perspective = false) {
-        if (!m_session)
-            m_session.emplace();
-        beginFrame(fitCamera(parseView(view), shown.bounds, 1.0, perspective), shown.bounds, kSize, kSize,
-                   kBackground);
-        m_shown = &shown;
-    }
-    Picture picture(const ShownModel& shown, const SceneSettings& settings, const char* view = "xy",
-                    bool perspective = false) {
-        begin(shown, view, perspective);
-        Scene scene(shown, settings);
-        scene.draw();
-        return read();
-    }
-    /// Pixel that shows a model position, y from the top.
-    std::array<int, 2> pixelOf(const Point& position) const {
-        const Point p = m_shown->drawn(position);
-        double x = 0.0, y = 0.0;
-        ngl_transform_32(p[0], p[1], p[2], &x, &y);
-        return {static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y))};
-    }
-    Picked pickAt(const ShownModel& shown, const Point& p, int right = 0, int down = 0) const {
-        const auto [x, y] = pixelOf(p);
-        return pick(shown, x + right, y + down);
-    }
-    NgColorLong colorAt(const Picture& picture, const Point& p) const {
-        const auto [x, y] = pixelOf(p);
-        return picture.at(x, kSize - 1 - y);
-    }
     bool shows(const Picture& picture, const Point& p, NgColorLong color, double shade = 1.0) const {
         return difference(colorAt(picture, p), color, shade) < 1.5;
-    }
-    bool isShown(const Picture& picture, const Point& p) const {
-        return (colorAt(picture, p) & 0xFFFFFF) != (kBackground & 0xFFFFFF);
     }
     /// Whether a dark line joins two points: a pixel at each step along its longer side, or the one beside
     /// it.
@@ -110,14 +69,6 @@ protected:
         }
         return isUnbroken;
     }
-
-    void TearDown() override {
-        m_session.reset();
-        GlTest::TearDown();
-    }
-
-    const ShownModel* m_shown = nullptr;
-    std::optional<LibrarySession> m_session;
 };
 
 } // namespace
@@ -149,7 +100,7 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
             const SceneSettings settings = {row.bands, row.range, row.smeared, EdgeMode::None};
             const ColorBands bands(row.bands, {0, 1}, row.smeared);
             const ShownModel shown = byField(strip(row.cells), row.field);
-            const Picture drawn = picture(shown, settings, row.view, perspective);
+            const Picture drawn = picture(shown, settings, {row.view, perspective});
             for (const auto& [x, part] : row.spots) {
                 const NgColorLong expected = part < 0      ? kGrey
                                              : row.smeared ? bands.scale().GetColor(static_cast<float>(part))
@@ -158,15 +109,12 @@ TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
             }
             EXPECT_FALSE(isShown(drawn, {2, 1.5, 0})) << row.name;
         }
-    const RenderColorScale scale = ColorBands(4, {0, 1}, true).attributes().colorScale;
-    EXPECT_NE(scale.GetColor(0.3f), scale.GetColor(0.26f)) << "two colours of one band";
 }
 
 TEST_F(ViewerScene, ElementsStandOutOrAreLeftOut) {
     Model model = strip();
     model.fields.push_back({"d", FieldLocation::Cell, 1, {15, 22, 25, 5}});
-    const ShownModel all = byField(model, "c");
-    begin(all, "xy");
+    start();
     const ColorBands bands(4, {0, 1}, false);
     const NgColorLong b0 = bands.color(0), b1 = bands.color(1), b2 = bands.color(2), b3 = bands.color(3);
     const NgColorLong red = 0xFF0000FF, blue = 0xFFFF0000, none = 0;
@@ -202,22 +150,6 @@ TEST_F(ViewerScene, ElementsStandOutOrAreLeftOut) {
         }
 }
 
-TEST_F(ViewerScene, InnerFacesShowWhereASolidIsHidden) {
-    const Model beam = makeSample("cantilever:10"); // two layers along y
-    const ShownModel all = byField(beam, "S:xx");
-    const Picture whole = picture(all, inBands(8), "zx");
-    const ShownModel lower = showModel(beam, {.field = "S:xx", .elements = {.hidden = {{10, 19}}}});
-    const Picture drawn = picture(lower, inBands(8), "zx");
-    for (double x : {5.0, 45.0, 95.0}) {
-        EXPECT_TRUE(isShown(drawn, {x, 0, 2}));
-        const Picked picked = pickAt(lower, {x, 0, 2});
-        EXPECT_EQ(picked.cell, x / 10 - 0.5);
-        EXPECT_NEAR(picked.position[1], 0.0, 1e-9);
-    }
-    // The middle plane is free of bending stress; above, the clamp has the most of it.
-    EXPECT_NE(colorAt(drawn, {5, 0, 2}), colorAt(whole, {5, 0, 2}));
-}
-
 TEST_F(ViewerScene, ProgramsAndFixedFunctionGiveOnePicture) {
     const ElementSettings some = {
         .hidden = {{3, 5}}, .selected = {{7, 9}}, .colored = {{{{12, 14}}, 0xFF30C0F0}}};
@@ -238,11 +170,11 @@ TEST_F(ViewerScene, ProgramsAndFixedFunctionGiveOnePicture) {
         const ShownModel shown = showModel(makeSample(row.sample),
                                            {.field = row.field, .deformed = true, .elements = row.elements});
         for (bool perspective : {false, true}) {
-            begin(shown, row.view);
+            start();
             SetUserDefinedFastRenderingMode(1);
-            const Picture programs = picture(shown, row.scene, row.view, perspective);
+            const Picture programs = picture(shown, row.scene, {row.view, perspective});
             SetUserDefinedFastRenderingMode(0);
-            const Picture fixed = picture(shown, row.scene, row.view, perspective);
+            const Picture fixed = picture(shown, row.scene, {row.view, perspective});
             EXPECT_GT(programs.countOtherThan(kBackground), 200);
             // Lighting rounds differently, and the end of a band may fall on the next pixel.
             int apart = 0;
@@ -255,7 +187,7 @@ TEST_F(ViewerScene, ProgramsAndFixedFunctionGiveOnePicture) {
 
 TEST_F(ViewerScene, FarHugeAndTinyModelsKeepTheirShape) {
     const ShownModel plain = showModel(strip(), {});
-    const Picture expected = picture(plain, inBands(1, EdgeMode::All), "iso", true);
+    const Picture expected = picture(plain, inBands(1, EdgeMode::All), {"iso", true});
     EXPECT_GT(expected.countOtherThan(kBackground), 200);
     for (const auto& [shift, size] : {std::pair{1e9, 1.0}, {0.0, 0x1p1000}, {0.0, 0x1p-1000}}) {
         Model model = strip();
@@ -263,7 +195,7 @@ TEST_F(ViewerScene, FarHugeAndTinyModelsKeepTheirShape) {
             node = size * node + Point{shift, shift, 0};
         model.nodes.push_back({shift, 1e9 * size, 0}); // no element's
         const ShownModel shown = showModel(model, {});
-        EXPECT_TRUE(nrutest::samePicture(picture(shown, inBands(1, EdgeMode::All), "iso", true), expected))
+        EXPECT_TRUE(nrutest::samePicture(picture(shown, inBands(1, EdgeMode::All), {"iso", true}), expected))
             << "size " << size;
     }
 }
@@ -272,7 +204,7 @@ TEST_F(ViewerScene, EdgesAreUnbrokenOnFacesOfAnySlopeAndHiddenCloseBehindOne) {
     const ShownModel shown = showModel(strip(), {});
     for (const char* view : {"xy", "-1,-3,1", "5,1,2"})
         for (bool perspective : {false, true}) {
-            const Picture drawn = picture(shown, inBands(1, EdgeMode::All), view, perspective);
+            const Picture drawn = picture(shown, inBands(1, EdgeMode::All), {view, perspective});
             for (double x : {1.0, 2.0, 3.0})
                 EXPECT_TRUE(isDrawn(drawn, {x, 0, 0}, {x, 1, 0})) << view << ", x = " << x;
         }
@@ -281,7 +213,7 @@ TEST_F(ViewerScene, EdgesAreUnbrokenOnFacesOfAnySlopeAndHiddenCloseBehindOne) {
     covered.addCell(CellType::Quad, std::array<std::uint32_t, 4>{10, 11, 12, 13});
     for (bool perspective : {false, true}) {
         const ShownModel both = showModel(covered, {});
-        const Picture drawn = picture(both, inBands(1, EdgeMode::All), "1,1,2", perspective);
+        const Picture drawn = picture(both, inBands(1, EdgeMode::All), {"1,1,2", perspective});
         for (double x : {1.0, 2.0, 3.0})
             EXPECT_FALSE(isDark(colorAt(drawn, {x, 0.5, 0}))) << x;
     }
@@ -293,7 +225,7 @@ TEST_F(ViewerScene, EdgesAreUnbrokenOnFacesOfAnySlopeAndHiddenCloseBehindOne) {
 TEST_F(ViewerScene, FacesOfABoxHaveShadesOfTheirOwnAndNoneIsBlack) {
     const ShownModel shown = showModel(makeSample("cantilever:3"), {});
     for (const char* view : {"1,1,1", "-1,-1,-1", "1,-1,1"}) {
-        const Picture drawn = picture(shown, inBands(1), view);
+        const Picture drawn = picture(shown, inBands(1), {view});
         std::set<NgColorLong> shades; // of three flat faces with sharp edges, and of the background
         for (int i = 0; i < kSize * kSize; ++i)
             shades.insert(drawn.at(i % kSize, i / kSize));
@@ -302,11 +234,9 @@ TEST_F(ViewerScene, FacesOfABoxHaveShadesOfTheirOwnAndNoneIsBlack) {
 }
 
 TEST_F(ViewerScene, BeamsAndPointsShowTheirColorsAndArePicked) {
-    Model model;
-    model.nodes = {{0, 0, 0}, {4, 0, 0}, {2, 2, 0}, {0, 1, 0}, {4, 1, 0}};
-    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{0, 1});
-    model.addCell(CellType::Vertex, std::array<std::uint32_t, 1>{2});
-    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{3, 4});
+    Model model =
+        nrutest::modelOf({{0, 0, 0}, {4, 0, 0}, {2, 2, 0}, {0, 1, 0}, {4, 1, 0}},
+                         {{CellType::Line, {0, 1}}, {CellType::Vertex, {2}}, {CellType::Line, {3, 4}}});
     model.fields = {{"c", FieldLocation::Cell, 1, {1, 2, 1}}};
     const ShownModel shown = byField(model, "c");
     const Picture drawn = picture(shown, inBands(2));
@@ -366,7 +296,7 @@ TEST_F(ViewerScene, PicksWhatIsUnderThePixel) {
     };
     for (const auto& row : rows)
         for (bool perspective : {false, true}) {
-            begin(row.shown, row.view, perspective);
+            begin(row.shown, {row.view, perspective});
             const std::string text =
                 describe(row.shown, pickAt(row.shown, row.at, row.offset[0], row.offset[1]));
             EXPECT_TRUE(text.starts_with(row.start) && text.find(row.end) != text.npos)
