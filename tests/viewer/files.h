@@ -69,7 +69,7 @@ public:
         return text.str();
     }
 
-    nruview::Model read(const std::string& content, const std::string& name = "model") const {
+    nruview::Model parse(const std::string& content, const std::string& name = "model") const {
         write(name, content);
         return nruview::readModel(path(name));
     }
@@ -113,7 +113,7 @@ private:
 };
 
 inline nruview::Model readText(const std::string& content) {
-    return Folder().read(content);
+    return Folder().parse(content);
 }
 
 } // namespace nrutest

@@ -45,7 +45,7 @@ TEST(Inp, ElementTypesAreKnownByFamilyAndNumber) {
 TEST(Inp, SetsAndSectionsBecomeNodeSetsAndParts) {
     const Folder folder;
     folder.write("sub/more.inp", "2, 1.0, , 0\n");
-    const Model model = folder.read(R"(** made by hand
+    const Model model = folder.parse(R"(** made by hand
 *heading
 1, 2, three
 *Node, nset = Some

@@ -103,7 +103,7 @@ TEST(Reader, ReadsTheFilesOfACollectionAsStepsOfOneMesh) {
     const Folder folder;
     folder.write("a.vtu", kAscii);
     folder.write("b.vtu", replaced(kAscii, "-7 11 <", "-7 12 <"));
-    const Model model = folder.read(kMembers, "c.pvd");
+    const Model model = folder.parse(kMembers, "c.pvd");
     EXPECT_THAT(model.nodes.back(), ElementsAre(-1.5, -7, 11));
     ASSERT_EQ(model.fields.size(), 6u);
     EXPECT_EQ(model.fields[4].name, model.fields[1].name);

@@ -146,7 +146,7 @@ TEST(SurfaceReader, EveryFormatGivesTheSameBoxInTheFilesOrder) {
         {"a.glb", glb(boxJson(R"([{"mesh":0,"name":"one\ntwo"}])")), CellType::Triangle, "one?two"},
     };
     for (const auto& row : rows) {
-        const Model model = Folder().read(row.content, row.name);
+        const Model model = Folder().parse(row.content, row.name);
         ASSERT_EQ(model.nodes.size(), 8u) << row.name;
         EXPECT_NEAR(volumeOf(model), 30.0, 1e-12) << row.name;
         ASSERT_EQ(model.cellCount(), row.type == CellType::Quad ? 6u : 12u) << row.name;
@@ -193,9 +193,9 @@ TEST(SurfaceReader, TakesMaterialsNormalsLinesAndPolygonsOfObj) {
                              "vn 0 0 2\nvn 0 0 0\nvn nan 0 1\nusemtl red\nf 1//1 2//1 3//1 4//2 5//3 6//1\n"
                              "usemtl glass\nl 1 2 3\np 1\nf 1//1 2//1 3//1\n";
     const Folder folder;
-    EXPECT_EQ(folder.read(text, "a.obj").parts.at(0).color, std::nullopt) << "there is no material file";
+    EXPECT_EQ(folder.parse(text, "a.obj").parts.at(0).color, std::nullopt) << "there is no material file";
     folder.write("a.mtl", "newmtl red\nKd 1 0 0\nmap_Kd wood.png\nnewmtl glass\nKd 0 1 0\nd 0.25\n");
-    const Model model = folder.read(text, "a.obj");
+    const Model model = folder.parse(text, "a.obj");
     using enum CellType;
     EXPECT_THAT(model.types, ElementsAre(Polygon, Line, Line, Triangle));
     ASSERT_EQ(model.parts.size(), 2u);

@@ -1,24 +1,18 @@
 // The window under a display without a screen: its picture, and what mouse and keys do to it.
-#include <gtest/gtest.h>
-#include <png.h>
 #include <signal.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
-#include "tests/support/gltest.h"
 #include "tests/support/subprocess.h"
+#include "tests/viewer/files.h"
+#include "tests/viewer/pngfile.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using nrutest::Picture;
+using nrutest::readPng;
 
 /// An X server of the case's own.
 class Display {
@@ -50,17 +44,6 @@ private:
     std::string m_name;
 };
 
-Picture readPng(const std::string& path) {
-    png_image image{};
-    image.version = PNG_IMAGE_VERSION;
-    if (png_image_begin_read_from_file(&image, path.c_str()) == 0)
-        return {1, 1};
-    image.format = PNG_FORMAT_RGBA;
-    Picture picture(static_cast<int>(image.width), static_cast<int>(image.height));
-    png_image_finish_read(&image, nullptr, &picture.at(0, 0), 0, nullptr);
-    return picture;
-}
-
 /// The position that a pick's line tells.
 std::array<double, 3> placeIn(const std::string& text) {
     std::array<double, 3> place{};
@@ -76,22 +59,15 @@ double distance(const std::array<double, 3>& a, const std::array<double, 3>& b) 
     return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
 }
 
-class ViewerWindow : public ::testing::Test {
+class ViewerWindow : public ::testing::Test, public nrutest::Folder {
 protected:
-    void SetUp() override {
-        m_folder = fs::temp_directory_path() / ("nruview_window_" + std::to_string(getpid()));
-        fs::create_directories(m_folder);
-    }
-    void TearDown() override { fs::remove_all(m_folder); }
-
-    std::string path(const std::string& name) const { return (m_folder / name).string(); }
     /// What the commands print in a window of 480 x 360 without smoothed edges; @NAME is a file of the
     /// case's.
     std::string runScript(const std::string& commands, const std::string& extra = "") {
         std::string text = "move 5 5\n" + commands + "\nquit\n"; // the mouse asks for a window
         for (std::size_t at; (at = text.find('@')) != std::string::npos;)
-            text.replace(at, 1, m_folder.string() + "/");
-        std::ofstream(path("script.txt")) << text;
+            text.replace(at, 1, path(""));
+        write("script.txt", text);
         std::vector<std::string> command = {
             NRUVIEW_PROGRAM, "--sample", "cantilever:20", "--field",         "S:xx", "--size", "480x360",
             "--samples",     "1",        "--script",      path("script.txt")};
@@ -106,7 +82,6 @@ protected:
         return result.output;
     }
 
-    fs::path m_folder;
     Display m_display;
 };
 
@@ -114,7 +89,7 @@ protected:
 
 TEST_F(ViewerWindow, ShowsWhatIsDrawnWithoutOneAndThePanelLeavesNoTrace) {
     const std::string commands = "set deform auto\nturn 30 10\nzoom 1.5 200 200\nselect 3-9\n";
-    std::ofstream(path("common.txt")) << commands << "shot " << path("file.png") << "\n";
+    write("common.txt", commands + "shot " + path("file.png") + "\n");
     const auto drawn = nrutest::runProgram({NRUVIEW_PROGRAM, "--sample", "cantilever:20", "--field", "S:xx",
                                             "--size", "480x360", "--script", path("common.txt")});
     ASSERT_EQ(drawn.exitCode, 0) << drawn.output;

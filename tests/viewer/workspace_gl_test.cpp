@@ -1,15 +1,8 @@
 // The state behind window, panel and scripts, driven by the commands of scripts.
-#include <unistd.h>
-
-#include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "tests/support/gltest.h"
-#include "viewer/error.h"
+#include "tests/viewer/elements.h"
+#include "tests/viewer/files.h"
 #include "viewer/model/samples.h"
-#include "viewer/model/vectors.h"
 #include "viewer/scene/frame.h"
 #include "viewer/workspace/script.h"
 
@@ -17,8 +10,6 @@ using namespace nruview;
 using nrutest::Picture;
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Solids with fields of all kinds, a temperature in two steps that the second lacks at one node, a beam and
 /// a point.
@@ -53,25 +44,31 @@ Model layers() {
             model.addCell(CellType::Quad, std::array{at, at + 1, at + 2, at + 3});
         }
     model.nodes.insert(model.nodes.end(), {{0.3, 0.5, 1}, {0.7, 0.5, 1}, {0.3, 0.5, -2}, {0.7, 0.5, -2}});
-    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{32, 33});
-    model.addCell(CellType::Line, std::array<std::uint32_t, 2>{34, 35});
-    model.addCell(CellType::Vertex, std::array<std::uint32_t, 1>{34});
+    model.addCell(CellType::Line, std::array{32u, 33u});
+    model.addCell(CellType::Line, std::array{34u, 35u});
+    model.addCell(CellType::Vertex, std::array{34u});
     model.parts = {{"front", 0, 4, {}, 1.0}, {"back", 4, 7, {}, 1.0}};
     return model;
 }
 
-class Workspaces : public nrutest::GlTest, public CommandPlace {
+/// Parted by semicolons.
+std::vector<std::string> commandsOf(const std::string& text) {
+    std::vector<std::string> commands;
+    std::istringstream in(text);
+    for (std::string command; std::getline(in, command, ';');)
+        commands.push_back(command);
+    return commands;
+}
+
+class Workspaces : public nrutest::GlTest, public nrutest::Folder, public CommandPlace {
 protected:
     void SetUp() override {
         GlTest::SetUp();
         m_session.emplace();
-        m_folder = fs::temp_directory_path() / ("nruview_workspace_" + std::to_string(getpid()));
-        fs::create_directories(m_folder);
     }
     void TearDown() override {
         m_workspace.reset();
         m_session.reset();
-        fs::remove_all(m_folder);
         GlTest::TearDown();
     }
     void start(const Model& model, const char* view = "iso") {
@@ -92,17 +89,14 @@ protected:
         picture();
         return m_pictures.back();
     }
-    /// Commands parted by semicolons; the answer of the last.
+    /// The answer of the last command.
     std::string run(const std::string& commands) {
-        std::istringstream lines(commands);
         std::string answer;
-        for (std::string line; std::getline(lines, line, ';');)
-            answer = runCommand(*this, wordsOf(line));
+        for (const std::string& command : commandsOf(commands))
+            answer = runCommand(*this, wordsOf(command));
         return answer;
     }
-    std::string path(const char* name) const { return (m_folder / name).string(); }
 
-    fs::path m_folder;
     std::optional<LibrarySession> m_session;
     std::optional<Workspace> m_workspace;
     std::vector<Picture> m_pictures;
@@ -111,72 +105,25 @@ protected:
 } // namespace
 
 TEST_F(Workspaces, ChangesGiveThePictureThatAStartWithThemGives) {
+    const std::string changes =
+        "set field T; step 0; step 1; step 0;"
+        "set select 0-1,20; select none; set highlight 3; set highlight none;"
+        "set color 2,21=ff0000; set color none; hide 1,20; isolate 0-2; show all;"
+        "set field S_cell; set bands 3; set smear; set field S:xx; set smear off;"
+        "set deform auto; phase 100; phase off; set deform off;"
+        "section x:45; set field S_cell; set field S:xx; select 4; select none;"
+        "set deform auto; phase 100; phase off; section handle on; section 45,0,0:1,0.4,0.3;"
+        "section handle off; hide 4; show all; color plain; color field; section off; set deform off;"
+        "set arrows F; set arrows ''; set spheres T; step 1; markers off;"
+        "set field T; set clip x:,50; set clip none; set edges feature; set edges auto;"
+        "set opacity 0.5; set opacity 1; set field ''; set body-color 00ff00; hide 0; select 1;"
+        "select none; set body-color auto; set field T; set range 0,3;"
+        "set supports fixed; symbols off; set background 808080";
     const Model model = mixedModel();
     start(model);
     Picture before = drawn();
     EXPECT_GT(before.countOtherThan(0xFFFFFFFF), 200);
-    for (const char* command : {"set field T",
-                                "step 0",
-                                "step 1",
-                                "step 0",
-                                "set select 0-1,20",
-                                "select none",
-                                "set highlight 3",
-                                "set highlight none",
-                                "set color 2,21=ff0000",
-                                "set color none",
-                                "hide 1,20",
-                                "isolate 0-2",
-                                "show all",
-                                "set field S_cell",
-                                "set bands 3",
-                                "set smear",
-                                "set field S:xx",
-                                "set smear off",
-                                "set deform auto",
-                                "phase 100",
-                                "phase off",
-                                "set deform off",
-                                "section x:45",
-                                "set field S_cell",
-                                "set field S:xx",
-                                "select 4",
-                                "select none",
-                                "set deform auto",
-                                "phase 100",
-                                "phase off",
-                                "section handle on",
-                                "section 45,0,0:1,0.4,0.3",
-                                "section handle off",
-                                "hide 4",
-                                "show all",
-                                "color plain",
-                                "color field",
-                                "section off",
-                                "set deform off",
-                                "set arrows F",
-                                "set arrows ''",
-                                "set spheres T",
-                                "step 1",
-                                "markers off",
-                                "set field T",
-                                "set clip x:,50",
-                                "set clip none",
-                                "set edges feature",
-                                "set edges auto",
-                                "set opacity 0.5",
-                                "set opacity 1",
-                                "set field ''",
-                                "set body-color 00ff00",
-                                "hide 0",
-                                "select 1",
-                                "select none",
-                                "set body-color auto",
-                                "set field T",
-                                "set range 0,3",
-                                "set supports fixed",
-                                "symbols off",
-                                "set background 808080"}) {
+    for (const std::string& command : commandsOf(changes)) {
         run(command);
         const Picture found = drawn();
         Workspace fresh(model, m_workspace->options());
@@ -189,52 +136,40 @@ TEST_F(Workspaces, ChangesGiveThePictureThatAStartWithThemGives) {
 }
 
 TEST_F(Workspaces, WrongCommandsNameTheirPlaceAndChangeNothing) {
+    const std::pair<std::string, std::vector<std::string>> rows[] = {
+        {"set", {"field nope", "hide 999", "arrows nope", "logo missing.png", "opacity 2"}},
+        {"set", {"fixed", "nope 1", "smear maybe", "field", "bands 3 4"}},
+        {"step", {"9", "two"}},
+        {"zoom", {"0", "2 5"}},
+        {"turn", {"1"}},
+        {"view", {"q"}},
+        {"click", {"1 2 often"}},
+        {"select", {"block none"}},
+        {"box", {"1 2 3 4 sideways"}},
+        {"animate", {"3 plain.png", "3 a%d%d.png", "3 a%s.png", "0 a%d.png", "3 /nowhere/a%d.png phase"}},
+        {"phase", {"x"}},
+        {"bogus", {""}},
+        {"move", {"1 2"}},
+        {"shot", {"'a b", "/nowhere/a.png"}},
+        {"print", {"all"}},
+        {"hide", {"1-"}},
+        {"size", {"0 5"}},
+    };
     start(mixedModel());
     run("set field T; set deform auto; select 1; turn 20 10");
     const Picture before = drawn();
-    for (const char* command : {"set field nope",
-                                "set hide 999",
-                                "set pbr; set hdr missing.hdr",
-                                "step 9",
-                                "step two",
-                                "set arrows nope",
-                                "set logo missing.png",
-                                "set opacity 2",
-                                "set fixed",
-                                "set nope 1",
-                                "set smear maybe",
-                                "set field",
-                                "set bands 3 4",
-                                "zoom 0",
-                                "zoom 2 5",
-                                "turn 1",
-                                "view q",
-                                "click 1 2 often",
-                                "select block none",
-                                "box 1 2 3 4 sideways",
-                                "animate 3 plain.png",
-                                "animate 3 a%d%d.png",
-                                "animate 3 a%s.png",
-                                "animate 0 a%d.png",
-                                "animate 3 /nowhere/a%d.png phase",
-                                "phase x",
-                                "bogus",
-                                "move 1 2",
-                                "shot 'a b",
-                                "shot /nowhere/a.png",
-                                "print all",
-                                "hide 1-",
-                                "size 0 5"}) {
-        std::ofstream(path("s.txt")) << "# a comment\n\nstep 1 # another\n" << command << "\n";
-        try {
-            for (Script script(path("s.txt")); !script.isAtEnd();)
-                script.runNext(*this);
-            ADD_FAILURE() << command << " is taken";
-        } catch (const ViewerError& error) {
-            EXPECT_TRUE(std::string(error.what()).starts_with(path("s.txt") + ":4: ")) << error.what();
+    const auto runAll = [&] {
+        for (Script script(path("s.txt")); !script.isAtEnd();)
+            script.runNext(*this);
+    };
+    for (const auto& [command, wrong] : rows)
+        for (const std::string& words : wrong) {
+            SCOPED_TRACE(command + " " + words);
+            write("s.txt", "# a comment\n\nstep 1 # another\n" + command + " " + words + "\n");
+            EXPECT_THAT(runAll,
+                        testing::ThrowsMessage<ViewerError>(testing::StartsWith(path("s.txt") + ":4: ")));
+            EXPECT_TRUE(nrutest::samePicture(drawn(), before));
         }
-        EXPECT_TRUE(nrutest::samePicture(drawn(), before)) << command;
-    }
 }
 
 TEST_F(Workspaces, WhatIsUnderTheCursorStaysThere) {
@@ -301,7 +236,8 @@ TEST_F(Workspaces, AnimationsKeepColorsAndViewAndLeaveAllAsItWas) {
     m_pictures.clear();
     run("animate 4 " + path("swing-%03d.png") + " phase");
     ASSERT_EQ(m_pictures.size(), 4u);
-    EXPECT_TRUE(fs::exists(path("swing-000.png")) && fs::exists(path("swing-003.png")));
+    EXPECT_TRUE(std::filesystem::exists(path("swing-000.png")) &&
+                std::filesystem::exists(path("swing-003.png")));
     EXPECT_TRUE(nrutest::samePicture(m_pictures[1], m_pictures[3])) << "both ways through the middle";
     EXPECT_GT(nrutest::compare(m_pictures[0], m_pictures[2]).pixels, 50) << "a full swing";
     m_pictures.clear();
