@@ -17,16 +17,15 @@ using namespace nruview;
 namespace {
 
 constexpr Bounds kBox{{10.0, -2.0, 5.0}, {14.0, 1.0, 5.5}};
-constexpr double kAspect = 1.5;
 
-/// Position in the picture, from -0.5 to 0.5 in both directions, and depth 0..1.
-Point project(const Camera& camera, const Bounds& bounds, const Point& point) {
-    const ViewMatrices view = viewMatrices(camera, bounds, kAspect);
-    const GLint viewport[4] = {0, 0, 1, 1};
+/// Position in the picture, in pixels from its lower left corner, and depth 0..1.
+Point project(const Camera& camera, const Bounds& bounds, const PictureArea& area, const Point& point) {
+    const ViewMatrices view = viewMatrices(camera, bounds, area.aspect());
+    const GLint viewport[4] = {0, 0, area.width, area.height};
     Point window{};
     gluProject(point[0], point[1], point[2], view.modelView.data(), view.projection.data(), viewport,
                &window[0], &window[1], &window[2]);
-    return window - Point{0.5, 0.5, 0.0};
+    return window;
 }
 
 } // namespace
@@ -48,34 +47,45 @@ TEST(Camera, NamedViewsHaveTheirAxes) {
         EXPECT_THROW(parseView(text), ViewerError) << text;
 }
 
+// A box, which nearly fills what labels leave of the picture, a point, a flat box and a tiny line.
 TEST(Camera, FitsBoxesInEveryViewAndBothProjections) {
-    // A box, which nearly fills the picture, a point, a flat box and a tiny line.
     const Bounds boxes[] = {
         kBox, {{1, 2, 3}, {1, 2, 3}}, {{0, 0, 7}, {4, 2, 7}}, {{1e-9, 0, 0}, {3e-9, 0, 0}}};
-    for (const Bounds& box : boxes)
-        for (const char* name : {"xy", "yx", "xz", "zx", "yz", "zy", "iso", "-3,1,2", "0,1,0"})
-            for (bool perspective : {false, true}) {
-                SCOPED_TRACE(std::string(name) + (perspective ? " perspective" : ""));
-                const Camera camera = fitCamera(parseView(name), box, kAspect, perspective);
-                double reach = &box == boxes ? 0.0 : 0.45;
-                for (double x : {box.low[0], box.high[0]})
-                    for (double y : {box.low[1], box.high[1]})
-                        for (double z : {box.low[2], box.high[2]}) {
-                            const Point w = project(camera, box, {x, y, z});
-                            reach = std::max({reach, std::abs(w[0]), std::abs(w[1])});
-                            EXPECT_TRUE(w[2] > 0.0 && w[2] < 1.0) << w[2];
-                        }
-                EXPECT_TRUE(reach >= 0.45 && reach < 0.5) << reach;
-            }
+    for (const PictureArea& area : {PictureArea{150, 100}, {800, 600, 200, 40}, {300, 500, 100, 90}})
+        for (const Bounds& box : boxes)
+            for (const char* name : {"xy", "yx", "xz", "zx", "yz", "zy", "iso", "-3,1,2", "0,1,0"})
+                for (const bool perspective : {false, true}) {
+                    SCOPED_TRACE(std::string(name) + (perspective ? " perspective" : ""));
+                    const Camera camera = fitCamera(parseView(name), box, area, perspective);
+                    Bounds drawn; // pixels and depths of the corners
+                    for (unsigned i = 0; i < 8; ++i) {
+                        Point corner{};
+                        for (unsigned k = 0; k < 3; ++k)
+                            corner[k] = (i >> k & 1 ? box.high : box.low)[k];
+                        drawn.add(project(camera, box, area, corner));
+                    }
+                    const auto& [low, high] = drawn;
+                    EXPECT_TRUE(low[2] > 0.0 && high[2] < 1.0);
+                    EXPECT_TRUE(low[0] > area.left && high[0] < area.width);
+                    EXPECT_TRUE(low[1] > 0 && high[1] < area.height - area.top);
+                    if (!perspective) {
+                        EXPECT_NEAR(low[0] + high[0], area.left + area.width, 1e-6) << "in the middle";
+                        EXPECT_NEAR(low[1] + high[1], area.height - area.top, 1e-6);
+                    }
+                    const double fill = std::max((high[0] - low[0]) / (area.width - area.left),
+                                                 (high[1] - low[1]) / (area.height - area.top));
+                    EXPECT_TRUE(&box != boxes || fill > (perspective ? 0.75 : 0.9)) << fill;
+                }
 }
 
 TEST(Camera, ADragMovesTheNearSideAlong) {
-    Camera camera = fitCamera(parseView("iso"), kBox, kAspect, false);
+    Camera camera = fitCamera(parseView("iso"), kBox, 1.5, false);
     const Point front = camera.target + camera.axes.toward;
+    const auto place = [&] { return project(camera, kBox, {150, 100}, front) - Point{75, 50, 0}; };
     turnCamera(camera, 0.1, 0.0);
-    EXPECT_GT(project(camera, kBox, front)[0], 0.01);
-    EXPECT_NEAR(project(camera, kBox, front)[1], 0.0, 1e-12);
+    EXPECT_GT(place()[0], 1.0);
+    EXPECT_NEAR(place()[1], 0.0, 1e-9);
     turnCamera(camera, -0.1, 0.1);
-    EXPECT_NEAR(project(camera, kBox, front)[0], 0.0, 1e-12);
-    EXPECT_GT(project(camera, kBox, front)[1], 0.01);
+    EXPECT_NEAR(place()[0], 0.0, 1e-9);
+    EXPECT_GT(place()[1], 1.0);
 }

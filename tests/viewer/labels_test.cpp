@@ -1,8 +1,5 @@
 // Numbers, thinned labels, texts as pixels and the picture's free part: all that needs no context.
-#include <gtest/gtest.h>
-
-#include <cmath>
-
+#include "tests/viewer/elements.h"
 #include "viewer/error.h"
 #include "viewer/labels/font.h"
 #include "viewer/labels/hosttext.h"
@@ -10,9 +7,16 @@
 #include "viewer/labels/labels.h"
 #include "viewer/labels/legend.h"
 #include "viewer/model/extremes.h"
-#include "viewer/scene/camera.h"
 
 using namespace nruview;
+
+namespace {
+
+/// With a node that no element has.
+const Model kTriangle =
+    nrutest::modelOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}}, {{CellType::Triangle, {0, 1, 2}}});
+
+} // namespace
 
 TEST(LabelNumbers, AreShortAlikeInFormAndDistinct) {
     const struct {
@@ -45,7 +49,6 @@ TEST(LabelNumbers, AreShortAlikeInFormAndDistinct) {
 
 TEST(LabelledLimits, KeepBothEndsAndTheirDistance) {
     using Limits = std::vector<int>;
-    EXPECT_EQ(labelledLimits(5, 1), (Limits{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(labelledLimits(64, 7), (Limits{0, 8, 16, 24, 32, 40, 48, 56, 64}));
     EXPECT_EQ(labelledLimits(13, 2), (Limits{0, 2, 4, 6, 8, 10, 13})) << "a prime: the last one is longer";
     EXPECT_EQ(labelledLimits(7, 9), (Limits{0, 7}));
@@ -75,34 +78,28 @@ TEST(Font, MeasuresWhatItDraws) {
             EXPECT_TRUE(isInk(0) && isInk(raster.height - 1)) << "no empty rows";
         }
         EXPECT_EQ(font.extent(L"1111111").width, font.extent(L"8888888").width) << "digits stand in columns";
-        EXPECT_EQ(font.extent(L"88").width, 2 * font.extent(L"8").width);
-        EXPECT_GT(font.extent(L"g").descent, 0);
-        EXPECT_EQ(font.extent(L"H").descent, 0);
+        EXPECT_TRUE(font.extent(L"g").descent > 0 && font.extent(L"H").descent == 0);
         EXPECT_NEAR(font.extent(L"H").ascent, 0.73 * size, 1.0) << "the capitals of DejaVu Sans";
         EXPECT_TRUE(font.extent(L"").width == 0 && font.raster(L"").coverage.empty());
+        EXPECT_EQ(font.raster(L"\U0010FFFF").coverage, font.raster(L"\U0010FFFE").coverage) << "a box";
     }
     Font large(fontFile(), 40);
     EXPECT_LT(large.extent(L"AV").width, large.extent(L"A").width + large.extent(L"V").width) << "kerning";
-    EXPECT_EQ(large.raster(L"\U0010FFFF").coverage, large.raster(L"\U0010FFFE").coverage)
-        << "the missing box";
     EXPECT_THROW(Font("/no/font.ttf", 13), ViewerError);
     EXPECT_THROW(Font("/proc/self/exe", 13), ViewerError);
 }
 
 TEST(Extremes, AreThoseOfFiniteValuesThatAreDrawn) {
-    const double inf = INFINITY;
     const struct {
         std::vector<double> values;
         std::vector<std::uint32_t> smallest, largest; ///< none: all are equal
     } rows[] = {
         {{3, 1, 2, 9}, {1}, {0}}, // the last node has no element
-        {{NAN, 1, -inf, 9}, {}, {}}, {{NAN, 1, 2, 9}, {1}, {2}},   {{5, -5, 5, 9}, {1}, {0, 2}},
-        {{4, 4, 4, 9}, {}, {}},      {{NAN, NAN, NAN, 9}, {}, {}},
+        {{NAN, 1, -INFINITY, 9}, {}, {}}, {{NAN, 1, 2, 9}, {1}, {2}},   {{5, -5, 5, 9}, {1}, {0, 2}},
+        {{4, 4, 4, 9}, {}, {}},           {{NAN, NAN, NAN, 9}, {}, {}},
     };
     for (const auto& row : rows) {
-        Model model;
-        model.nodes = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}};
-        model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{0, 1, 2});
+        Model model = kTriangle;
         model.fields = {{"T", FieldLocation::Node, 1, row.values}};
         const auto found = findExtremes(showModel(model, {.field = "T"}));
         ASSERT_EQ(found.has_value(), !row.smallest.empty());
@@ -111,12 +108,10 @@ TEST(Extremes, AreThoseOfFiniteValuesThatAreDrawn) {
 }
 
 TEST(Title, NamesWhatIsShownAndKeepsBothEndsWhenShortened) {
-    Model model;
-    model.nodes = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    model.addCell(CellType::Triangle, std::array<std::uint32_t, 3>{0, 1, 2});
-    for (const char* name : {"T1", "T2", "T9", "U"})
-        model.fields.push_back({name, FieldLocation::Node, name[0] == 'U' ? 3 : 1,
-                                std::vector<double>(name[0] == 'U' ? 9 : 3, 0.5)});
+    Model model = kTriangle;
+    for (const char* name : {"T1", "T2", "T9"})
+        model.fields.push_back({name, FieldLocation::Node, 1, std::vector(4, 0.5)});
+    model.fields.push_back({"U", FieldLocation::Node, 3, std::vector(12, 0.5)});
     const auto title = [&](ShownSettings settings, std::optional<std::string> given = {}) {
         Options options;
         options.file = "/a/b.vtu";
@@ -138,38 +133,4 @@ TEST(Title, NamesWhatIsShownAndKeepsBothEndsWhenShortened) {
         EXPECT_TRUE(text.empty() ? width < 35 : text.starts_with('Z') && text.ends_with('2')) << text;
         EXPECT_EQ(text == whole, width >= textSize(whole, style).width) << width;
     }
-}
-
-TEST(PictureArea, TheModelFitsIntoWhatLabelsLeave) {
-    const Bounds box{{-1, 2, 3}, {5, 4, 8}};
-    for (const PictureArea& area : {PictureArea{800, 600, 200, 40}, {300, 500, 100, 90}})
-        for (const bool perspective : {false, true})
-            for (const char* view : {"xy", "iso", "-3,1,2"}) {
-                const Camera camera = fitCamera(parseView(view), box, area, perspective);
-                const ViewMatrices m = viewMatrices(camera, box, area.aspect());
-                double left = 1e9, right = -1e9, bottom = 1e9, top = -1e9; // of the corners, in pixels
-                for (unsigned i = 0; i < 8; ++i) {
-                    std::array<double, 4> p = {0, 0, 0, 1}, eye{}, clip{};
-                    for (int k = 0; k < 3; ++k)
-                        p[k] = (i >> k & 1 ? box.high : box.low)[k];
-                    for (int k = 0; k < 16; ++k)
-                        eye[k % 4] += m.modelView[k] * p[k / 4];
-                    for (int k = 0; k < 16; ++k)
-                        clip[k % 4] += m.projection[k] * eye[k / 4];
-                    const double x = (clip[0] / clip[3] + 1) / 2 * area.width;
-                    const double y = (clip[1] / clip[3] + 1) / 2 * area.height;
-                    left = std::min(left, x), right = std::max(right, x);
-                    bottom = std::min(bottom, y), top = std::max(top, y);
-                }
-                SCOPED_TRACE(std::string(view) + (perspective ? " perspective" : ""));
-                EXPECT_TRUE(left > area.left && right < area.width && bottom > 0);
-                EXPECT_LT(top, area.height - area.top);
-                if (!perspective) {
-                    EXPECT_NEAR(left + right, area.left + area.width, 1e-6) << "in the middle";
-                    EXPECT_NEAR(bottom + top, area.height - area.top, 1e-6);
-                }
-                const double fill = std::max((right - left) / (area.width - area.left),
-                                             (top - bottom) / (area.height - area.top));
-                EXPECT_GT(fill, perspective ? 0.75 : 0.93) << "and fills it";
-            }
 }
