@@ -35,18 +35,15 @@ struct ExodusWriter {
         dimensions["num_elem"] += connectivity.size() / nodes;
         dimensions["num_el_in_blk" + number] = connectivity.size() / nodes;
         dimensions["num_nod_per_el" + number] = nodes;
-        variables.push_back({"connect" + number,
-                             NC_INT,
-                             {"num_el_in_blk" + number, "num_nod_per_el" + number},
-                             std::move(connectivity),
-                             type});
+        whole("connect" + number, {"num_el_in_blk" + number, "num_nod_per_el" + number},
+              std::move(connectivity));
+        variables.back().elementType = type;
     }
     void points(const std::vector<std::vector<double>>& axes) {
         dimensions["num_dim"] = axes.size();
         dimensions["num_nodes"] = axes[0].size();
         for (std::size_t i = 0; i < axes.size(); ++i)
-            real(
-                std::string("coord") + "xyz" [i], { "num_nodes" }, axes[i]);
+            real(i == 0 ? "coordx" : i == 1 ? "coordy" : "coordz", {"num_nodes"}, axes[i]);
     }
 
     void write(const std::string& path, int mode = NC_CLOBBER) {
@@ -86,9 +83,9 @@ private:
             std::vector<std::size_t> first(variable.dimensions.size()), counts;
             for (const std::string& name : variable.dimensions)
                 counts.push_back(dimensions.at(name));
-            const double* values = variable.values.data();
-            if (values != nullptr) {
-                EXPECT_EQ(nc_put_vara_double(file, id, first.data(), counts.data(), values), NC_NOERR)
+            if (!variable.values.empty()) {
+                EXPECT_EQ(nc_put_vara_double(file, id, first.data(), counts.data(), variable.values.data()),
+                          NC_NOERR)
                     << variable.name;
             }
             ++id;

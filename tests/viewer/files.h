@@ -46,6 +46,26 @@ inline std::string dump(const nruview::Model& m) {
     return text;
 }
 
+/// Each part with its first cell, such as "left 0, right 4, ".
+inline std::string partsOf(const nruview::Model& model) {
+    std::ostringstream text;
+    for (const nruview::ModelPart& part : model.parts)
+        text << part.name << ' ' << part.firstCell << ", ";
+    return text.str();
+}
+
+/// Each node set with its nodes, such as "held: 0 1, loaded: 4, ".
+inline std::string setsOf(const nruview::Model& model) {
+    std::ostringstream text;
+    for (const nruview::NodeSet& set : model.nodeSets) {
+        text << set.name << ":";
+        for (const std::uint32_t node : set.nodes)
+            text << ' ' << node;
+        text << ", ";
+    }
+    return text.str();
+}
+
 /// A file and a piece of the reason that it is refused with.
 struct BadFile {
     std::string content, reason;

@@ -34,14 +34,8 @@ TEST(Gmsh, GroupsAreBlocksAndValuesFindTheirPlaces) {
     EXPECT_THAT(model.nodes.at(11), ElementsAre(2.5, 1.25, 2));
     EXPECT_EQ(model.nodeNumbers.at(11), 120);
     EXPECT_THAT(model.cellNumbers, ElementsAre(102, 101, 31, 1));
-    std::vector<std::string> parts;
-    for (const ModelPart& part : model.parts)
-        parts.push_back(part.name + " " + std::to_string(part.firstCell));
-    EXPECT_THAT(parts, ElementsAre("right 0", "left 1", "surface 3 2", "held node 3"));
-    ASSERT_EQ(model.nodeSets.size(), 1u);
-    EXPECT_EQ(model.nodeSets[0].name, "held node");
-    EXPECT_THAT(model.nodeSets[0].nodes, ElementsAre(2));
-
+    EXPECT_EQ(partsOf(model), "right 0, left 1, surface 3 2, held node 3, ");
+    EXPECT_EQ(setsOf(model), "held node: 2, ");
     ASSERT_EQ(model.fields.size(), 4u);
     const Field &first = model.fields[0], &last = model.fields[1], &pairs = model.fields[2];
     EXPECT_EQ(first.values.at(1), 1.5);
@@ -104,7 +98,8 @@ const std::string kNodes = "4\n1 0 0 0\n2 1 0 0\n3 0 1 0\n4 0 0 1\n";
 // faces.
 TEST(Gmsh, ElementsInSeveralGroupsAreThereOnce) {
     const Model model = readText(
-        mesh(kNodes, "4\n7 4 2 2 1 1 2 3 4\n8 4 2 6 1 1 2 3 4\n9 2 2 6 1 1 2 3\n9 2 4 0 1 1 3 1 2 4\n"));
+        mesh(kNodes, "5\n7 4 2 2 1 1 2 3 4\n8 4 2 6 1 1 2 3 4\n9 2 2 6 1 1 2 3\n9 2 4 0 1 1 3 1 2 4\n"
+                     "2 26 0 1 2 3 4\n"));
     EXPECT_THAT(model.types, ElementsAre(CellType::Tetra, CellType::Triangle, CellType::Triangle));
     EXPECT_THAT(model.cellNumbers, IsEmpty());
     EXPECT_EQ(model.parts.at(2).name, "surface without a group");
@@ -112,12 +107,6 @@ TEST(Gmsh, ElementsInSeveralGroupsAreThereOnce) {
     EXPECT_THAT(model.notes, ElementsAre(HasSubstr("numbers of the elements repeat"),
                                          HasSubstr("1 elements are in several groups and stand in the first: "
                                                    "volume 2, volume 6")));
-}
-
-TEST(Gmsh, OtherElementTypesAreNamedAndSkipped) {
-    const Model model = readText(mesh(kNodes, "2\n1 4 0 1 2 3 4\n2 26 0 1 2 3 4\n"));
-    EXPECT_EQ(model.cellCount(), 1u);
-    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("skipped 1 lines of 4 nodes")));
 }
 
 TEST(Gmsh, BadFilesAreRefusedInOneLineWithTheReason) {
