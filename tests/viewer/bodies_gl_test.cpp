@@ -106,24 +106,17 @@ TEST_F(ViewerBodies, FlatFacesAreLitAlikeFromEverySide) {
 }
 
 TEST_F(ViewerBodies, ShowTheColorOfTheSideThatIsSeen) {
-    for (bool physical : {false, true}) {
-        const BodySettings settings = {.physical = physical, .frontColor = kGreen, .backColor = kBlue};
-        expectMostly(middle(sheet(), settings, kFront), 'g', "front");
-        expectMostly(middle(sheet(), settings, kBehind), 'b', "back");
-        const BodySettings one = {.physical = physical, .color = kRed};
-        expectMostly(middle(sheet(kGreen), one, kBehind), 'r', "one colour for both sides");
+    for (const bool fixed : {false, true}) {
+        for (const bool physical : {false, true}) {
+            const BodySettings settings = {.physical = physical, .frontColor = kGreen, .backColor = kBlue};
+            expectMostly(middle(sheet(kRed), settings, kFront, fixed), 'g', "front");
+            expectMostly(middle(sheet(kRed), settings, kBehind, fixed), 'b', "back");
+            const BodySettings one = {.physical = physical, .color = kRed};
+            expectMostly(middle(sheet(kGreen), one, kBehind, fixed), 'r', "one colour for both sides");
+        }
+        expectMostly(middle(sheet(kGreen), {}, kFront, fixed), 'g', "colour of the part");
     }
-    expectMostly(middle(sheet(kGreen), {}, kFront), 'g', "colour of the part");
-    expectMostly(middle(sheet(kBlack), {.color = kBlue}, kFront), 'b', "in place of the part's");
-    const Rgb black = middle(sheet(kBlack), {}, kFront);
-    EXPECT_LT(black.red, 80) << "black stays black on a black background";
-}
-
-TEST_F(ViewerBodies, KeepTheirColorsWithoutPrograms) {
-    expectMostly(middle(sheet(kGreen), {}, kFront, true), 'g', "part");
-    const BodySettings settings = {.physical = true, .frontColor = kGreen, .backColor = kBlue};
-    expectMostly(middle(sheet(kRed), settings, kFront, true), 'g', "front");
-    expectMostly(middle(sheet(kRed), settings, kBehind, true), 'b', "back");
+    EXPECT_LT(middle(sheet(kBlack), {}, kFront).red, 80) << "black stays black on a black background";
 }
 
 TEST_F(ViewerBodies, LightPassesTheNearerBodiesLast) {

@@ -2,10 +2,8 @@
 #include "viewer/model/fields.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <tuple>
 
 #include "viewer/error.h"
 #include "viewer/model/numbering.h"
@@ -15,6 +13,7 @@ namespace {
 using namespace nruview;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::ThrowsMessage;
 
 constexpr auto kNode = FieldLocation::Node;
 constexpr auto kCell = FieldLocation::Cell;
@@ -24,16 +23,6 @@ Model modelOf(std::vector<Field> fields) {
     Model model;
     model.fields = std::move(fields);
     return model;
-}
-
-template <typename Call>
-std::string errorOf(Call call) {
-    try {
-        call();
-    } catch (const ViewerError& error) {
-        return error.what();
-    }
-    return "no error";
 }
 
 TEST(Fields, SelectorsGiveComponentsAndInvariants) {
@@ -114,8 +103,8 @@ TEST(Fields, FieldsOfTheModelsStepsMakeSeriesThatMayHaveGaps) {
     EXPECT_EQ(findDisplacement(model, 1), &model.fields[3]);
     EXPECT_EQ(stepText(model, model.fields[1]), "mode 3, 417 Hz");
     EXPECT_EQ(stepText(model, model.fields[4]), "");
-    EXPECT_EQ(errorOf([&] { selectScalars(model, "T", 1); }),
-              "field T: step 1 is not there; the steps are 0 2");
+    EXPECT_THAT([&] { selectScalars(model, "T", 1); },
+                ThrowsMessage<ViewerError>("field T: step 1 is not there; the steps are 0 2"));
 }
 
 TEST(Numbering, TheFilesNumbersAreWhatUsersGive) {
@@ -123,24 +112,26 @@ TEST(Numbering, TheFilesNumbersAreWhatUsersGive) {
     model.nodes.resize(5);
     model.nodeNumbers = {70, 10, 30, 20, 40};
     const auto indices = [&](const ElementList& numbers) {
-        std::vector<std::array<std::uint32_t, 2>> list;
+        std::string text;
         for (const ElementRange& range : nodeIndices(model, numbers, "--nodes"))
-            list.push_back({range.first, range.last});
-        return list;
+            text += std::to_string(range.first) + "-" + std::to_string(range.last) + " ";
+        return text;
     };
-    using Ranges = std::vector<std::array<std::uint32_t, 2>>;
-    EXPECT_EQ(indices({{10, 30}, {70, 70}}), (Ranges{{1, 1}, {3, 3}, {2, 2}, {0, 0}}));
-    EXPECT_EQ(indices({{35, 0xFFFFFFFF}}), (Ranges{{4, 4}, {0, 0}}));
-    EXPECT_EQ(errorOf([&] {
-                  indices({{41, 69}});
-              }),
-              "--nodes: there is no node 41 to 69; the model's nodes are 10 to 70");
+    EXPECT_EQ(indices({{10, 30}, {70, 70}}), "1-1 3-3 2-2 0-0 ");
+    EXPECT_EQ(indices({{35, 0xFFFFFFFF}}), "4-4 0-0 ");
+    const ElementList between = {{41, 69}};
+    EXPECT_THAT(
+        [&] { indices(between); },
+        ThrowsMessage<ViewerError>("--nodes: there is no node 41 to 69; the model's nodes are 10 to 70"));
     EXPECT_EQ(nodeNumber(model, 3), 20);
 }
 
 TEST(Fields, BadSelectorsSayWhatThereIs) {
-    // With a piece of the reason.
-    const std::tuple<const char*, std::optional<int>, const char*> rows[] = {
+    const struct {
+        const char* selector;
+        std::optional<int> step;
+        const char* reason;
+    } rows[] = {
         {"stress", {}, "field stress: not there; the model has disp (3 steps), heat (2 steps), heat"},
         {"disp:w", {}, "no component 'w'; it has 0 to 2, x y z, mag"},
         {"disp:3", {}, "no component '3'"},
@@ -149,13 +140,9 @@ TEST(Fields, BadSelectorsSayWhatThereIs) {
         {"disp", 3, "step 3 is not there; the steps are 0 to 2"},
         {"disp", -1, "step -1"},
     };
-    for (const auto& [selector, step, reason] : rows)
-        try {
-            selectScalars(kSteps, selector, step);
-            ADD_FAILURE() << selector;
-        } catch (const ViewerError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(reason));
-        }
+    for (const auto& row : rows)
+        EXPECT_THAT([&] { selectScalars(kSteps, row.selector, row.step); },
+                    ThrowsMessage<ViewerError>(HasSubstr(row.reason)));
 }
 
 } // namespace
