@@ -8,6 +8,7 @@
 #include "NRenderUtl/Texture/texturesources.h"
 #include "NRenderUtl/Texture/windowscope.h"
 #include "NRenderUtl/gl/immediate.h"
+#include "NRenderUtl/gl/pixeldisc.h"
 #include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/shaders/gllabel.h"
 #include "NRenderUtl/shaders/vertexattribute.h"
@@ -128,43 +129,16 @@ const CirclePoints& unitCircle() {
 
 // --- discs by rows -----------------------------------------------------------------------------------------
 
-/// Up to this radius the pixels of a disc are those of its polygon on any grid of 1/256 of a pixel: centres
-/// of pixels keep 1 / (4 r) away from a rim of whole radius about a corner of pixels, and the polygon strays
-/// by r / 26000 and that grid.
-constexpr int kLargestDiscOfRows = 40;
-
-/// Whether a polygon shows the pixels of which it covers the centres, and these alone.
-bool pixelsAreCentres() {
-    GLint modes[2], samples = 0;
-    glGetIntegerv(GL_POLYGON_MODE, modes);
-    if (glVersion() >= 13)
-        glGetIntegerv(GL_SAMPLES, &samples);
-    return modes[0] == GL_FILL && modes[1] == GL_FILL && samples == 0 && !glIsEnabled(GL_POLYGON_SMOOTH) &&
-           !glIsEnabled(GL_POLYGON_STIPPLE);
-}
-
-/// Half the pixels of the disc in a row of pixels, counted from its centre.
-int halfOfRow(int row, int radius) {
-    const float y = static_cast<float>(row) + 0.5f, r = static_cast<float>(radius);
-    return static_cast<int>(std::lround(std::sqrt(r * r - y * y)));
-}
-
-/// The disc of the textured circle, of units that are pixels, as rectangles of rows: far fewer corners than
-/// steps of a degree.
+/// The disc of the textured circle, of units that are pixels.
 void drawDiscByRows(int centre, int radius) {
     const auto toTexture = [&](int along) {
         return static_cast<float>(along + radius) / static_cast<float>(2 * radius);
     };
     const BeginEndInColor vertices(GL_QUADS);
-    for (int row = -radius, next = row; row < radius; row = next) {
-        const int half = halfOfRow(row, radius);
-        while (next < radius && halfOfRow(next, radius) == half)
-            ++next;
-        for (const auto& [x, y] : {std::pair{-half, row}, {half, row}, {half, next}, {-half, next}}) {
-            glTexCoord2f(toTexture(x), toTexture(y));
-            glVertex2i(centre + x, centre + y);
-        }
-    }
+    sendDiscByRows(radius, [&](int x, int y) {
+        glTexCoord2f(toTexture(x), toTexture(y));
+        glVertex2i(centre + x, centre + y);
+    });
 }
 
 /// What a border of the thickness, on both sides, leaves of a diameter.
@@ -252,10 +226,9 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     if (m_texture == 0)
         return;
     diameter = diameter > 0 ? diameter : std::min(m_width, m_height);
-    const WindowRectangle window{x, y, diameter, diameter};
+    const WindowScope window({x, y, diameter, diameter}, m_pixelFormat == GL_RGBA);
+    const PlainFragmentsGuard fragments;
     {
-        const WindowScope scope(window, m_pixelFormat == GL_RGBA);
-        const PlainFragmentsGuard fragments;
         const TexturedScope textured(m_texture);
         const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
         const bool byRows = filled / 2 <= kLargestDiscOfRows && pixelsAreCentres();
@@ -270,8 +243,6 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     glGetFloatv(GL_LINE_WIDTH, &hostsWidth);
     ngl_set_line_width(info.borderThickness);
     {
-        const WindowScope scope(window, m_pixelFormat == GL_RGBA);
-        const PlainFragmentsGuard fragments;
         const DisabledGuard whole({GL_LINE_STIPPLE, GL_LINE_SMOOTH});
         DrawCircle(diameter / 2, within(diameter, info.borderThickness) / 2, false);
     }

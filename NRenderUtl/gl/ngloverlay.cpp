@@ -1,4 +1,5 @@
 // Polygons, lines and circles in window pixels, on top of the scene or at the depth of a model point.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -6,6 +7,7 @@
 #include "NRenderUtl/gl/immediate.h"
 #include "NRenderUtl/gl/nglproject.h"
 #include "NRenderUtl/gl/nglrecord.h"
+#include "NRenderUtl/gl/pixeldisc.h"
 #include "NRenderUtl/gl/stateguards.h"
 
 namespace {
@@ -47,12 +49,9 @@ void emitPairs(GLenum primitive, int count, const _NgPoint2Str* points, double z
     }
 }
 
-} // namespace
-
-int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled, bool translucent,
-                            const _NgPoint3Str* depthAt) {
-    if (!points)
-        return 0;
+/// A shape that send(z) draws in a view of one unit a pixel.
+template <class Send>
+void drawOnScreen(bool translucent, const _NgPoint3Str* depthAt, const Send& send) {
     std::optional<NoDepthTestGuard> onTop;
     if (!depthAt)
         onTop.emplace();
@@ -60,13 +59,56 @@ int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled, 
     const PixelViewGuard pixels;
     const NoProgramGuard fixed;
     std::optional<AddingGuard> adds;
-    if (filled && translucent) {
+    if (translucent) {
         adds.emplace();
         beginTranslucency();
     }
-    emitPairs(filled ? GL_POLYGON : GL_LINES, count, points, z);
-    if (filled && translucent)
+    send(z);
+    if (translucent)
         endTranslucency();
+}
+
+// --- circles -----------------------------------------------------------------------------------------------
+
+using CirclePoints = std::array<_NgPoint2Str, kCircleSteps + 1>;
+
+/// Cosine and sine in steps of a degree, from 0 to 360.
+const CirclePoints& unitCircle() {
+    static const CirclePoints points = [] {
+        CirclePoints made;
+        for (int i = 0; i <= kCircleSteps; ++i)
+            made[static_cast<std::size_t>(i)] = {std::cos(i * kRadPerDeg), std::sin(i * kRadPerDeg)};
+        return made;
+    }();
+    return points;
+}
+
+bool isWhole(double value, double largest) {
+    return std::abs(value) <= largest && value == std::trunc(value);
+}
+
+/// Whether the disc is one of whole pixels, where the view's units are pixels.
+bool hasWholePixels(const _NgPoint2Str& center, double radius) {
+    constexpr double kLargestWindow = 16384;
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    return viewport[0] == 0 && viewport[1] == 0 && isWhole(radius, kLargestDiscOfRows) &&
+           isWhole(center.x, kLargestWindow) && isWhole(center.y, kLargestWindow) && pixelsAreCentres();
+}
+
+void drawDiscByRows(const _NgPoint2Str& center, int radius, double z) {
+    const BeginEndInColor vertices(GL_QUADS);
+    sendDiscByRows(radius, [&](int x, int y) { glVertex3d(center.x + x, center.y + y, z); });
+}
+
+} // namespace
+
+int ngl_draw_poly_on_screen(int count, const _NgPoint2Str* points, bool filled, bool translucent,
+                            const _NgPoint3Str* depthAt) {
+    if (!points)
+        return 0;
+    drawOnScreen(filled && translucent, depthAt,
+                 [&](double z) { emitPairs(filled ? GL_POLYGON : GL_LINES, count, points, z); });
     return 0;
 }
 
@@ -80,10 +122,15 @@ int ngl_draw_circle_on_screen(const _NgPoint2Str* center, float radius, bool fil
                               const _NgPoint3Str* depthAt) {
     if (!center)
         return 0;
-    std::array<_NgPoint2Str, kCircleSteps + 1> points;
-    for (int i = 0; i <= kCircleSteps; ++i) {
-        const double angle = i * kRadPerDeg, r = std::abs(radius);
-        points[i] = {center->x + r * std::cos(angle), center->y + r * std::sin(angle)};
+    const double r = std::abs(radius);
+    if (filled && hasWholePixels(*center, r)) {
+        drawOnScreen(translucent, depthAt,
+                     [&](double z) { drawDiscByRows(*center, static_cast<int>(r), z); });
+        return 0;
     }
+    CirclePoints points;
+    std::ranges::transform(unitCircle(), points.begin(), [&](const _NgPoint2Str& unit) {
+        return _NgPoint2Str{center->x + r * unit.x, center->y + r * unit.y};
+    });
     return ngl_draw_poly_on_screen(kCircleSteps + 1, points.data(), filled, translucent, depthAt);
 }

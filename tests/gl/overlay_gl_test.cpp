@@ -58,6 +58,26 @@ TEST_F(Overlay, ShapesHaveTheirPixels) {
     expectChain([&] { ngl_draw_circle_on_screen(&center, -20.25f, false, false, &at); }, circle);
 }
 
+TEST_F(Overlay, CirclesShowThePixelsOfTheirPolygons) {
+    const _NgPoint2Str centers[] = {{32, 32}, {20, 41}, {0, 3}, {32.5, 30}};
+    for (int row = 0; row < 4 * 41; ++row) {
+        const _NgPoint2Str center = centers[row % 4];
+        const int radius = row / 4 + 1;
+        std::vector<_NgPoint2Str> rim;
+        for (int deg = 0; deg <= 360; ++deg)
+            rim.push_back({center.x + radius * std::cos(deg * M_PI / 180),
+                           center.y + radius * std::sin(deg * M_PI / 180)});
+        glPolygonMode(GL_FRONT_AND_BACK, radius == 9 ? GL_LINE : GL_FILL); // of the host
+        clear();
+        ngl_draw_circle_on_screen(&center, static_cast<float>(radius), true, true, nullptr);
+        const Picture circle = read();
+        clear();
+        ngl_draw_poly_on_screen(361, rim.data(), true, true, nullptr);
+        EXPECT_TRUE(samePicture(circle, read())) << center.x << ", " << center.y << " radius " << radius;
+        EXPECT_GT(circle.countOtherThan(kClear), 0);
+    }
+}
+
 TEST_F(Overlay, LieAtTheDepthOfTheReferenceOrOnTop) {
     const struct {
         double x;          ///< of the reference; its window depth w is (1 + x) / 2
