@@ -48,7 +48,7 @@ struct WindowRectangle {
 /// matrix mode go with the scope.
 class WindowScope {
 public:
-    WindowScope(const WindowRectangle& window, bool translucent) : m_projection(window) {
+    WindowScope(const WindowRectangle& window, bool translucent) : m_view(Pixels(window).matrix, kIdentity) {
         if (translucent)
             m_translucency.emplace();
         glViewport(window.x, window.y, window.width, window.height);
@@ -57,20 +57,17 @@ public:
 private:
     struct Pixels {
         explicit Pixels(const WindowRectangle& window)
-            : matrix{2.0 / window.width, 0, 0, 0, 0, 2.0 / window.height, 0, 0, 0, 0, -1, 0, -1, -1, 0, 1},
-              guard(GL_PROJECTION, matrix) {}
+            : matrix{2.0 / window.width, 0, 0, 0, 0, 2.0 / window.height, 0, 0, 0, 0, -1, 0, -1, -1, 0, 1} {}
         const double matrix[16];
-        const MatrixGuard guard;
     };
     static constexpr double kIdentity[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
-    const CurrentStateGuard m_current;
-    const AttributesGuard m_groups{GL_TRANSFORM_BIT | GL_VIEWPORT_BIT | GL_DEPTH_BUFFER_BIT};
+    const TexCoordGuard m_coordinate;
+    const AttributesGuard m_viewports{GL_VIEWPORT_BIT};
     const NoDepthTestGuard m_onTop;
     const LightingGuard m_unlit{false};
     const DisabledGuard m_asTheyAre{GL_ALPHA_TEST, GL_COLOR_LOGIC_OP};
     const NoProgramGuard m_fixedFunction;
     std::optional<TranslucencyGuard> m_translucency;
-    const Pixels m_projection;
-    const MatrixGuard m_modelView{GL_MODELVIEW, kIdentity};
+    const ViewGuard m_view;
 };

@@ -54,30 +54,49 @@ private:
     GLint m_shadeModel, m_twoSide;
 };
 
-/// Keeps the matrix mode, and the current normal and texture coordinate of unit 0, which sending vertices
-/// changes.
-class CurrentStateGuard {
+/// Keeps the matrix mode.
+class MatrixModeGuard {
 public:
-    CurrentStateGuard() {
-        glGetIntegerv(GL_MATRIX_MODE, &m_matrixMode);
-        glGetFloatv(GL_CURRENT_NORMAL, m_normal);
+    MatrixModeGuard() { glGetIntegerv(GL_MATRIX_MODE, &m_mode); }
+    ~MatrixModeGuard() { glMatrixMode(static_cast<GLenum>(m_mode)); }
+    MatrixModeGuard(const MatrixModeGuard&) = delete;
+    MatrixModeGuard& operator=(const MatrixModeGuard&) = delete;
+
+private:
+    GLint m_mode;
+};
+
+/// Keeps the current texture coordinate of unit 0.
+class TexCoordGuard {
+public:
+    TexCoordGuard() {
         GLint unit;
         glGetIntegerv(GL_ACTIVE_TEXTURE, &unit);
         glActiveTexture(GL_TEXTURE0);
         glGetFloatv(GL_CURRENT_TEXTURE_COORDS, m_texCoord);
         glActiveTexture(static_cast<GLenum>(unit));
     }
-    ~CurrentStateGuard() {
-        glMatrixMode(static_cast<GLenum>(m_matrixMode));
-        glNormal3fv(m_normal);
-        glTexCoord4fv(m_texCoord);
-    }
+    ~TexCoordGuard() { glTexCoord4fv(m_texCoord); }
+    TexCoordGuard(const TexCoordGuard&) = delete;
+    TexCoordGuard& operator=(const TexCoordGuard&) = delete;
+
+private:
+    GLfloat m_texCoord[4];
+};
+
+/// Keeps the matrix mode, and the current normal and texture coordinate of unit 0, which sending vertices
+/// changes.
+class CurrentStateGuard {
+public:
+    CurrentStateGuard() { glGetFloatv(GL_CURRENT_NORMAL, m_normal); }
+    ~CurrentStateGuard() { glNormal3fv(m_normal); }
     CurrentStateGuard(const CurrentStateGuard&) = delete;
     CurrentStateGuard& operator=(const CurrentStateGuard&) = delete;
 
 private:
-    GLint m_matrixMode;
-    GLfloat m_normal[3], m_texCoord[4];
+    const MatrixModeGuard m_mode;
+    const TexCoordGuard m_coordinate;
+    GLfloat m_normal[3];
 };
 
 /// Client memory as the only source of vertices: no vertex array object, no buffers, all arrays off, unit 0.
@@ -219,18 +238,6 @@ private:
     GLint m_color = GL_FUNC_ADD, m_alpha = GL_FUNC_ADD;
 };
 
-/// Keeps the matrix mode.
-class MatrixModeGuard {
-public:
-    MatrixModeGuard() { glGetIntegerv(GL_MATRIX_MODE, &m_mode); }
-    ~MatrixModeGuard() { glMatrixMode(static_cast<GLenum>(m_mode)); }
-    MatrixModeGuard(const MatrixModeGuard&) = delete;
-    MatrixModeGuard& operator=(const MatrixModeGuard&) = delete;
-
-private:
-    GLint m_mode;
-};
-
 /// A view of one unit a pixel, y upward.
 class PixelViewGuard {
 public:
@@ -272,6 +279,29 @@ private:
     }
     const GLenum m_mode;
     GLdouble m_matrix[16];
+};
+
+/// Replaces projection and model-view, outside their stacks, which may be full, and keeps the matrix mode.
+class ViewGuard {
+public:
+    ViewGuard(const double projection[16], const double modelView[16]) {
+        glGetDoublev(GL_PROJECTION_MATRIX, m_projection);
+        glGetDoublev(GL_MODELVIEW_MATRIX, m_modelView);
+        load(projection, modelView);
+    }
+    ~ViewGuard() { load(m_projection, m_modelView); }
+    ViewGuard(const ViewGuard&) = delete;
+    ViewGuard& operator=(const ViewGuard&) = delete;
+
+private:
+    static void load(const double* projection, const double* modelView) {
+        glMatrixMode(GL_PROJECTION);
+        glLoadMatrixd(projection);
+        glMatrixMode(GL_MODELVIEW);
+        glLoadMatrixd(modelView);
+    }
+    const MatrixModeGuard m_mode;
+    GLdouble m_projection[16], m_modelView[16];
 };
 
 /// The active texture unit without a sampler object, which would override the texture's own parameters.
