@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "NRenderUtl/host/hostgl.h"
+#include "NRenderUtl/markers/markerdiscs.h"
 #include "NRenderUtl/markers/markerinstances.h"
 #include "NRenderUtl/markers/markerprograms.h"
 #include "NRenderUtl/markers/markerrays.h"
@@ -119,11 +120,25 @@ private:
         static std::vector<std::size_t> left; // memory that is kept from call to call
         left.resize(m_markers.count);
         std::iota(left.begin(), left.end(), std::size_t{0});
+        if (rays && MarkerDiscs::areFor(shape, window, m_markers) && !drawDiscs(shape, window, left))
+            return false;
+        if (left.empty())
+            return true;
         if (rays && window.scalesByDepth() && !drawRays(shape, window, true, left))
             return false;
         if (rays && !left.empty() && !drawRays(shape, window, false, left))
             return false;
         return left.empty() || drawTriangles(shape, window, left);
+    }
+
+    /// Leaves the numbers of the spheres that are to be drawn in other ways.
+    bool drawDiscs(const MarkerShape& shape, const MarkerWindow& window, std::vector<std::size_t>& left) {
+        NShaderProgram* program = useMarkerProgram(MarkerProgramKind::SphereDiscs, false);
+        if (!program)
+            return false;
+        MarkerDiscs drawn(*program, window, shape, m_markers);
+        std::erase_if(left, [&](std::size_t i) { return drawn.add(i); });
+        return true;
     }
 
     /// Leaves the numbers of the markers that are to be drawn in other ways.

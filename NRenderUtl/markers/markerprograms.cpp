@@ -59,7 +59,8 @@ Variant variantOf(MarkerProgramKind kind, bool contoured) {
     return variant;
 }
 
-void sendPlainLight(NShaderProgram& program) {
+void sendPlainly(NShaderProgram& program) {
+    setSectionView(program);
     MarkerSection section = markerSection(); // programs take pointers to what they only read
     NglLightParams& light = section.lights[onlyLight()];
     float emission[4];
@@ -94,6 +95,9 @@ void build(ComposedProgram& program, const Variant& variant) {
     case MarkerProgramKind::Triangles:
         program.buildMarkerTriangles(changes);
         break;
+    case MarkerProgramKind::SphereDiscs:
+        program.buildMarkerDiscs(changes);
+        break;
     default:
         if (variant.kind == MarkerProgramKind::SphereRays ||
             variant.kind == MarkerProgramKind::SphereRaysByDepth)
@@ -119,9 +123,7 @@ NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured) {
         return nullptr;
     entry.program.UseProgram(true);
     if (std::exchange(entry.section, markerSection().number) != markerSection().number) {
-        setSectionUniforms(entry.program);
-        if (variant.plain)
-            sendPlainLight(entry.program);
+        variant.plain ? sendPlainly(entry.program) : setSectionUniforms(entry.program);
     }
     setBlendingUniforms(entry.program);
     return &entry.program;

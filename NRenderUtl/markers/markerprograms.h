@@ -11,7 +11,8 @@ enum class MarkerProgramKind {
     CylinderRays,
     SphereRays,
     CylinderRaysByDepth,
-    SphereRaysByDepth
+    SphereRaysByDepth,
+    SphereDiscs
 };
 
 /// The program of a kind, in use and with what the section has sent; null where the driver refuses it. Built

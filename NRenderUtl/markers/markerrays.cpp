@@ -11,9 +11,6 @@
 namespace {
 
 constexpr std::size_t kMostVertices = 65536; // of one draw
-constexpr float kTolerance = 0.5f;           // pixels
-constexpr float kMargin = 1.0f / 16;         // pixels about an outline, for the rounding of its corners
-constexpr float kLargestSphere = 60;         // pixels, as a point: the least size that drivers allow
 constexpr float kLargestCylinder = 8;        // as a point: longer ones leave most of its square empty
 constexpr float kSame = 1e-5f;               // lengths of one size, as a share
 
@@ -54,7 +51,7 @@ Range extent(const Homogeneous& middle, const std::array<Homogeneous, Count>& ra
         c -= along(radius) * along(radius);
     }
     const float root = std::sqrt(std::max(0.0f, b * b - a * c));
-    return {(b - root) / a - kMargin, (b + root) / a + kMargin};
+    return {(b - root) / a - kOutlineMargin, (b + root) / a + kOutlineMargin};
 }
 
 /// A rectangle of the window about its middle: along (dx, dy) and square to it.
@@ -111,13 +108,12 @@ std::array<std::array<float, 3>, 4> corners(const MarkerWindow& window, const Ou
     return corners;
 }
 
-/// How far the outline of the triangles is within that of the round shape, at most, by its radius.
+} // namespace
+
 float deficitOf(const MarkerShape& shape) {
     const float chord = 1 - std::cos(std::numbers::pi_v<float> / static_cast<float>(shape.sliceCount));
     return shape.isSphere() ? 2 * chord : chord; // of slices and of stacks
 }
-
-} // namespace
 
 PointGuard::PointGuard()
     : m_sized(glIsEnabled(GL_PROGRAM_POINT_SIZE)), m_sprites(glIsEnabled(GL_POINT_SPRITE)),
@@ -179,7 +175,7 @@ bool MarkerRays::fits(const Matrix4& eye) const {
         return false;
     const bool sphere = m_shape.isSphere();
     const float pixels = m_window.pixels(m_shape, eye, 1), radius = pixels * (sphere ? x / 2 : x);
-    if (radius * m_deficit / 2 > kTolerance)
+    if (radius * m_deficit / 2 > kOutlineTolerance)
         return false;
     if (!m_points)
         return true;
@@ -187,7 +183,7 @@ bool MarkerRays::fits(const Matrix4& eye) const {
     const std::array<float, 3> middle = middleOf(m_shape, eye);
     const Homogeneous at = project(m_window, middle[0], middle[1], middle[2], 1);
     return std::fabs(at[0]) < at[2] * m_window.scale()[0] && std::fabs(at[1]) < at[2] * m_window.scale()[1] &&
-           (sphere ? 2 * radius <= kLargestSphere : pixels * z + 2 * radius <= kLargestCylinder);
+           (sphere ? 2 * radius <= kLargestPointSphere : pixels * z + 2 * radius <= kLargestCylinder);
 }
 
 void MarkerRays::add(const Matrix4& eye, const MarkerLook& look) {

@@ -7,6 +7,13 @@
 #include "NRenderUtl/markers/markerstream.h"
 #include "NRenderUtl/markers/markerwindow.h"
 
+constexpr float kOutlineTolerance = 0.5f;   // pixels
+constexpr float kOutlineMargin = 1.0f / 16; // pixels about an outline, for the rounding of its corners
+constexpr float kLargestPointSphere = 60;   // pixels: the least size of points that drivers allow
+
+/// How far the outline of the triangles is within that of the round shape, at most, by its radius.
+float deficitOf(const MarkerShape& shape);
+
 /// Points are as they are: no circles, of the sizes of the program.
 class PointGuard {
 public:

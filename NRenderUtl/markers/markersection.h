@@ -17,8 +17,9 @@ struct MarkerSection {
 const MarkerSection& markerSection();
 /// Whether a program draws in colours alone.
 bool drawsColorsAlone(const NShaderProgram& program);
-/// Sends the section to the program in use.
+/// Sends the section to the program in use, or its view alone.
 void setSectionUniforms(NShaderProgram& program);
+void setSectionView(NShaderProgram& program);
 void setBlendingUniforms(NShaderProgram& program);
 
 /// The renderer of the open section if it has shapes of the kind, or none; else null, with a diagnostic.

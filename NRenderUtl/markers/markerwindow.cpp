@@ -112,6 +112,8 @@ void MarkerWindow::readPlanes(bool clipped) {
         m_cutting[m_cuttingCount++] = {static_cast<float>(p[0]), static_cast<float>(p[1]),
                                        static_cast<float>(p[2]), static_cast<float>(p[3])};
     }
+    for (std::size_t i = 0; i < m_cuttingCount; ++i)
+        m_cuttingSteps[i] = std::hypot(m_cutting[i][0], m_cutting[i][1], m_cutting[i][2]);
 }
 
 void MarkerWindow::readViewpoint() {
@@ -138,6 +140,24 @@ void MarkerWindow::readState() {
     m_onlyCentres = fillsByCentre();
     m_onlyFronts = m_onlyCentres && nearestWins();
     m_rays = m_rays && m_onlyFronts;
+}
+
+bool MarkerWindow::scalesAlike() const {
+    return m_byDepth && m_viewpoint[3] == 0 && m_projection[11] == 0 && m_projection[15] > 0;
+}
+
+bool MarkerWindow::holdsBall(const std::array<float, 3>& middle, float radius) const {
+    const auto& [x, y, z] = middle;
+    const auto distance = [&](const Plane4& p) { return p[0] * x + p[1] * y + p[2] * z + p[3]; };
+    for (const Plane4& side : m_sides)
+        if (!(distance(side) > 0))
+            return false;
+    for (std::size_t i = 0; i < m_cuttingCount; ++i) {
+        const float d = distance(m_cutting[i]);
+        if (!(d - radius * m_cuttingSteps[i] > kRounding * d))
+            return false;
+    }
+    return true;
 }
 
 MarkerExtent MarkerWindow::extent(const MarkerShape& shape, const Matrix4& eye) const {

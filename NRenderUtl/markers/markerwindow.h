@@ -40,6 +40,11 @@ public:
     /// Whether all that has one depth has one scale, too, and rays spread from the middle of eye space.
     bool scalesByDepth() const { return m_byDepth; }
 
+    /// Whether that scale is one for all depths: the view is parallel.
+    bool scalesAlike() const;
+    /// Whether no plane cuts a ball in eye space and its middle is in the window.
+    bool holdsBall(const std::array<float, 3>& middle, float radius) const;
+
     /// eye places the shape in eye space.
     MarkerExtent extent(const MarkerShape& shape, const Matrix4& eye) const;
     /// Pixels of a length in eye space at a marker, at most.
@@ -52,7 +57,8 @@ private:
 
     Matrix4 m_modelView, m_projection, m_unprojection;
     std::array<float, 2> m_scale, m_offset;
-    std::array<Plane4, 2 + 32> m_cutting; ///< near, far, and those of the user
+    std::array<Plane4, 2 + 32> m_cutting;     ///< near, far, and those of the user
+    std::array<float, 2 + 32> m_cuttingSteps; ///< lengths of their normals
     std::size_t m_cuttingCount = 0;
     std::array<Plane4, 4> m_sides;
     bool m_onlyFronts = false, m_onlyCentres = false, m_rays = false, m_byDepth = false;

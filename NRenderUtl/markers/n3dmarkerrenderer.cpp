@@ -152,14 +152,19 @@ bool drawsColorsAlone(const NShaderProgram& program) {
     return state().forColors && &program == *state().forColors;
 }
 
-void setSectionUniforms(NShaderProgram& program) {
+void setSectionView(NShaderProgram& program) {
     MarkerSection& section = state().section;
     program.SetMVPMatrices(section.projection, section.modelView, false);
     program.SetUniform4x4Matrix(RenderUniformTextureMatrix, section.textureMatrix);
+    program.SetUniformValue(RenderUniformClipped, section.clipped);
+}
+
+void setSectionUniforms(NShaderProgram& program) {
+    MarkerSection& section = state().section;
+    setSectionView(program);
     program.SetUniformValue(RenderUniformContourTexture, 0);
     program.SetMateiralUniforms(&section.frontMaterial, &section.backMaterial);
     program.SetLightUniforms(static_cast<int>(std::size(section.lights)), section.lights);
-    program.SetUniformValue(RenderUniformClipped, section.clipped);
 }
 
 void setBlendingUniforms(NShaderProgram& program) {

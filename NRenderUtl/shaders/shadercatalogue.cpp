@@ -243,6 +243,15 @@ bool ComposedProgram::buildMarkerRays(SourceChanges changes) {
                    std::move(changes));
 }
 
+bool ComposedProgram::buildMarkerDiscs(SourceChanges changes) {
+    return compose({"NRenderUtl marker discs",
+                    {kMarkerDiscsVertexMain},
+                    {},
+                    {kMarkerDiscsFragmentMain, kLightingLibrary},
+                    0},
+                   std::move(changes));
+}
+
 bool ComposedProgram::compose(ProgramComposition composition, SourceChanges changes) {
     if (changes.block) {
         composition.fragment = withBlock(composition.fragment);

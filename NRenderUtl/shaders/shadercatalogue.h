@@ -35,6 +35,8 @@ public:
     bool buildMarkerTriangles(SourceChanges changes = {});
     /// From those of the markers that rays find: define SPHERES for spheres, else cylinders.
     bool buildMarkerRays(SourceChanges changes = {});
+    /// The same for spheres in parallel views.
+    bool buildMarkerDiscs(SourceChanges changes = {});
 
 private:
     bool compose(ProgramComposition composition, SourceChanges changes);

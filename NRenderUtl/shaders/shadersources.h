@@ -19,6 +19,8 @@ extern const char* const kMarkerFragmentMain;        // marker.frag.glsl
 extern const char* const kMarkerTrianglesVertexMain; // markertriangles.vert.glsl
 extern const char* const kMarkerRaysVertexMain;      // markerrays.vert.glsl
 extern const char* const kMarkerRaysFragmentMain;    // markerrays.frag.glsl
+extern const char* const kMarkerDiscsVertexMain;     // markerdiscs.vert.glsl
+extern const char* const kMarkerDiscsFragmentMain;   // markerdiscs.frag.glsl
 extern const char* const kProbeVertexMain;           // probe.vert.glsl
 extern const char* const kProbeFragmentMain;         // probe.frag.glsl
 extern const char* const kLightingLibrary;           // lighting.glsl

@@ -346,8 +346,9 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
         m.exact = false;
         float view[16];
         glGetFloatv(GL_MODELVIEW_MATRIX, view);
+        const float size = std::hypot(view[0], view[1], view[2]);
         const int side = std::clamp(static_cast<int>(kSide / (1.6f * pixels)), 1, 12);
-        const float unit = 4.f / kSide;
+        const float unit = 4.f / kSide / size;
         for (int i = 0; i < side * side; ++i) {
             std::array<float, 3> d = {normal(random), normal(random), normal(random)};
             const float scale = pixels * unit / std::hypot(d[0], d[1], d[2]);
@@ -356,8 +357,8 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
             std::array<float, 3> start;
             for (std::size_t k = 0; k < 3; ++k) {
                 d[k] *= scale;
-                start[k] =
-                    view[4 * k] * x + view[4 * k + 1] * y + view[4 * k + 2] * z - (spheres ? 0 : d[k] / 2);
+                start[k] = (view[4 * k] * x + view[4 * k + 1] * y + view[4 * k + 2] * z) / (size * size) -
+                           (spheres ? 0 : d[k] / 2);
             }
             m.starts.push_back({start[0], start[1], start[2]});
             const float diameter = pixels * unit;
@@ -372,12 +373,15 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
         return m;
     };
     for (const auto type : {kCylinder, kSphere})
-        for (const char* state :
-             {"ortho", "perspective", "ortho clipped", "perspective clipped", "ortho values"})
+        for (const char* state : {"ortho", "perspective", "ortho clipped", "perspective clipped",
+                                  "ortho values", "ortho enlarged in part of the depth"})
             for (const float pixels :
                  {2.f, 3.f, 5.f, 8.f, 13.f, 21.f, 34.f, 55.f, 90.f, 150.f, 240.f, 400.f}) {
                 const auto has = [&](const char* word) { return std::strstr(state, word) != nullptr; };
                 setView(has("perspective"));
+                if (has("enlarged"))
+                    glScalef(3, 3, 3);
+                glDepthRange(has("part") ? .2 : 0, has("part") ? .7 : 1);
                 has("clipped") ? glEnable(GL_CLIP_PLANE0) : glDisable(GL_CLIP_PLANE0);
                 RenderBegin3DMarkerDraw(type, kSmooth, false);
                 RenderClip3DMarkerDraw(has("clipped"));
@@ -412,6 +416,7 @@ TEST_F(MarkerArrays, OthersLookAsSingleCallsWithinAPixel) {
 TEST_F(MarkerArrays, ALightThatDoesNotFadeIsOneThatHardlyFades) {
     _NglInfoStr& info = *NglGetNglInfo();
     info.frontMaterial = info.backMaterial = {{.05f, .1f, 0, .5f}, {}, {}, {0, 0, 0, 1}, 20};
+    std::copy_n(std::array{1.0f, 1.5f, 2.0f}.data(), 3, info.lights[2].position); // near
     ngl_set_blending_value(100);
     for (const bool gpu : {false, true}) {
         if (gpu)

@@ -20,10 +20,12 @@ in VertexData {
 
 #ifdef PLAIN_LIGHT
 
-vec3 plainlyLit(vec3 even, vec3 facing, vec3 position, vec3 normal);
+vec3 toLight(vec3 position);
+vec3 plainlyLit(vec3 even, vec3 facing, vec3 toLight, vec3 normal);
 
 void main() {
-    gl_FragColor = vec4(plainlyLit(VertexIn.even.rgb, VertexIn.facing, VertexIn.position, VertexIn.normal),
+    vec3 direction = toLight(VertexIn.position);
+    gl_FragColor = vec4(plainlyLit(VertexIn.even.rgb, VertexIn.facing, direction, VertexIn.normal),
                         VertexIn.even.a);
 }
 

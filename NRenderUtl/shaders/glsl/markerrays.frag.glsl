@@ -31,7 +31,8 @@ in RayData {
 uniform sampler2D g_ctt;
 
 #ifdef PLAIN_LIGHT
-vec3 plainlyLit(vec3 even, vec3 facing, vec3 position, vec3 normal);
+vec3 toLight(vec3 position);
+vec3 plainlyLit(vec3 even, vec3 facing, vec3 toLight, vec3 normal);
 #else
 vec4 computeFragmentColorStandard(vec3 position, vec3 normal, vec4 color);
 #endif
@@ -91,7 +92,7 @@ void main() {
     float step = hit.t * gl_FragCoord.w;
     gl_FragDepth = (gl_FragCoord.z + step * RayIn.along.w) / (1.0 + step * RayIn.through.w);
 #ifdef PLAIN_LIGHT
-    vec4 color = vec4(plainlyLit(RayIn.even, RayIn.facing, position, hit.normal), 1.0);
+    vec4 color = vec4(plainlyLit(RayIn.even, RayIn.facing, toLight(position), hit.normal), 1.0);
 #elif defined(VALUES_BY_MARKER)
     bool values = RayIn.values == 1.0;
     vec4 base = values ? vec4(1.0) : RayIn.color;

@@ -18,9 +18,12 @@ vec3 facingColor(vec3 color) {
     return g_lightdiffuse.rgb * kDiffuseScale * color;
 }
 
-// Both sides lit; normal of any length.
-vec3 plainlyLit(vec3 even, vec3 facing, vec3 position, vec3 normal) {
-    vec3 toLight = g_lightposition.xyz - position;
+vec3 toLight(vec3 position) {
+    return g_lightposition.xyz - position;
+}
+
+// Both sides lit; directions of any length.
+vec3 plainlyLit(vec3 even, vec3 facing, vec3 toLight, vec3 normal) {
     float cosLight = dot(normal, toLight) * inversesqrt(dot(normal, normal) * dot(toLight, toLight));
     return clamp(even + facing * abs(cosLight), 0.0, 1.0);
 }
