@@ -38,6 +38,12 @@ MeshRendererBlock::Texels lightDirections(const NglLightParams (&lights)[8]) {
     return texels;
 }
 
+/// A byte each for red, green and blue.
+int codeOf(const float* rgb) {
+    const auto byte = [](float channel) { return static_cast<int>(channel * 255 + 0.5f); };
+    return byte(rgb[0]) | byte(rgb[1]) << 8 | byte(rgb[2]) << 16;
+}
+
 MeshRendererBlock::Texels classicTexels(const BlockLighting& lighting) {
     MeshRendererBlock::Texels texels;
     putLighting(lighting, kindsOfLights(lighting), texels);
@@ -141,4 +147,10 @@ void MeshRendererPrograms::setAppearance(const _RenderMaterialApperance& appeara
 void MeshRendererPrograms::setAlpha(float alpha) {
     m_alpha = alpha;
     m_selected->SetUniformValue(RenderUniformAlpha, alpha);
+}
+
+void MeshRendererPrograms::setSides(const float* front, const float* back) {
+    int codes[] = {codeOf(front), codeOf(back)};
+    if (m_readsBlock)
+        m_selected->SetUniformValue("g_sides", 2, codes);
 }

@@ -35,6 +35,9 @@ public:
     void setPbrLights(NglLightParams (&lights)[8]);
     void setAppearance(const _RenderMaterialApperance& appearance);
     void setAlpha(float alpha);
+    /// For the classic programs that read the block, which have this in place of the other colours. Channels
+    /// are those of bytes.
+    void setSides(const float* front, const float* back);
 
     /// The appearance before any is set.
     static constexpr _RenderMaterialApperance kDefaultAppearance = {

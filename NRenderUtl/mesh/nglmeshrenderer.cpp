@@ -287,6 +287,10 @@ void NglMeshRenderer::SetDrawUniforms(const _RenderAttributes& attributes) {
     program.SetMVPMatrices(nullptr, m_modelView, true);
     float color[3];
     readColor(attributes.color, color);
+    if (attributes.frontAndBackRender)
+        programsOf(*m_pShaderProg).setSides(m_frontColor, m_backColor);
+    else
+        programsOf(*m_pShaderProg).setSides(color, color);
     program.SetVec3UniformValue(RenderUniformColor, color);
     program.SetUniformValue(RenderUniformFrontBackColors, attributes.frontAndBackRender);
     if (attributes.frontAndBackRender) {

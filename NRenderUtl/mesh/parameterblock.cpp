@@ -25,7 +25,7 @@ bool isGrey(const float rgb[4]) {
 
 bool shineAlike(const NglMatParams& front, const NglMatParams& back) {
     return isGrey(front.specular) && std::equal(front.specular, front.specular + 3, back.specular) &&
-           front.shininess == back.shininess;
+           front.shininess == back.shininess && front.shininess > 0;
 }
 
 bool isPlain(const BlockLighting& lighting) {
@@ -64,7 +64,7 @@ float& plainSpecular(std::span<BlockTexel> block, std::size_t light) {
 
 void putPlainLighting(const BlockLighting& lighting, std::span<BlockTexel> block) {
     BlockTexel& first = block[BlockPlain];
-    first[1] = lighting.front.shininess;
+    first[1] = lighting.front.shininess / 2;
     block[BlockPlainLights] = {0, 0, 1e9f, 0}; // where none is on
     std::size_t count = 0;
     for (const NglLightParams& light : lighting.lights) {

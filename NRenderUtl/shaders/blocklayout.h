@@ -10,7 +10,7 @@ enum BlockLayout : int {
     BlockEntries = BlockLights + 32, ///< of the scale: start, end, colour, colour at the end or -1
 
     // Of plain lights, in place of those before the entries. All carry the weights of the model.
-    BlockPlain = 0,       ///< ambient of all, shininess, specular of the first and of the second light; of a
+    BlockPlain = 0,       ///< ambient of all, half the shininess, specular of the first and of the second light; of a
                           ///< light that is alone its diffuse is last
     BlockPlainLights = 1, ///< of each light: position, diffuse
     BlockPlainSpecular = BlockPlainLights + 8 ///< of the third to the sixth light, of those behind

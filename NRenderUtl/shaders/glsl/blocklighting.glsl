@@ -7,6 +7,50 @@ uniform int g_lightsOff;
 const float kAmbientScale = 1.74; // deliberate weights of the classic model
 const float kDiffuseScale = 0.5;
 
+#ifdef PLAIN_LIGHTS
+// A light's share of diffuse light, but for the length of the normal, and its highlight.
+vec2 plainLight(vec3 toLight, vec3 normal, float normal2, float diffuse, float specular, float halfShininess) {
+    float across = dot(normal.xy, toLight.xy), across2 = dot(toLight.xy, toLight.xy);
+    float towards = across + normal.z * toLight.z, d = sqrt(across2 + toLight.z * toLight.z);
+    float share = diffuse * abs(towards) / d;
+#ifdef NO_HIGHLIGHTS
+    return vec2(share, 0.0);
+#else
+    // The viewer stays on +z: the half vector, times the distance, differs from toLight in z alone. Its
+    // cosine is left squared, which spares the roots of its length and the normal's.
+    float halfZ = toLight.z + d, cosHalf = across + normal.z * halfZ;
+    float cosHalf2 = cosHalf * cosHalf / ((across2 + halfZ * halfZ) * normal2);
+    return vec2(share, cosHalf * towards > 0.0 ? specular * pow(cosHalf2, halfShininess) : 0.0);
+#endif
+}
+
+// The model in numbers: what is grey needs no colours. Of a surface with the normals of vertices and one
+// light, position is the vector to the light. The normal has any length.
+vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
+    if (g_lightsOff != 0)
+        return color;
+    float normal2 = dot(normal, normal);
+    vec4 plain = texelFetch(g_block, BLOCK_PLAIN);
+#if LIGHTS == 1
+    vec3 toLight = g_smooth == 1 ? position : texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - position;
+#ifdef NO_HIGHLIGHTS
+    float cosLight = dot(normal, toLight) * inversesqrt(normal2 * dot(toLight, toLight));
+    return vec4(clamp((plain.x + plain.w * abs(cosLight)) * color.rgb, 0.0, 1.0), color.a);
+#endif
+    vec2 sum = plainLight(toLight, normal, normal2, plain.w, plain.z, plain.y);
+#else
+    vec2 sum = vec2(0.0);
+    for (int i = 0; i < LIGHTS; ++i) {
+        vec4 light = texelFetch(g_block, BLOCK_PLAIN_LIGHTS + i);
+        int j = i - 2;
+        float specular = i < 2 ? plain[2 + i] : texelFetch(g_block, BLOCK_PLAIN_SPECULAR + j / 4)[j % 4];
+        sum += plainLight(light.xyz - position, normal, normal2, light.w, specular, plain.y);
+    }
+#endif
+    float shade = plain.x + sum.x * inversesqrt(normal2);
+    return vec4(clamp(shade * color.rgb + sum.y, 0.0, 1.0), color.a);
+}
+#else
 #ifndef NO_HIGHLIGHTS
 // cosine^shininess with cosines below 0 as 0; pow(0, 0) is not defined, fixed function takes 1.
 float highlight(float cosine, float shininess) {
@@ -14,45 +58,6 @@ float highlight(float cosine, float shininess) {
 }
 #endif
 
-#ifdef PLAIN_LIGHTS
-// A light's share of diffuse light and its highlight; normal of unit length.
-vec2 plainLight(vec3 toLight, vec3 normal, float diffuse, float specular, float shininess) {
-    float across = dot(normal.xy, toLight.xy), across2 = dot(toLight.xy, toLight.xy);
-    float distance2 = across2 + toLight.z * toLight.z, inverse = inversesqrt(distance2);
-    float cosLight = (across + normal.z * toLight.z) * inverse;
-    float share = diffuse * abs(cosLight);
-#ifdef NO_HIGHLIGHTS
-    return vec2(share, 0.0);
-#else
-    // The viewer stays on +z: the half vector, times the distance, differs from toLight in z alone.
-    float halfZ = toLight.z + distance2 * inverse;
-    float cosHalf = (across + normal.z * halfZ) * inversesqrt(across2 + halfZ * halfZ);
-    float shine = highlight(cosLight > 0.0 ? cosHalf : -cosHalf, shininess);
-    return vec2(share, cosLight != 0.0 ? specular * shine : 0.0);
-#endif
-}
-
-// The model in numbers: what is grey needs no colours. Of a surface with the normals of vertices and one
-// light, position is the vector to the light.
-vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
-    if (g_lightsOff != 0)
-        return color;
-    vec4 plain = texelFetch(g_block, BLOCK_PLAIN);
-#if LIGHTS == 1
-    vec3 toLight = g_smooth == 1 ? position : texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - position;
-    vec2 sum = plainLight(toLight, normal, plain.w, plain.z, plain.y);
-#else
-    vec2 sum = vec2(0.0);
-    for (int i = 0; i < LIGHTS; ++i) {
-        vec4 light = texelFetch(g_block, BLOCK_PLAIN_LIGHTS + i);
-        int j = i - 2;
-        float specular = i < 2 ? plain[2 + i] : texelFetch(g_block, BLOCK_PLAIN_SPECULAR + j / 4)[j % 4];
-        sum += plainLight(light.xyz - position, normal, light.w, specular, plain.y);
-    }
-#endif
-    return vec4(clamp((plain.x + sum.x) * color.rgb + sum.y, 0.0, 1.0), color.a);
-}
-#else
 // Adds what the light at a texel gives, before the colour of the surface and after it. Whether another
 // follows.
 bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, inout vec3 specular) {
@@ -85,10 +90,11 @@ bool addLight(int at, vec3 position, vec3 normal, inout vec3 ambientDiffuse, ino
 #endif
 }
 
-// The colour as lit; normal of unit length.
+// The colour as lit.
 vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
     if (g_lightsOff != 0)
         return color;
+    normal = normalize(normal);
     vec3 ambientDiffuse = vec3(0.0), specular = vec3(0.0);
 #ifdef LIGHTS
     for (int i = 0; i < LIGHTS; ++i)

@@ -90,6 +90,10 @@ vec3 fragmentNormal(int primitive) {
         normal = VertexIn.normal;
     else if (g_useelemnormbuff == 1)
         normal = elementNormal(primitive);
+#ifdef PARAMETER_BLOCK
+    if (g_smooth == 1)
+        return normal; // lightColor takes any length
+#endif
     return normalize(normal);
 }
 

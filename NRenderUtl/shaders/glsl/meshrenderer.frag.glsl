@@ -1,23 +1,39 @@
 #version 150 compatibility
 // Fragment stage of the mesh renderer: one colour for the mesh, or one for each side.
 
+#ifdef PARAMETER_BLOCK
+// Of front and back, a byte each for red, green and blue. Declared first, where a driver in software need not
+// gather the front's for each fragment; so is the alpha kept out of uniforms.
+uniform int g_sides[2];
+#endif
+
 in VertexData {
     vec3 position;
     vec3 normal;
+#ifdef PARAMETER_BLOCK
+    float alpha;
+#endif
 } VertexIn;
 
+vec4 lightColor(vec4 color, vec3 position, vec3 normal);
+
+#ifdef PARAMETER_BLOCK
+#ifdef PLAIN_LIGHTS
+const int g_smooth = 1;
+#endif
+
+void main() {
+    int code = gl_FrontFacing ? g_sides[0] : g_sides[1];
+    vec4 color = vec4(vec3(code & 255, code >> 8 & 255, code >> 16) * (1.0 / 255.0), VertexIn.alpha);
+    gl_FragColor = lightColor(color, VertexIn.position, VertexIn.normal);
+}
+#else
 uniform vec3 g_color;
 uniform int g_bfbcol;
 uniform vec4 g_fcolor;
 uniform vec4 g_bcolor;
 uniform int g_transparent;
 uniform float g_alphavalue;
-
-#ifdef PLAIN_LIGHTS
-const int g_smooth = 1;
-#endif
-
-vec4 lightColor(vec4 color, vec3 position, vec3 normal);
 
 vec4 surfaceColor() {
     if (g_bfbcol == 1)
@@ -31,3 +47,4 @@ void main() {
         color.a = g_alphavalue;
     gl_FragColor = color;
 }
+#endif

@@ -11,11 +11,16 @@ uniform int g_usepbrmat;
 uniform int g_clipped;
 #ifdef PARAMETER_BLOCK
 uniform samplerBuffer g_block;
+uniform int g_transparent;
+uniform float g_alphavalue;
 #endif
 
 out VertexData {
     vec3 position; // eye space; object space where g_usepbrmat is 1, and so is the normal; or as lightColor says
     vec3 normal;
+#ifdef PARAMETER_BLOCK
+    float alpha;
+#endif
 } VertexOut;
 
 void main() {
@@ -26,6 +31,9 @@ void main() {
     VertexOut.position = g_usepbrmat == 1 ? g_pos_attrib : eye.xyz;
 #if defined(PLAIN_LIGHTS) && LIGHTS == 1
     VertexOut.position = texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - eye.xyz;
+#endif
+#ifdef PARAMETER_BLOCK
+    VertexOut.alpha = g_transparent == 1 ? g_alphavalue : 1.0;
 #endif
     VertexOut.normal = normalize(g_usepbrmat == 1 ? g_vnorm_attrib : (g_normalmat * vec4(g_vnorm_attrib, 1.0)).xyz);
 }
