@@ -169,6 +169,7 @@ int NglElementMesh::Create(const NglElementMeshInput& input) {
             fresh->values.scale = m_state->values.scale;
             fresh->values.smeared = m_state->values.smeared;
             fresh->values.entries = m_state->values.entries;
+            fresh->values.cells = m_state->values.cells;
             fresh->values.scaleNumber = m_state->values.scaleNumber;
         }
         m_state = std::move(fresh);
@@ -219,6 +220,7 @@ int NglElementMesh::SetColorScale(const RenderColorScale* scale) {
         ElementValues& values = m_state->values;
         values.smeared = isSmearedScale(copy);
         values.entries = makeScaleEntries(copy);
+        values.cells = values.entries ? makeScaleCells(*values.entries) : std::nullopt;
         values.scale = copy;
         values.scaleNumber = nextScaleNumber();
         ++m_state->revision;

@@ -72,6 +72,7 @@ std::optional<ElementPlan> planElements(const ElementScene& scene) {
     plan.contour = how.contour && values.colored();
     plan.ofElements = plan.contour && values.kind == ElementValues::OfElements;
     plan.smeared = plan.contour && !plan.ofElements && values.smeared;
+    plan.celled = plan.contour && !plan.smeared && values.cells;
     plan.facing = how.frontAndBack;
     plan.hidden = !facts.visible.isInitial();
     plan.selected = !facts.selection.isInitial();

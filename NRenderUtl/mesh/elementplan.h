@@ -31,6 +31,7 @@ struct ElementPlan {
     ElementLook look;
     bool contour, ofElements;       ///< whether values are shown, and whether those of elements
     bool smeared;                   ///< their colours, within a band
+    bool celled;                    ///< found by the cells of their scale
     bool facing;                    ///< colours by facing
     bool hidden, selected, colored; ///< whether there is any such element
     int clipFlag, failureMode;      ///< 0 where they leave out nothing

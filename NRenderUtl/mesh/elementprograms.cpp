@@ -230,10 +230,12 @@ bool ElementPrograms::updateFacts(const ElementScene& scene, const ElementPlan& 
 
 /// The parameters of the own program.
 bool ElementPrograms::updateBlock(const ElementScene& scene, Bindings& bindings) {
-    const auto& entries = scene.values.entries;
+    const std::optional<ScaleEntries>& entries = scene.values.entries;
+    const std::optional<ScaleCells>& cells = scene.values.cells;
     std::array<BlockTexel, kParameterBlockSize> block;
     const BlockLighting lighting = blockLighting();
-    putParameterBlock(lighting, kindsOfLights(lighting), entries ? &*entries : nullptr, block);
+    putParameterBlock(lighting, kindsOfLights(lighting),
+                      {entries ? &*entries : nullptr, cells ? &*cells : nullptr}, block);
     const auto count = static_cast<std::uint32_t>(block.size());
     if (m_blockTexels.empty() || std::memcmp(block.data(), m_blockTexels.data(), sizeof block) != 0)
         m_block.changed({0, count});

@@ -37,12 +37,14 @@ struct ProgramKey {
     std::array<int, std::tuple_size_v<ElementSwitches>> switches;
     bool highlights = false;
     LightKinds lights{};
+    bool cells = false;
     auto operator<=>(const ProgramKey&) const = default;
 };
 
 ProgramKey keyOf(const ElementPlan& plan, const ElementSwitches& switches) {
     ProgramKey key;
     std::ranges::transform(switches, key.switches.begin(), &ElementSwitch::value);
+    key.cells = plan.celled;
     if (plan.look != ElementLook::Unlit) {
         key.highlights = hasHighlights(blockLighting());
         key.lights = kindsOfLights(blockLighting());
@@ -58,6 +60,7 @@ MeshProgramVariant variantOf(const ElementSwitches& switches, const ProgramKey& 
     variant.block = true;
     variant.highlights = key.highlights;
     variant.lights = key.lights;
+    variant.cells = key.cells;
     variant.windingNormals = true;
     return variant;
 }

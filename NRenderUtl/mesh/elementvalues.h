@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "NRenderUtl/mesh/scaleentries.h"
+#include "NRenderUtl/mesh/scalecells.h"
 
 struct ElementValues {
     enum Kind { None, OfNodes, OfElements };
@@ -13,6 +13,7 @@ struct ElementValues {
     RenderColorScale scale;                ///< without bands: no contour
     bool smeared = false;                  ///< of the scale
     std::optional<ScaleEntries> entries{}; ///< of the scale; nothing without bands, or with some out of order
+    std::optional<ScaleCells> cells{};     ///< of the entries; nothing where the scale has none
     std::uint64_t scaleNumber = 0;         ///< another one for each scale that was set, on any mesh
 
     bool colored() const { return kind != None && !scale.GetColorBands().empty(); }

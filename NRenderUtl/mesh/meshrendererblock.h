@@ -21,7 +21,7 @@ private:
 
 class MeshRendererBlock {
 public:
-    using Texels = std::array<BlockTexel, BlockEntries>; ///< a block without a colour scale
+    using Texels = std::array<BlockTexel, BlockCellMap>; ///< a block without a colour scale
 
     /// Whether there is a texture, which is made at the first call. It needs texture buffers and a context
     /// that the host has declared.

@@ -79,6 +79,17 @@ void putPlainLighting(const BlockLighting& lighting, std::span<BlockTexel> block
         first[3] = block[BlockPlainLights][3];
 }
 
+/// withPlain: the map beside what fragments read of the lights too.
+void putCells(const ScaleCells& scale, bool withPlain, std::span<BlockTexel> block) {
+    for (const int map : {+BlockCellMap, withPlain ? +BlockPlain : +BlockCellMap}) {
+        block[map][1] = scale.factor;
+        block[map][2] = scale.offset;
+    }
+    const auto texelOf = [](const ScaleCell& cell) { return BlockTexel{cell.limit, cell.below, cell.above}; };
+    const auto next = std::ranges::transform(scale.cells, block.begin() + BlockCells, texelOf).out;
+    std::fill(next, block.begin() + BlockEntries, texelOf(scale.cells.back()));
+}
+
 } // namespace
 
 bool hasHighlights(const BlockLighting& lighting) {
@@ -100,7 +111,7 @@ LightKinds kindsOfLights(const BlockLighting& lighting) {
 }
 
 void putLighting(const BlockLighting& lighting, const LightKinds& kinds,
-                 std::span<BlockTexel, BlockEntries> block) {
+                 std::span<BlockTexel, BlockCellMap> block) {
     std::ranges::fill(block, BlockTexel{});
     if (kinds.plain)
         return putPlainLighting(lighting, block);
@@ -111,14 +122,14 @@ void putLighting(const BlockLighting& lighting, const LightKinds& kinds,
     putLights(lighting.lights, &block[BlockLights]);
 }
 
-void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const ScaleEntries* entries,
+void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const BlockScale& scale,
                        std::span<BlockTexel, kParameterBlockSize> block) {
-    putLighting(lighting, kinds, block.first<BlockEntries>());
-    auto next = block.begin() + BlockEntries;
-    if (entries)
-        next =
-            std::transform(entries->entries.begin(), entries->entries.end(), next, [](const ScaleEntry& e) {
-                return BlockTexel{e.start, e.end, e.color, e.smearedTo};
-            });
-    std::fill(next, block.end(), BlockTexel{});
+    putLighting(lighting, kinds, block.first<BlockCellMap>());
+    std::fill(block.begin() + BlockCellMap, block.end(), BlockTexel{});
+    if (scale.entries)
+        std::ranges::transform(scale.entries->entries, block.begin() + BlockEntries, [](const ScaleEntry& e) {
+            return BlockTexel{e.start, e.end, e.color, e.smearedTo};
+        });
+    if (scale.cells)
+        putCells(*scale.cells, kinds.plain && !hasHighlights(lighting), block);
 }

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "NRenderUtl/gl/ngl.h"
-#include "NRenderUtl/mesh/scaleentries.h"
+#include "NRenderUtl/mesh/scalecells.h"
 #include "NRenderUtl/shaders/blocklayout.h"
 #include "NRenderUtl/shaders/meshprograms.h"
 
@@ -18,15 +18,21 @@ struct BlockLighting {
     const NglMatParams& back;
 };
 
+/// A colour scale in both forms, each null where it has none.
+struct BlockScale {
+    const ScaleEntries* entries = nullptr;
+    const ScaleCells* cells = nullptr;
+};
+
 /// Whether any highlight can be seen.
 bool hasHighlights(const BlockLighting& lighting);
 /// Where none is on, the block has one light, which gives nothing.
 LightKinds kindsOfLights(const BlockLighting& lighting);
 
 constexpr std::size_t kParameterBlockSize = BlockEntries + kMostScaleEntries;
-/// Writes the texels as blocklayout.h lays them out for programs of these kinds: BlockEntries of the
+/// Writes the texels as blocklayout.h lays them out for programs of these kinds: BlockCellMap of the
 /// lighting, the rest of the scale, or zeros.
 void putLighting(const BlockLighting& lighting, const LightKinds& kinds,
-                 std::span<BlockTexel, BlockEntries> block);
-void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const ScaleEntries* entries,
+                 std::span<BlockTexel, BlockCellMap> block);
+void putParameterBlock(const BlockLighting& lighting, const LightKinds& kinds, const BlockScale& scale,
                        std::span<BlockTexel, kParameterBlockSize> block);

@@ -27,6 +27,8 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
         if (!variant.highlights)
             changes.defines.push_back("NO_HIGHLIGHTS");
         defineLights(changes.defines, variant.lights);
+        if (variant.cells)
+            changes.defines.push_back("BAND_CELLS");
         if (variant.windingNormals)
             changes.defines.push_back("WINDING_NORMALS");
         entry.program.build(RenderShaderMesh, changes);

@@ -33,6 +33,7 @@ struct MeshProgramVariant {
     bool block = false;
     bool highlights = true; ///< with a block: not all are black
     LightKinds lights{};    ///< with a block
+    bool cells = false;     ///< with a block: colours are those of the scale's cells
     /// Normals that the program derives point to the side that the winding says, as those of geometry stages
     /// do, rather than away from the viewer.
     bool windingNormals = false;

@@ -125,20 +125,33 @@ class BandAuditByProgram : public BandAudit, public testing::WithParamInterface<
 protected:
     void SetUp() override {
         BandAudit::SetUp();
-        if (GetParam() == std::string("Block"))
+        if (GetParam() != std::string("Uniforms"))
             use(elementMeshProgram({.block = true}));
         set("g_lightsOff", 1);
     }
+    /// Whether the scale has cells for the type, which the program in use then looks up.
+    bool useCells(const RenderColorScale& scale, int type, int& count) {
+        const auto entries = makeScaleEntries(scale);
+        if (type == 1 || !entries || !makeScaleCells(*entries))
+            return false;
+        ++count;
+        use(elementMeshProgram({.block = true, .cells = true}));
+        set("g_lightsOff", 1);
+        return true;
+    }
 };
-INSTANTIATE_TEST_SUITE_P(, BandAuditByProgram, testing::Values("Uniforms", "Block"),
+INSTANTIATE_TEST_SUITE_P(, BandAuditByProgram, testing::Values("Uniforms", "Block", "Cells"),
                          [](const auto& info) { return info.param; });
 
 TEST_P(BandAuditByProgram, PixelsFollowTheShadersRules) {
     Audit exact, mixed;
+    int cells = 0; // how many draws found colours by cells
     for (const auto& [name, bands] : scaleCases())
         for (bool ownEnds : {false, true})
             for (int type : {1, 2, 3}) {
                 const RenderColorScale scale = makeScale(bands, ownEnds, false);
+                if (GetParam() == std::string("Cells") && !useCells(scale, type, cells))
+                    continue;
                 const std::vector<float> values = valuesOf(bands);
                 const auto pixels = drawValues(scale, type, values);
                 for (std::size_t i = 0; i < values.size(); ++i)
@@ -151,8 +164,10 @@ TEST_P(BandAuditByProgram, PixelsFollowTheShadersRules) {
             }
     exact.report("band colours");
     mixed.report("smeared bands");
-    EXPECT_GT(exact.compared, 5000);
-    EXPECT_EQ(exact.largest, 0) << exact.worst;
+    EXPECT_GT(exact.compared, GetParam() == std::string("Cells") ? 2000 : 5000);
+    // A block's bytes are multiplied with a reciprocal.
+    EXPECT_LE(exact.largest, GetParam() == std::string("Uniforms") ? 0 : 6e-8) << exact.worst;
+    EXPECT_EQ(cells, GetParam() == std::string("Cells") ? 18 : 0);
     // A mix may be rounded once or twice, and its factor by the driver's division.
     EXPECT_LE(mixed.largest, 4e-7) << mixed.worst;
 }

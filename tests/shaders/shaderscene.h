@@ -201,9 +201,11 @@ private:
         if (unitOf("g_block") < 0)
             return;
         const auto entries = makeScaleEntries(m_scale);
+        const auto cells = entries ? makeScaleCells(*entries) : std::nullopt;
         std::vector<BlockTexel> block(kParameterBlockSize);
         putParameterBlock({m_lighting.lights, m_lighting.front, m_lighting.back}, m_lightKinds,
-                          entries ? &*entries : nullptr, std::span<BlockTexel, kParameterBlockSize>(block));
+                          {entries ? &*entries : nullptr, cells ? &*cells : nullptr},
+                          std::span<BlockTexel, kParameterBlockSize>(block));
         texels("g_block", GL_RGBA32F, block);
         if (entries)
             set(kEntriesUniform,

@@ -2,12 +2,28 @@
 // too, as ranges that meet end to start.
 
 uniform samplerBuffer g_tbuff; // a value for each element
-uniform vec3 g_entries; // index of the last; factor and offset from a value to about where its entry is
 
 vec3 unpackColor(float code) {
     int bits = int(code);
-    return vec3(bits & 255, bits >> 8 & 255, bits >> 16) / 255.0;
+    return vec3(bits & 255, bits >> 8 & 255, bits >> 16) * (1.0 / 255.0);
 }
+
+#ifdef BAND_CELLS
+// Cells have one width and hold a limit each, so the colour is found at once.
+void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, out vec4 color) {
+    float value = ctype == 2 ? texelFetch(g_tbuff, primID).r : texcoord.s;
+#if defined(PLAIN_LIGHTS) && defined(NO_HIGHLIGHTS)
+    vec4 map = texelFetch(g_block, BLOCK_PLAIN); // which lights fetch too
+#else
+    vec4 map = texelFetch(g_block, BLOCK_CELL_MAP);
+#endif
+    float place = value * map.y + map.z;
+    int at = place >= 1.0 ? int(min(place, float(BLOCK_LAST_CELL - BLOCK_CELLS))) : 0;
+    vec4 cell = texelFetch(g_block, BLOCK_CELLS + at);
+    color = vec4(unpackColor(value >= cell.x ? cell.z : cell.y), 1.0);
+}
+#else
+uniform vec3 g_entries; // index of the last; factor and offset from a value to about where its entry is
 
 // A search by halving that first looks where the guess is. Entry 0, for what is not a number, comes last.
 vec4 findEntry(float value, float guess) {
@@ -38,3 +54,4 @@ void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, ou
     vec3 smeared = mix(plain, unpackColor(entry.w), (value - entry.x) / (entry.y - entry.x));
     color = vec4(ctype == 1 && entry.w >= 0.0 ? smeared : plain, 1.0);
 }
+#endif

@@ -46,7 +46,9 @@ vec3 vertexNormal() {
 vec2 contourCoordinate() {
     if (g_ct != 1 && g_ct != 3)
         return vec2(0.0);
-#ifdef PARAMETER_BLOCK
+#if defined(BAND_CELLS)
+    return vec2(g_tex_attrib.s, 0.0);
+#elif defined(PARAMETER_BLOCK)
     return vec2(g_tex_attrib.s, g_tex_attrib.s * g_entries.y + g_entries.z);
 #else
     return g_use_clr_scale == 1 ? g_tex_attrib.st : (g_texmat * g_tex_attrib).st;
