@@ -147,8 +147,9 @@ bool MarkerWindow::scalesAlike() const {
 }
 
 bool MarkerWindow::holdsBall(const std::array<float, 3>& middle, float radius) const {
-    const auto& [x, y, z] = middle;
-    const auto distance = [&](const Plane4& p) { return p[0] * x + p[1] * y + p[2] * z + p[3]; };
+    const auto distance = [&](const Plane4& p) {
+        return p[0] * middle[0] + p[1] * middle[1] + p[2] * middle[2] + p[3];
+    };
     for (const Plane4& side : m_sides)
         if (!(distance(side) > 0))
             return false;
