@@ -1,9 +1,6 @@
 // Image-based lighting: the one handler, its settings, and when its maps are built and deleted.
 #include "NRenderUtl/lighting/imagebasedlight.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "NRenderUtl/host/hostimage.h"
 #include "NRenderUtl/host/hostutl.h"
 #include "NRenderUtl/lighting/lightsources.h"
@@ -58,12 +55,11 @@ void endOfPiece(int step, double part) {
 }
 
 bool NImageBasedLightHandler::Program::Build(const char* label, const char* vertexSource,
-                                             std::initializer_list<const char*> fragmentParts) {
+                                             const char* fragmentSource) {
     if (IsProgramValid())
         return true;
     const GLuint vertex = CompileShader(GL_VERTEX_SHADER, 1, &vertexSource);
-    const GLuint fragment =
-        CompileShader(GL_FRAGMENT_SHADER, static_cast<int>(fragmentParts.size()), std::data(fragmentParts));
+    const GLuint fragment = CompileShader(GL_FRAGMENT_SHADER, 1, &fragmentSource);
     m_program = static_cast<std::int32_t>(CreateProgram(vertex, 0, fragment));
     const bool linked = LinkProgram(m_program) != 0;
     for (const GLuint shader : {vertex, fragment}) {
@@ -134,13 +130,10 @@ void NImageBasedLightHandler::BuildMaps() {
 
 bool NImageBasedLightHandler::InitShaderPrograms() {
     return m_equirectangularProgram->Build("NRenderUtl environment", kCubeFaceVertexMain,
-                                           {kEquirectangularFragmentMain}) &&
-           m_irradianceProgram->Build("NRenderUtl irradiance", kCubeFaceVertexMain,
-                                      {kIrradianceFragmentMain, kSamplingLibrary}) &&
-           m_prefilterProgram->Build("NRenderUtl reflections", kCubeFaceVertexMain,
-                                     {kPrefilterFragmentMain, kSamplingLibrary}) &&
-           m_brdfProgram->Build("NRenderUtl reflectance", kQuadVertexMain,
-                                {kBrdfTableFragmentMain, kSamplingLibrary});
+                                           kEquirectangularFragmentMain) &&
+           m_irradianceProgram->Build("NRenderUtl irradiance", kCubeFaceVertexMain, kConvolveFragmentMain) &&
+           m_prefilterProgram->Build("NRenderUtl reflections", kCubeFaceVertexMain, kConvolveFragmentMain) &&
+           m_brdfProgram->Build("NRenderUtl reflectance", kQuadVertexMain, kBrdfTableFragmentMain);
 }
 
 // --- deleting ----------------------------------------------------------------------------------------------

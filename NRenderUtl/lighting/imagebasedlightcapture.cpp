@@ -6,6 +6,7 @@
 #include "NRenderUtl/host/hostimage.h"
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/lighting/imagebasedlight.h"
+#include "NRenderUtl/lighting/lightsamples.h"
 
 namespace {
 
@@ -69,13 +70,14 @@ GLuint uploadImage(const HostFloatImage& image) {
 // --- faces side by side ------------------------------------------------------------------------------------
 
 /// Six cells in a row, one for each face. A software driver draws blocks of 64 x 64 pixels at a time, each by
-/// one thread: a cell of its own for every small face keeps all threads at work.
+/// one thread: a cell of its own for every small face keeps all threads at work. In single precision, as sums
+/// grow here part by part.
 class FaceStrip {
 public:
     explicit FaceStrip(int faceSize) : cell(std::max(faceSize, 64)) {
         glGenTextures(1, &m_texture);
         glBindTexture(GL_TEXTURE_2D, m_texture);
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB16F, width(), cell, 0, GL_RGB, GL_FLOAT, nullptr);
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA32F, width(), cell, 0, GL_RGBA, GL_FLOAT, nullptr);
         glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAX_LEVEL, 0);
         glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_texture, 0);
     }
@@ -98,6 +100,60 @@ public:
 
 private:
     GLuint m_texture = 0;
+};
+
+// --- samples -----------------------------------------------------------------------------------------------
+
+/// A list of samples that a program reads at texture unit 1, whose texture of that kind is kept. Unit 0 is
+/// active before and after.
+class SampleBuffer {
+public:
+    explicit SampleBuffer(NShaderProgram& program) {
+        program.SetUniformValue("g_samples", 1);
+        glGetIntegerv(GL_TEXTURE_BUFFER, &m_hostBuffer);
+        glGenBuffers(1, &m_buffer);
+        glGenTextures(1, &m_texture);
+        glBindBuffer(GL_TEXTURE_BUFFER, m_buffer);
+        glActiveTexture(GL_TEXTURE1);
+        glGetIntegerv(GL_TEXTURE_BINDING_BUFFER, &m_hostTexture);
+        glBindTexture(GL_TEXTURE_BUFFER, m_texture);
+        glActiveTexture(GL_TEXTURE0);
+    }
+    ~SampleBuffer() {
+        glActiveTexture(GL_TEXTURE1);
+        glBindTexture(GL_TEXTURE_BUFFER, static_cast<GLuint>(m_hostTexture));
+        glActiveTexture(GL_TEXTURE0);
+        glBindBuffer(GL_TEXTURE_BUFFER, static_cast<GLuint>(m_hostBuffer));
+        glDeleteTextures(1, &m_texture);
+        glDeleteBuffers(1, &m_buffer);
+    }
+    SampleBuffer(const SampleBuffer&) = delete;
+    SampleBuffer& operator=(const SampleBuffer&) = delete;
+
+    void fill(const std::vector<LightSample>& list) const {
+        const auto bytes = static_cast<GLsizeiptr>(list.size() * sizeof(LightSample));
+        glBufferData(GL_TEXTURE_BUFFER, bytes, list.data(), GL_STATIC_DRAW);
+        glActiveTexture(GL_TEXTURE1);
+        glTexBuffer(GL_TEXTURE_BUFFER, GL_RGBA32F, m_buffer);
+        glActiveTexture(GL_TEXTURE0);
+    }
+
+private:
+    GLuint m_buffer = 0, m_texture = 0;
+    GLint m_hostBuffer = 0, m_hostTexture = 0;
+};
+
+/// What is drawn is added to what is there.
+class SummingGuard {
+public:
+    SummingGuard() {
+        glEnable(GL_BLEND);
+        glBlendFunc(GL_ONE, GL_ONE);
+    }
+
+private:
+    const AttributesGuard m_attributes{GL_COLOR_BUFFER_BIT};
+    const AddingGuard m_adds;
 };
 
 } // namespace
@@ -206,47 +262,67 @@ void NImageBasedLightHandler::CaptureEnvironmentCubeMap(unsigned int sourceTextu
 
 void NImageBasedLightHandler::CaptureIrradicaeMap() {
     m_irradianceProgram->UseProgram(true);
-    ConvolveFaces(*m_irradianceProgram, IrradianceStep, m_irradianceMap, 0, kIrradianceSize);
+    ConvolveFaces(*m_irradianceProgram, IrradianceStep, m_irradianceMap, 0, kIrradianceSize,
+                  irradianceSamples());
 }
 
 void NImageBasedLightHandler::CapturePreFilterMap() {
     m_prefilterProgram->UseProgram(true);
-    for (int level = 0; level < kPrefilterLevels; ++level) {
-        m_prefilterProgram->SetUniformValue("g_roughness", 0.25f * static_cast<float>(level));
+    for (int level = 0; level < kPrefilterLevels; ++level)
         ConvolveFaces(*m_prefilterProgram, PrefilterStep + level, m_prefilterMap, level,
-                      kPrefilterSize >> level);
-    }
+                      kPrefilterSize >> level, reflectionSamples(0.25f * static_cast<float>(level)));
 }
 
-/// Draws the faces of one level by the program in use, from the environment: some rows of all faces at a
-/// time.
+/// Sums up the faces of one level by the program in use, from the environment: some samples for all texels at
+/// a time. Texels side by side then read what the processor's caches still have.
 void NImageBasedLightHandler::ConvolveFaces(Program& program, int step, unsigned int cube, int level,
-                                            int size) {
-    constexpr int kPieces = 8;
+                                            int size, const LightSamples& samples) {
+    constexpr int kPieceSamples = 4096 * kIrradianceSize * kIrradianceSize; // of all texels of a face
+    const int count = static_cast<int>(samples.list.size());
+    const int pieceCount = std::clamp(kPieceSamples / (size * size), 2, count);
     const FaceStrip strip(size);
+    const SampleBuffer buffer(program);
+    const SummingGuard sums;
     SetPassSize(strip.width(), strip.cell);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     glBindTexture(GL_TEXTURE_CUBE_MAP, m_environmentMap);
+    buffer.fill(samples.list);
     program.SetUniformValue("g_environmentmap", 0);
-    glEnable(GL_SCISSOR_TEST);
-    for (int piece = 0; piece < kPieces; ++piece) {
+    program.SetUniformValue("g_scale", samples.scale);
+    for (int first = 0; first < count; first += pieceCount) {
+        const int end = std::min(first + pieceCount, count);
+        program.SetUniformValue("g_first", first);
+        program.SetUniformValue("g_count", end - first);
         for (int face = 0; face < kCubeFaces; ++face) {
             glViewport(strip.left(face), 0, size, size);
-            glScissor(strip.left(face), piece * size / kPieces, size, size / kPieces);
             SetFaceMatrices(program, face, kIdentity);
             RenderEnvCube();
         }
-        endOfPiece(step, (piece + 1.0) / kPieces);
+        endOfPiece(step, static_cast<double>(end) / count);
     }
-    glDisable(GL_SCISSOR_TEST);
     strip.copyTo(cube, level, size);
 }
 
 void NImageBasedLightHandler::CaptureBRDFLUTTexture() {
+    constexpr int kPieceRows = 64;
+    Program& program = *m_brdfProgram;
     SetPassSize(kBrdfTableSize, kBrdfTableSize);
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, m_brdfTable, 0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    m_brdfProgram->UseProgram(true);
-    RenderQuad();
-    endOfPiece(BrdfTableStep, 1.0);
+    program.UseProgram(true);
+    program.SetUniformValue("g_count", kHalfVectors);
+    const SampleBuffer buffer(program);
+    std::vector<LightSample> halfVectors;
+    glEnable(GL_SCISSOR_TEST);
+    for (int first = 0; first < kBrdfTableSize; first += kPieceRows) {
+        halfVectors.clear();
+        for (int row = first; row < first + kPieceRows; ++row)
+            appendHalfVectors((static_cast<float>(row) + 0.5f) / kBrdfTableSize, halfVectors);
+        buffer.fill(halfVectors);
+        program.SetUniformValue("g_first", first);
+        glScissor(0, first, kBrdfTableSize, kPieceRows);
+        RenderQuad();
+        endOfPiece(BrdfTableStep, static_cast<double>(first + kPieceRows) / kBrdfTableSize);
+    }
+    glDisable(GL_SCISSOR_TEST);
 }

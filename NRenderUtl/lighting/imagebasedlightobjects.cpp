@@ -1,6 +1,6 @@
 // GL objects of image-based lighting: the maps, the capture framebuffer, what is drawn into them, and their
 // end.
-#include <iterator>
+#include <initializer_list>
 
 #include "NRenderUtl/lighting/imagebasedlight.h"
 #include "NRenderUtl/shaders/gllabel.h"

@@ -46,8 +46,8 @@ void skyView(const _NglInfoStr& info, float (&matrix)[16]) {
 } // namespace
 
 bool NImageBasedLightHandler::InitSkyBoxShaderProgram() {
-    m_skyBoxFailed = m_skyBoxFailed || !m_skyBoxProgram->Build("NRenderUtl background", kSkyBoxVertexMain,
-                                                               {kSkyBoxFragmentMain});
+    m_skyBoxFailed = m_skyBoxFailed ||
+                     !m_skyBoxProgram->Build("NRenderUtl background", kSkyBoxVertexMain, kSkyBoxFragmentMain);
     return !m_skyBoxFailed;
 }
 

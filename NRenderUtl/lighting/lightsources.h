@@ -3,10 +3,8 @@
 
 extern const char* const kCubeFaceVertexMain;          // cubeface.vert.glsl
 extern const char* const kEquirectangularFragmentMain; // equirectangular.frag.glsl
-extern const char* const kIrradianceFragmentMain;      // irradiance.frag.glsl
-extern const char* const kPrefilterFragmentMain;       // prefilter.frag.glsl
+extern const char* const kConvolveFragmentMain;        // convolve.frag.glsl
 extern const char* const kQuadVertexMain;              // quad.vert.glsl
 extern const char* const kBrdfTableFragmentMain;       // brdftable.frag.glsl
 extern const char* const kSkyBoxVertexMain;            // skybox.vert.glsl
 extern const char* const kSkyBoxFragmentMain;          // skybox.frag.glsl
-extern const char* const kSamplingLibrary;             // sampling.glsl

@@ -9,6 +9,8 @@
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/host/nhost.h"
 
+struct LightSamples;
+
 // --- image-based lighting ----------------------------------------------------------------------------------
 
 /// Makes of one equirectangular HDR image the maps by which surroundings light a mesh, and draws it behind
@@ -96,7 +98,8 @@ private:
     bool CanDrawMaps() const;
     static void SetPassSize(int width, int height);
     void SetFaceMatrices(Program& program, int face, const float* model);
-    void ConvolveFaces(Program& program, int step, unsigned int cube, int level, int size);
+    void ConvolveFaces(Program& program, int step, unsigned int cube, int level, int size,
+                       const LightSamples& samples);
 
     bool m_initialised;
     unsigned int m_cubeVertexArray, m_cubeVertexBuffer;

@@ -257,17 +257,20 @@ struct HostileState {
         glGenFramebuffers(2, framebuffers);
         glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffers[0]);
         glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers[1]);
-        glGenTextures(2, textures);
+        glGenTextures(3, textures);
         glActiveTexture(GL_TEXTURE0);
         glBindTexture(GL_TEXTURE_2D, textures[0]);
         glBindTexture(GL_TEXTURE_CUBE_MAP, textures[1]);
         glGenSamplers(1, &sampler);
         glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
         glBindSampler(0, sampler);
+        glActiveTexture(GL_TEXTURE1);
+        glBindTexture(GL_TEXTURE_BUFFER, textures[2]);
         glActiveTexture(GL_TEXTURE5);
         glGenVertexArrays(1, &vertexArray);
         glBindVertexArray(vertexArray);
-        glGenBuffers(2, buffers);
+        glGenBuffers(3, buffers);
+        glBindBuffer(GL_TEXTURE_BUFFER, buffers[2]);
         glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
         glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers[1]);
         for (const GLenum feature :
@@ -277,6 +280,7 @@ struct HostileState {
         glClipPlane(GL_CLIP_PLANE0, kNowhere);
         glAlphaFunc(GL_NEVER, 0.5f);
         glBlendFunc(GL_ZERO, GL_ZERO);
+        glBlendEquationSeparate(GL_MIN, GL_MAX);
         glLogicOp(GL_CLEAR);
         glDepthFunc(GL_NEVER);
         glDepthMask(GL_FALSE);
@@ -297,7 +301,7 @@ struct HostileState {
         glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_TRUE);
     }
     static constexpr GLdouble kNowhere[4] = {0, 0, 0, -1};
-    GLuint framebuffers[2], textures[2], sampler, vertexArray, buffers[2];
+    GLuint framebuffers[2], textures[3], sampler, vertexArray, buffers[3];
 };
 
 } // namespace
