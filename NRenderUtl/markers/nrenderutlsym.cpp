@@ -214,10 +214,13 @@ void SymbolDrawer::leave() {
 }
 
 void SymbolDrawer::send(const _NgPoint3Str& p) const {
-    _NgPoint3Str sent = p;
-    if (m_part)
-        NglTransform33p(p, m_part->matrix(), sent);
-    sendVertex(sent);
+    if (!m_part)
+        return sendVertex(p);
+    const NgMatrix& m = m_part->matrix();
+    const auto row = [&](int r) {
+        return static_cast<GLfloat>(m[0][r] * p.x + m[1][r] * p.y + m[2][r] * p.z + m[3][r]);
+    };
+    glVertex3f(row(0), row(1), row(2));
 }
 
 void SymbolDrawer::open() {
