@@ -61,8 +61,8 @@ public:
 
 private:
     static void setDivisor(GLuint attribute, GLuint divisor) {
-        epoxy_gl_version() >= 33 ? glVertexAttribDivisor(attribute, divisor)
-                                 : glVertexAttribDivisorARB(attribute, divisor);
+        glVersion() >= 33 ? glVertexAttribDivisor(attribute, divisor)
+                          : glVertexAttribDivisorARB(attribute, divisor);
     }
     const NShaderProgram& m_program;
     std::vector<GLuint> m_enabled;
@@ -85,8 +85,7 @@ const void* offsetOf(std::size_t bytes) {
 } // namespace
 
 bool canDrawInstances() {
-    return epoxy_gl_version() >= 33 ||
-           (epoxy_gl_version() >= 31 && epoxy_has_gl_extension("GL_ARB_instanced_arrays"));
+    return glVersion() >= 33 || (glVersion() >= 31 && epoxy_has_gl_extension("GL_ARB_instanced_arrays"));
 }
 
 void drawMarkerInstances(const NShaderProgram& program, const MarkerBuffers& buffers,

@@ -33,7 +33,7 @@ bool fillsByCentre() {
     return modes[0] == GL_FILL && modes[1] == GL_FILL && integer(GL_RENDER_MODE) == GL_RENDER &&
            noneEnabled({GL_POLYGON_SMOOTH}) &&
            (integer(GL_SAMPLE_BUFFERS) == 0 || glIsEnabled(GL_MULTISAMPLE) == GL_FALSE) &&
-           (epoxy_gl_version() < 32 || glIsEnabled(GL_DEPTH_CLAMP) == GL_FALSE);
+           (glVersion() < 32 || glIsEnabled(GL_DEPTH_CLAMP) == GL_FALSE);
 }
 
 /// What is drawn hides all that lies behind it.

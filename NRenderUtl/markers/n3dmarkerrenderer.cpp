@@ -55,7 +55,7 @@ NShaderProgram* createProgram() {
 
 bool provokesFirst() {
     GLint provoking = GL_LAST_VERTEX_CONVENTION;
-    if (epoxy_gl_version() >= 32)
+    if (glVersion() >= 32)
         glGetIntegerv(GL_PROVOKING_VERTEX, &provoking);
     return provoking == GL_FIRST_VERTEX_CONVENTION;
 }
@@ -63,7 +63,7 @@ bool provokesFirst() {
 /// The attribute is to belong to no object of the host's, and every index is to be one of the shape.
 void setHostStateAside() {
     HostState& host = state().host;
-    const int version = epoxy_gl_version();
+    const int version = glVersion();
     GLint object = 0;
     if (version >= 30)
         glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &object);

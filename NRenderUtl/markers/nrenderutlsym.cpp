@@ -111,8 +111,10 @@ int walkSymbol(SymbolTarget& target, const SymbolPlace& place, const SymbolParam
 
 // --- places ------------------------------------------------------------------------------------------------
 
-void SymbolPlace::nullifyView() {
-    NglMultiply(m_matrix, nglRecord().live.inverseModelView, m_matrix);
+SymbolPlace SymbolPlace::ofView() {
+    SymbolPlace place;
+    std::copy_n(&nglRecord().live.inverseModelView[0][0], 16, &place.m_matrix[0][0]);
+    return place;
 }
 
 void SymbolPlace::translate(const _NgPoint3Str& offset) {
@@ -146,7 +148,7 @@ namespace {
 
 bool usesProgram() {
     static const bool hasAssembly = epoxy_has_gl_extension("GL_ARB_vertex_program"); // asks for all by name
-    const int version = epoxy_gl_version();
+    const int version = glVersion();
     GLint program = 0, pipeline = 0;
     if (version >= 20)
         glGetIntegerv(GL_CURRENT_PROGRAM, &program);

@@ -29,8 +29,8 @@ SymbolState& symbolState();
 class SymbolPlace {
 public:
     SymbolPlace() { NglSetIdentity(m_matrix); }
-    /// The view's own space, whatever the view.
-    void nullifyView();
+    /// The view's own space.
+    static SymbolPlace ofView();
     void translate(const _NgPoint3Str& offset);
     void scale(double factor);
     /// Axis 'x', 'y' or 'z'; any other turns nothing.

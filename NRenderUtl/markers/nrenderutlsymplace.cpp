@@ -58,8 +58,7 @@ Choice choose(int slot, const void* points, Result whenNotInList) {
 }
 
 SymbolPlace placeInView(const _NgPoint3Str& view) {
-    SymbolPlace place;
-    place.nullifyView();
+    SymbolPlace place = SymbolPlace::ofView();
     place.translate(view);
     return place;
 }

@@ -28,6 +28,7 @@ std::array<_NgPoint3Str, 2> springEnds(unsigned i) {
 
 Work draw(unsigned size) {
     openPixelView();
+    ngl_disable_depth_test(); // on top, as those by hand
     defineSpring();
     return {[=](unsigned) {
                 ngl_set_color(7);
