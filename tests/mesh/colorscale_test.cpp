@@ -20,20 +20,40 @@ using Bands = std::vector<RenderColorScale::ColorBand>;
 
 } // namespace
 
-TEST(RenderColorScale, SmearsTowardTheNextBand) {
-    const Bands ramp = {{0, 1, 0x6400FF}, {1, 2, 0x0A0A0A}}, open = {{-kInf, 0, kRed}, {0, kInf, kGreen}};
-    const std::tuple<const char*, Bands, float, NgColorLong> rows[] = {
-        {"truncated", ramp, 0.5f, 0x370584},
-        {"the last band", ramp, 1.5f, 0x0A0A0A},
-        {"a band without end", open, -5, kRed},
-    };
+TEST(RenderColorScale, GivesTheColorOfAValue) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const Bands ramp = {{0, 1, 0x6400FF}, {1, 2, 0x0A0A0A}}, open = {{-kInf, 0, kRed}, {0, kInf, kGreen}},
+                gap = {{0, 1, kRed}, {2, 3, kGreen}}, point = {{5, 5, 1}, {5, 5, 2}, {5, 5, 3}};
+    const struct {
+        const char* name;
+        Bands bands;
+        bool smeared, ownEnds;
+        float value;
+        NgColorLong color;
+    } rows[] = {{"a mix, truncated", ramp, true, true, 0.5f, 0x370584},
+                {"smeared, the last band", ramp, true, true, 1.5f, 0x0A0A0A},
+                {"smeared, a band without end", open, true, true, -5, kRed},
+                {"a limit is of the band above", ramp, false, true, 1, 0x0A0A0A},
+                {"the maximum is of the last band", ramp, false, true, 2, 0x0A0A0A},
+                {"below", ramp, false, true, -1e-30f, kLow},
+                {"above", ramp, false, true, 2.0001f, kHigh},
+                {"below, unset", ramp, true, false, -kInf, 0x6400FF},
+                {"above, unset", ramp, true, false, kInf, 0x0A0A0A},
+                {"a gap is white", gap, true, true, 1.5f, 0xFFFFFF},
+                {"not a number is white", ramp, false, true, nan, 0xFFFFFF},
+                {"equal limits come first", point, false, true, 9, 2}};
     ngl_set_blending_value(0x5A);
-    for (const auto& [name, bands, value, color] : rows) {
+    for (const auto& [name, bands, smeared, ownEnds, value, color] : rows) {
         RenderColorScale scale;
         scale.SetColorBands(bands);
-        scale.SetSmearedMode(true);
-        EXPECT_EQ(scale.GetColor(value), color | 0x5A000000) << name;
+        scale.SetSmearedMode(smeared);
+        scale.SetOutOfRangeMinColor(ownEnds ? kLow : kUnset);
+        scale.SetOutOfRangeMaxColor(ownEnds ? kHigh : kUnset);
+        EXPECT_EQ(scale.GetColor(value) & 0xFFFFFF, color) << name;
     }
+    RenderColorScale blended;
+    blended.SetColorBands(ramp);
+    EXPECT_EQ(blended.GetColor(0.5f), 0x5A6400FFu);
 }
 
 TEST(RenderColorScale, FindsEveryOfAtMost64Bands) {

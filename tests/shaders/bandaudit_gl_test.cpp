@@ -1,9 +1,7 @@
-// Which colour a value has: the contour pixels of the mesh program against the shaders' rules, the CPU's
-// colours against its own, and where the two differ on purpose.
+// Which colour a value has: the contour pixels of the mesh program against the shaders' rules.
 #include <cfloat>
 #include <cmath>
 #include <limits>
-#include <map>
 
 #include "tests/shaders/shaderscene.h"
 
@@ -170,46 +168,6 @@ TEST_P(BandAuditByProgram, PixelsFollowTheShadersRules) {
     EXPECT_EQ(cells, GetParam() == std::string("Cells") ? 18 : 0);
     // A mix may be rounded once or twice, and its factor by the driver's division.
     EXPECT_LE(mixed.largest, 4e-7) << mixed.worst;
-}
-
-TEST_F(BandAudit, CpuColorsFollowTheirOwnRulesAndDifferWhereTheyShould) {
-    ngl_set_blending_value(0);
-    std::map<std::string, int> reasons;
-    int compared = 0;
-    for (const auto& [name, bands] : scaleCases())
-        for (bool ownEnds : {false, true})
-            for (bool smeared : {false, true}) {
-                SCOPED_TRACE(name);
-                const RenderColorScale scale = makeScale(bands, ownEnds, smeared);
-                const std::vector<float> values = valuesOf(bands);
-                const auto pixels = drawValues(scale, smeared ? 1 : 3, values);
-                for (std::size_t i = 0; i < values.size(); ++i) {
-                    const float value = values[i];
-                    const NgColorLong cpu = scale.GetColor(value) & 0xFFFFFF;
-                    ASSERT_EQ(cpu, hostBandColor(scale, smeared, value) & 0xFFFFFF) << value;
-                    ++compared;
-                    const glm::vec3 gpu = glm::vec3(pixels[i]) * 255.0f;
-                    const glm::vec3 apart = abs(gpu - channels(cpu) * 255.0f);
-                    if (std::max({apart.x, apart.y, apart.z}) < 0.01f ||
-                        std::fpclassify(value) == FP_SUBNORMAL)
-                        continue;
-                    const bool constant = scale.GetMinValue() == scale.GetMaxValue();
-                    const bool inside = !(value < scale.GetMinValue() || value > scale.GetMaxValue());
-                    if (constant && !inside)
-                        ++reasons["equal limits: the CPU's middle band, the shader's colour out of range"];
-                    else if (inside && bandOf(scale, value) < 0 && cpu == 0xFFFFFF)
-                        ++reasons["in a gap or not a number: white, the shader's colour below the range"];
-                    else if (inside && smeared && std::max({apart.x, apart.y, apart.z}) < 1)
-                        ++reasons["a mix: the CPU truncates it to 8 bits"];
-                    else
-                        ADD_FAILURE() << value << ": " << hex(cpu) << " on the CPU, " << gpu.x << ", "
-                                      << gpu.y << ", " << gpu.z << " in the shader";
-                }
-            }
-    EXPECT_EQ(reasons.size(), 3u) << "each kind of difference occurs";
-    std::printf("[ compared ] %d values on CPU and GPU\n", compared);
-    for (const auto& [reason, count] : reasons)
-        std::printf("[ compared ]   %d %s\n", count, reason.c_str());
 }
 
 TEST_F(BandAudit, BandsThatOverlapOrDescendAreSearchedAsOnTheCpu) {

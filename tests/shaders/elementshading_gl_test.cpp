@@ -68,6 +68,7 @@ Lighting makeLighting() {
                           0.00006103515625f};
     lighting.front = {{0.0625f, 0, 0.03125f, 0.125f}, {}, {}, {0.5f, 0.25f, 0.75f, 0.5f}, 3};
     lighting.back = {{0, 0.0625f, 0, 0}, {}, {}, {0.125f, 0.5f, 0.25f, 0.25f}, 5};
+    lighting.pbrLights[2] = {1, {}, {}, {}, {0.3f, -0.2f, 0.8f, 1}, 1, 0, 0};
     return lighting;
 }
 
@@ -115,29 +116,33 @@ protected:
     void audit(const char* name, GLenum mode, int corners, Rule& rule) {
         const MeshFacts facts = makeFacts();
         const Elements elements = makeElements(corners);
-        const Lighting lighting = makeLighting();
+        Lighting lighting = makeLighting();
         set(facts);
-        set(lighting);
-        Audit lit, unlit;
+        Audit lit, physical, unlit;
         long drawn = 0;
         for (std::uint64_t i = 0; i < 600; ++i) {
             const MeshSettings settings = settingsAt(i * 1000003);
             set(settings);
+            lighting.physicallyBased = i >= 450;
+            if (i % 450 == 0)
+                set(lighting);
             const auto pixels = draw(mode, elements.vertices);
             for (const Fragment& f : elements.fragments) {
                 const auto expected = rule(settings, facts, lighting, f);
                 drawn += expected.has_value();
-                (settings.bw == 0 ? lit : unlit).add(expected, pixels[f.primitive], [&] {
-                    return describe(settings) + "primitive " + std::to_string(f.primitive);
-                });
+                Audit& audited = settings.bw != 0 ? unlit : i < 450 ? lit : physical;
+                audited.add(expected, pixels[f.primitive],
+                            [&] { return describe(settings) + "primitive " + std::to_string(f.primitive); });
             }
         }
         lit.report(name);
+        physical.report((std::string(name) + ", physical").c_str());
         unlit.report((std::string(name) + ", unlit").c_str());
         EXPECT_GT(drawn, 100000);
-        EXPECT_GT(lit.compared + unlit.compared - drawn, 100000) << "left out";
+        EXPECT_GT(lit.compared + physical.compared + unlit.compared - drawn, 100000) << "left out";
         // Slopes are differences of positions interpolated in float over a target of 64 pixels.
         EXPECT_LE(lit.largest, 1e-4) << lit.worst;
+        EXPECT_LE(physical.largest, 1e-4) << physical.worst;
         EXPECT_LE(unlit.largest, 1e-6) << unlit.worst; // 8-bit colours divided by 255, and mixes of two
     }
 };
@@ -147,60 +152,15 @@ protected:
 TEST_F(ElementShading, MeshProgram) {
     useCatalogue(RenderShaderMesh);
     audit("mesh program", GL_TRIANGLES, 3, meshFragment);
-}
-
-TEST_F(ElementShading, MeshProgramWithElementsByAttribute) {
     use(elementMeshProgram());
     audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
 }
 
-TEST_F(ElementShading, TriangleProgram) {
+TEST_F(ElementShading, ProgramsWithAGeometryStage) {
     useCatalogue(RenderShaderMeshTriangles);
     audit("triangle program", GL_TRIANGLES, 3, geometryFragment);
-}
-
-TEST_F(ElementShading, QuadProgram) {
     useCatalogue(RenderShaderMeshQuads);
     audit("quad program", GL_LINES_ADJACENCY, 4, geometryFragment);
-}
-
-TEST_F(ElementShading, RowsThatAnEngineerWouldState) {
-    const dvec4 gone(kNothing), grey(0.5, 0.5, 0.5, 1);
-    const auto atLevel = [](int level) { return S{.bvlf = 1, .nvlf = 3, .ncvl = level}; };
-    const ElementFacts levels{.failsAt = 5, .failsBelow = 2}, colored{.color = {51, 102, 153, 1}};
-    const std::tuple<const char*, MeshSettings, ElementFacts, dvec4> rows[] = {
-        {"plain", {}, {}, grey},
-        {"clip flag 1 leaves code 2 out", {.clip_flag = 1}, {.clipCode = 2}, gone},
-        {"clip flag 2 clips nothing", {.clip_flag = 2}, {.clipCode = 2}, grey},
-        {"clip flag 3 leaves code 2 out", {.clip_flag = 3}, {.clipCode = 2}, gone},
-        {"clip flag 3 keeps code 3", {.clip_flag = 3}, {.clipCode = 3}, grey},
-        {"levels 5 and 2, at 1", atLevel(1), levels, gone},
-        {"levels 5 and 2, at 2", atLevel(2), levels, grey},
-        {"levels 5 and 2, at 4", atLevel(4), levels, grey},
-        {"levels 5 and 2, at 5", atLevel(5), levels, gone},
-        {"hidden", {.bao = 0}, {.visible = 0}, gone},
-        {"hidden and highlighted", {.bao = 0, .behs = 1}, {.visible = 0, .picked = 2}, {0, 0.5, 1, 1}},
-        {"an own colour divides its alpha too", {.bem = 1}, colored, {0.2, 0.4, 0.6, 1 / 255.0}},
-        {"transparent", {.bem = 1, .transparent = 1}, colored, {0.2, 0.4, 0.6, 0.375}},
-    };
-    const std::pair<_RenderingShaderType, GLenum> programs[] = {{RenderShaderMesh, GL_TRIANGLES},
-                                                                {RenderShaderMeshTriangles, GL_TRIANGLES},
-                                                                {RenderShaderMeshQuads, GL_LINES_ADJACENCY}};
-    for (const auto& [type, mode] : programs)
-        for (const auto& [name, settings, element, color] : rows) {
-            useCatalogue(type);
-            MeshFacts facts;
-            facts.vertexColor = grey;
-            facts.elements = {element};
-            set(facts);
-            set(settings);
-            set("g_lightsOff", 1);
-            Vertices one;
-            one.position = {{0, 0, 0}, {4, 0, 0}, {4, 4, 0}, {0, 4, 0}};
-            if (mode == GL_TRIANGLES)
-                one.position.pop_back();
-            EXPECT_LT(distance(dvec4(draw(mode, one)[64 + 2]), color), 1e-6) << name << ", program " << type;
-        }
 }
 
 TEST_F(ElementShading, ClipPlanesCutOnlyWhenAskedTo) {

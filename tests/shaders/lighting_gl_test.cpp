@@ -128,12 +128,6 @@ double apart(const std::vector<glm::vec4>& a, const std::vector<glm::vec4>& b) {
     return audit.largest;
 }
 
-/// Directions spread evenly over the half sphere around +z.
-dvec3 hemisphere(int i, int count) {
-    const double z = (i + 0.5) / count, angle = i * 2.399963229728653, r = std::sqrt(1 - z * z);
-    return {r * std::cos(angle), r * std::sin(angle), z};
-}
-
 } // namespace
 
 TEST_F(ShaderLighting, ClassicModelFollowsTheRules) {
@@ -259,119 +253,6 @@ TEST_F(ShaderLighting, EnvironmentModelFollowsTheRules) {
         lighting.reflectivity = material.z;
         expectRules("environment", lighting, 1e-5);
     }
-}
-
-TEST_F(ShaderLighting, HoldsWhatHoldsForAnyLight) {
-    for (int physicallyBased : {0, 1}) {
-        SCOPED_TRACE(physicallyBased);
-        Lighting lighting = makeLighting(0xFF);
-        lighting.physicallyBased = physicallyBased;
-        lighting.back = lighting.front;
-        const auto pixels = drawPoints(lighting);
-        for (dvec3& normal : facts.normals)
-            normal = -normal;
-        EXPECT_LE(apart(drawPoints(lighting), pixels), 2e-7) << "both sides look the same but for a rounding";
-        std::reverse(lighting.lights.begin(), lighting.lights.end());
-        std::reverse(lighting.pbrLights.begin(), lighting.pbrLights.end());
-        EXPECT_LE(apart(drawPoints(lighting), pixels), 2e-6) << "the order of a float sum";
-    }
-}
-
-TEST_F(ShaderLighting, ReflectsNoMoreThanItsConstantsAllow) {
-    constexpr int kLights = 1024;
-    facts.normals = {{0, 0, 1}};
-    points.position = {{8.5f, 8.5f, 0}};
-    facts.vertexColor = {1, 1, 1, 1};
-    // The light of a whole white sky that one point sends to the camera.
-    const auto reflected = [&](Lighting lighting) {
-        double sum = 0;
-        for (int i = 0; i < kLights; i += 8) {
-            for (int l = 0; l < 8; ++l) {
-                lighting.pbrLights[l].enabled = 1;
-                std::copy_n(glm::value_ptr(glm::vec4(hemisphere(i + l, kLights), 1)), 4,
-                            lighting.pbrLights[l].position);
-            }
-            const double mapped = std::pow(double(drawPoints(lighting)[8 * 64 + 8].r), 2.2);
-            sum += mapped / (1 - mapped);
-        }
-        return sum * 2 * 3.14159265359 / kLights;
-    };
-    Lighting lighting;
-    lighting.physicallyBased = 1;
-    for (double roughness : {0.5, 0.75, 1.0})
-        for (double tilt : {0.0, 50.0}) {
-            SCOPED_TRACE(roughness + tilt);
-            lighting.roughness = roughness;
-            lighting.camera = dvec3(8.5 + tilt, 8.5, 40);
-            lighting.metalness = 1;
-            const double metal = reflected(lighting);
-            EXPECT_LT(metal, 0.9) << "the factor of the specular term";
-            EXPECT_GT(metal, 0.2);
-            lighting.metalness = 0;
-            lighting.reflectivity = 0;
-            const double dull = reflected(lighting);
-            EXPECT_GT(dull, 0.99) << "all that falls on it, as diffuse light";
-            EXPECT_LT(dull, 1.2) << "and its Fresnel edge";
-        }
-}
-
-TEST_F(ShaderLighting, WhatFacesTheViewerIsLit) {
-    struct Row {
-        const char* name;
-        _RenderingShaderType type; // none: elements by attribute
-        GLenum mode;
-        int smooth = 0, elementNormals = 0;
-    };
-    const Row rows[] = {{"derivatives", RenderShaderMesh, GL_QUADS},
-                        {"element normals", RenderShaderMesh, GL_QUADS, 0, 1},
-                        {"vertex normals", RenderShaderMesh, GL_QUADS, 1},
-                        {"elements by attribute", RenderShaderNone, GL_QUADS},
-                        {"triangle stage", RenderShaderMeshTriangles, GL_TRIANGLES},
-                        {"triangle stage, vertex normals", RenderShaderMeshTriangles, GL_TRIANGLES, 1},
-                        {"quad stage", RenderShaderMeshQuads, GL_LINES_ADJACENCY},
-                        {"quad stage, vertex normals", RenderShaderMeshQuads, GL_LINES_ADJACENCY, 1}};
-    Lighting lighting;
-    lighting.lights[2] = {1, {0.1f, 0.1f, 0.1f, 1}, {0.8f, 0.8f, 0.8f, 1}, {}, {32, 32, 90, 1}, 1, 0, 0};
-    lighting.pbrLights[2] = {1, {}, {}, {}, {0, 0, 1, 1}, 1, 0, 0};
-    lighting.roughness = 0.75;
-    lighting.reflectivity = 0.1;
-    facts.vertexColor = {1, 1, 1, 1};
-    facts.elements = {{}};
-    facts.normals = {{0, 0, 1}};
-    for (const Row& row : rows)
-        for (int physicallyBased : {0, 1}) {
-            SCOPED_TRACE(row.name);
-            NShaderProgram* program = RenderingGetShaderProgram(row.type);
-            lighting.physicallyBased = physicallyBased;
-            // The middle of a square of 32 units that is turned about the vertical through it.
-            const auto middle = [&](double degrees) {
-                const glm::mat4 turn = glm::translate(glm::mat4(1), {32, 32, 0}) *
-                                       glm::rotate(glm::mat4(1), float(degrees * M_PI / 180), {0, 1, 0});
-                use(program ? *program : elementMeshProgram(), physicallyBased ? glm::mat4(1) : turn);
-                settings = {};
-                settings.smooth = row.smooth;
-                settings.useelemnormbuff = row.elementNormals;
-                const glm::mat4 model = physicallyBased ? turn : glm::mat4(1);
-                facts.normals = {dvec3(model * glm::vec4(0, 0, 1, 0))};
-                set(facts);
-                set(settings);
-                set(lighting);
-                Vertices square;
-                for (const glm::vec2& at : {glm::vec2(-16, -16), {16, -16}, {16, 20}, {-16, 16}})
-                    square.position.push_back(model * glm::vec4(at, 0, 1));
-                if (row.mode == GL_TRIANGLES)
-                    square.position.pop_back();
-                square.vertexNormal.assign(4, glm::vec4(facts.normals[0], 0));
-                square.element.assign(4, 0);
-                return draw(row.mode, square)[31 * 64 + 32].r;
-            };
-            const float facing = middle(0), edgeOn = middle(80), behind = middle(180);
-            EXPECT_GT(facing, edgeOn + 0.2f);
-            EXPECT_NEAR(behind, facing, 1e-3) << "both sides are lit alike";
-            if (!physicallyBased) {
-                EXPECT_NEAR(facing, 0.1 * 1.74 + 0.8 * 0.5, 1e-3) << "beside the light's axis by a pixel";
-            }
-        }
 }
 
 TEST_F(ShaderLighting, PointsFollowTheRules) {

@@ -67,35 +67,6 @@ inline glm::vec3 shaderBandColor(const RenderColorScale& scale, bool smeared, fl
     return color + t * (channels(bands[index + 1].color) - color);
 }
 
-/// The CPU's colour of a value: equal limits come first, a gap is white, a mix is truncated.
-inline NgColorLong hostBandColor(const RenderColorScale& scale, bool smeared, float value) {
-    const auto& bands = scale.GetColorBands();
-    const double minimum = scale.GetMinValue(), maximum = scale.GetMaxValue(), v = value;
-    const auto same = [](double a, double b) { return a == b || std::abs(a - b) < 1e-10 * std::abs(b); };
-    if (same(minimum, maximum))
-        return bands[bands.size() / 2].color;
-    if (v < minimum)
-        return scale.GetOutOfRangeMinColor() == 0xFFFFFFFF ? bands.front().color
-                                                           : scale.GetOutOfRangeMinColor();
-    if (v > maximum)
-        return scale.GetOutOfRangeMaxColor() == 0xFFFFFFFF ? bands.back().color
-                                                           : scale.GetOutOfRangeMaxColor();
-    if (same(v, maximum))
-        return bands.back().color;
-    const int index = bandOf(scale, value);
-    if (index < 0)
-        return 0xFFFFFF;
-    if (!smeared || index + 1 == static_cast<int>(bands.size()))
-        return bands[index].color;
-    const float t = (value - bands[index].min_val) / (bands[index].max_val - bands[index].min_val);
-    NgColorLong mixed = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        const int c0 = bands[index].color >> shift & 0xFF, c1 = bands[index + 1].color >> shift & 0xFF;
-        mixed |= static_cast<NgColorLong>(static_cast<int>(c0 + t * (c1 - c0)) & 0xFF) << shift;
-    }
-    return mixed;
-}
-
 /// What a contour is read from: bands, or a texture sampled at the nearest texel. Values are within bands.
 struct Contour {
     static constexpr int kWidth = 16, kHeight = 2;
