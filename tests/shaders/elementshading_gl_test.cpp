@@ -27,6 +27,9 @@ std::string describe(const MeshSettings& settings) {
 
 constexpr int kElements = 3 * 3 * 3 * 2 * 4 * 3 + 5; // every combination of the facts below, and a few again
 
+const glm::mat4 kModelView = glm::rotate(glm::translate(glm::mat4(1), {5, 9, -3}), 0.7f, {0, 0, 1}),
+                kToModel = glm::inverse(kModelView);
+
 /// Every combination of clip codes, levels, visibility, selection and colour; permutations that tell a
 /// primitive, its element and its original apart.
 MeshFacts makeFacts() {
@@ -52,6 +55,7 @@ MeshFacts makeFacts() {
         facts.normals.push_back(normalize(dvec3(std::sin(i), std::cos(i * 1.7), i % 2 - 0.4)));
     }
     facts.contour = Contour(kElements);
+    facts.normalMatrix = dmat4(glm::dmat3(kModelView));
     return facts;
 }
 
@@ -73,10 +77,10 @@ Lighting makeLighting() {
 }
 
 /// Elements of three or four corners, each over the middle of one pixel, tilted, every other one seen from
-/// behind, and the fragment of each.
+/// behind, and the fragment of each, in eye space and in the model's.
 struct Elements {
     Vertices vertices;
-    std::vector<Fragment> fragments;
+    std::vector<Fragment> fragments, inModel;
 };
 Elements makeElements(int corners) {
     static const glm::vec2 triangle[] = {{-0.45f, -0.45f}, {0.55f, -0.4f}, {-0.4f, 0.55f}},
@@ -93,7 +97,7 @@ Elements makeElements(int corners) {
         for (int c = 0; c < corners; ++c) {
             const int corner = front ? c : corners - 1 - c;
             const glm::vec2 at = corners == 3 ? triangle[corner] : quad[corner];
-            p.push_back(pixelCentre(i) + glm::vec3(at, dot(slope, at) + i % 11));
+            p.push_back(kToModel * glm::vec4(pixelCentre(i) + glm::vec3(at, dot(slope, at) + i % 11), 1));
         }
         elements.vertices.position.insert(elements.vertices.position.end(), p.begin(), p.end());
         elements.vertices.vertexNormal.insert(elements.vertices.vertexNormal.end(), corners, vertexNormal);
@@ -101,9 +105,21 @@ Elements makeElements(int corners) {
         elements.vertices.texture.insert(elements.vertices.texture.end(), corners, texture);
         elements.vertices.element.insert(elements.vertices.element.end(), corners - 1, float(kElements - i));
         elements.vertices.element.push_back(float(i)); // of the provoking vertex
-        elements.fragments.push_back({i, front, pixelCentre(i, i % 11),
-                                      normalize(cross(dvec3(p[1] - p[0]), dvec3(p[2] - p[0]))),
-                                      dvec3(vertexNormal), dvec3(normal), vertexNormal.w != 0, texture});
+        const dvec3 facet = normalize(cross(dvec3(p[1] - p[0]), dvec3(p[2] - p[0])));
+        const auto fragmentIn = [&](const glm::mat4& space) {
+            const glm::dmat3 turn(space);
+            const dvec3 position(space * kToModel * glm::vec4(pixelCentre(i, i % 11), 1));
+            return Fragment{i,
+                            front,
+                            position,
+                            turn * facet,
+                            turn * dvec3(vertexNormal),
+                            turn * dvec3(normal),
+                            vertexNormal.w != 0,
+                            texture};
+        };
+        elements.fragments.push_back(fragmentIn(kModelView));
+        elements.inModel.push_back(fragmentIn(glm::mat4(1)));
     }
     return elements;
 }
@@ -127,7 +143,7 @@ protected:
             if (i % 450 == 0)
                 set(lighting);
             const auto pixels = draw(mode, elements.vertices);
-            for (const Fragment& f : elements.fragments) {
+            for (const Fragment& f : lighting.physicallyBased ? elements.inModel : elements.fragments) {
                 const auto expected = rule(settings, facts, lighting, f);
                 drawn += expected.has_value();
                 Audit& audited = settings.bw != 0 ? unlit : i < 450 ? lit : physical;
@@ -150,16 +166,16 @@ protected:
 } // namespace
 
 TEST_F(ElementShading, MeshProgram) {
-    useCatalogue(RenderShaderMesh);
+    use(*RenderingGetShaderProgram(RenderShaderMesh), kModelView);
     audit("mesh program", GL_TRIANGLES, 3, meshFragment);
-    use(elementMeshProgram());
+    use(elementMeshProgram(), kModelView);
     audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
 }
 
 TEST_F(ElementShading, ProgramsWithAGeometryStage) {
-    useCatalogue(RenderShaderMeshTriangles);
+    use(*RenderingGetShaderProgram(RenderShaderMeshTriangles), kModelView);
     audit("triangle program", GL_TRIANGLES, 3, geometryFragment);
-    useCatalogue(RenderShaderMeshQuads);
+    use(*RenderingGetShaderProgram(RenderShaderMeshQuads), kModelView);
     audit("quad program", GL_LINES_ADJACENCY, 4, geometryFragment);
 }
 
