@@ -83,13 +83,11 @@ TEST_F(NglRecordGl, PopRestoresThePushAndRefreshesTheMarkers) {
     info = sample;
     NglPushNglInfo();
     info = {};
-    UtlDrawSetManagedTextDrawHeight(12);
     NglPopNglInfo();
     EXPECT_TRUE(recordIs(sample));
     EXPECT_TRUE(std::ranges::equal(markerView().modelView, flat(sample.modelViewF)));
     EXPECT_TRUE(std::ranges::equal(markerView().projection, flat(sample.projectionF)));
     EXPECT_EQ(markerView().orthoScale, 0.125f);
-    EXPECT_EQ(UtlDrawGetManagedTextDrawHeight(), 0);
 }
 
 TEST_F(NglRecordGl, CustomMatricesLastForTheirBlock) {
