@@ -13,6 +13,8 @@
 #include "tests/support/librarytest.h"
 #include "tests/support/radiancewriter.h"
 #include "tests/support/subprocess.h"
+#include "viewer/contract/hoststates.h"
+#include "viewer/contract/resetstate.h"
 
 using namespace nrutest;
 using Handler = NImageBasedLightHandler;
@@ -247,81 +249,28 @@ TEST_F(ImageBasedLight, MapsAreFilteredAsShadingAsksForAndBlackWithoutAnImage) {
     EXPECT_EQ(texels, std::vector<float>(texels.size(), 0.0f));
 }
 
-// --- the host's state --------------------------------------------------------------------------------------
-
-namespace {
-
-/// State that would spoil the maps or the background, or show that something was not put back.
-struct HostileState {
-    HostileState() {
-        glGenFramebuffers(2, framebuffers);
-        glBindFramebuffer(GL_DRAW_FRAMEBUFFER, framebuffers[0]);
-        glBindFramebuffer(GL_READ_FRAMEBUFFER, framebuffers[1]);
-        glGenTextures(3, textures);
-        glActiveTexture(GL_TEXTURE0);
-        glBindTexture(GL_TEXTURE_2D, textures[0]);
-        glBindTexture(GL_TEXTURE_CUBE_MAP, textures[1]);
-        glGenSamplers(1, &sampler);
-        glSamplerParameteri(sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
-        glBindSampler(0, sampler);
-        glActiveTexture(GL_TEXTURE1);
-        glBindTexture(GL_TEXTURE_BUFFER, textures[2]);
-        glActiveTexture(GL_TEXTURE5);
-        glGenVertexArrays(1, &vertexArray);
-        glBindVertexArray(vertexArray);
-        glGenBuffers(3, buffers);
-        glBindBuffer(GL_TEXTURE_BUFFER, buffers[2]);
-        glBindBuffer(GL_ARRAY_BUFFER, buffers[0]);
-        glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffers[1]);
-        for (const GLenum feature :
-             {GL_ALPHA_TEST, GL_BLEND, GL_COLOR_LOGIC_OP, GL_CULL_FACE, GL_CLIP_PLANE0, GL_DEPTH_TEST,
-              GL_POLYGON_STIPPLE, GL_RASTERIZER_DISCARD, GL_SCISSOR_TEST, GL_STENCIL_TEST})
-            glEnable(feature);
-        glClipPlane(GL_CLIP_PLANE0, kNowhere);
-        glAlphaFunc(GL_NEVER, 0.5f);
-        glBlendFunc(GL_ZERO, GL_ZERO);
-        glBlendEquationSeparate(GL_MIN, GL_MAX);
-        glLogicOp(GL_CLEAR);
-        glDepthFunc(GL_NEVER);
-        glDepthMask(GL_FALSE);
-        glColorMask(GL_FALSE, GL_TRUE, GL_FALSE, GL_TRUE);
-        glClearColor(0.1f, 0.2f, 0.3f, 0.4f);
-        glClearDepth(0.25);
-        glClampColor(GL_CLAMP_FRAGMENT_COLOR, GL_TRUE);
-        glClampColor(GL_CLAMP_READ_COLOR, GL_TRUE);
-        glCullFace(GL_FRONT_AND_BACK);
-        glPolygonMode(GL_FRONT, GL_POINT);
-        glPolygonMode(GL_BACK, GL_LINE);
-        glScissor(1, 2, 3, 4);
-        glViewport(5, 6, 7, 8);
-        glPixelTransferf(GL_RED_SCALE, 0.5f);
-        glPixelTransferf(GL_BLUE_BIAS, 0.5f);
-        glPixelStorei(GL_UNPACK_ALIGNMENT, 8);
-        glPixelStorei(GL_UNPACK_ROW_LENGTH, 7);
-        glPixelStorei(GL_UNPACK_SWAP_BYTES, GL_TRUE);
-    }
-    static constexpr GLdouble kNowhere[4] = {0, 0, 0, -1};
-    GLuint framebuffers[2], textures[3], sampler, vertexArray, buffers[3];
-};
-
-} // namespace
-
-TEST_F(ImageBasedLight, BuildsTheSameMapsUnderAnyStateAndLeavesIt) {
+TEST_F(ImageBasedLight, BuildsTheSameMapsUnderAnyStateOfTheHostAndLeavesIt) {
     use(compass(129)); // whose rows are not of 8 bytes each
     initialize();
     const std::vector<float> maps = allMaps();
-    Handler::CleanUpBuffers();
-    {
-        const HostileState host;
-        const GlSnapshot snapshot = GlSnapshot::take();
-        initialize();
-        EXPECT_TRUE(GlSnapshot::take().equals(snapshot));
+    const nruview::HostObjects objects;
+    GLuint texture;
+    glGenTextures(1, &texture);
+    using enum nruview::StateGroup;
+    for (const auto group : {Region, Depth, Mixing, Faces, Clipping, Textures, Plumbing}) {
+        SCOPED_TRACE(static_cast<int>(group));
+        for (const nruview::HostState& state : nruview::hostStates())
+            if (state.group == group && !state.end && !state.name.starts_with("render mode"))
+                state.set(objects);
+        glActiveTexture(GL_TEXTURE1);
+        glBindTexture(GL_TEXTURE_BUFFER, texture);
+        const GlSnapshot before = GlSnapshot::take();
+        Handler::CleanUpBuffers();
+        EXPECT_EQ(initialize(), 1);
+        EXPECT_TRUE(before.equals(GlSnapshot::take()));
+        nruview::resetState();
+        EXPECT_EQ(allMaps(), maps);
     }
-    glPixelTransferf(GL_RED_SCALE, 1.0f);
-    glPixelTransferf(GL_BLUE_BIAS, 0.0f);
-    glClampColor(GL_CLAMP_READ_COLOR, GL_FIXED_ONLY);
-    glActiveTexture(GL_TEXTURE0);
-    EXPECT_EQ(allMaps(), maps);
 }
 
 // --- drivers that fail -------------------------------------------------------------------------------------
