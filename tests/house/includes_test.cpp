@@ -75,19 +75,4 @@ TEST(Includes, PointDownwards) {
     EXPECT_GT(read, 50) << "the tree was not found";
 }
 
-// The rule itself, on pairs that the tree must not hold.
-TEST(Includes, ThatClimbAreRefused) {
-    const std::pair<const char*, const char*> climbing[] = {
-        {"NRenderUtl/ntypes.h", "NRenderUtl/host/nhost.h"},
-        {"NRenderUtl/host/memory.cpp", "NRenderUtl/gl/ngl.h"},
-        {"NRenderUtl/gl/nglview.cpp", "NRenderUtl/markers/nmarkers.h"},
-        {"NRenderUtl/lighting/iblhandler.cpp", "NRenderUtl/mesh/private.h"},
-        {"NRenderUtl/mesh/colorscale.cpp", "../gl/ngl.h"},
-        {"NRenderUtl/mesh/nmesh.h", "NRenderUtl/gl/nglrecord.h"},
-        {"viewer/model.cpp", "NRenderUtl/host/hostmath.h"},
-    };
-    for (const auto& [file, header] : climbing)
-        EXPECT_FALSE(mayInclude(file, header)) << file << " includes " << header;
-}
-
 } // namespace

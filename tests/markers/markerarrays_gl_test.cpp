@@ -516,16 +516,12 @@ TEST_F(MarkerArrays, WrongCallsAreToldAndDrawNothing) {
     nothing(0, true);
     const std::string log = takeLog();
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 4) << log;
-    Render3DMarkerArray array = markers.array();
+    Render3DMarkerArray empty = markers.array(), noStarts = empty, noVectors = empty;
+    empty.count = 0;
+    noStarts.starts = noVectors.vectors = nullptr;
+    for (const Render3DMarkerArray* wrong : {&empty, &noStarts, &noVectors})
+        EXPECT_EQ(RenderDraw3DMarkers(wrong), 0);
     EXPECT_EQ(RenderDraw3DMarkers(nullptr), 0);
-    array.count = 0;
-    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
-    array.count = 5;
-    array.starts = nullptr;
-    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
-    array = markers.array();
-    array.vectors = nullptr;
-    EXPECT_EQ(RenderDraw3DMarkers(&array), 0);
     RenderBegin3DMarkerDraw(RENDER_3D_MARKER_NONE, kSmooth, false);
     nothing(0, false);
     RenderBegin3DMarkerDraw(kCylinder, static_cast<_Render3DMarkerShape>(7), false);

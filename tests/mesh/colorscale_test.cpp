@@ -92,22 +92,14 @@ TEST(RenderColorScale, LimitsDecideToTheLastBit) {
     }
 }
 
-TEST(RenderColorScale, InitialAndEmptyLimits) {
+TEST(RenderColorScale, WithoutBandsHasNoColorAndLimitsThatHostsKnow) {
     RenderColorScale scale;
-    for (const char* state : {"new", "reset"}) {
-        SCOPED_TRACE(state);
-        EXPECT_EQ(scale.GetMinValue(), FLT_MAX);
-        EXPECT_EQ(scale.GetMaxValue(), FLT_MIN);
-        EXPECT_EQ(scale.GetOutOfRangeMinColor() & scale.GetOutOfRangeMaxColor(), kUnset);
-        EXPECT_EQ(scale.GetColor(0), kUnset);
-        scale.SetColorBands({{1, 2, kRed}});
-        scale.SetOutOfRangeMaxColor(kHigh);
-        scale.SetOutOfRangeMinColor(kLow);
-        scale.Reset();
-    }
+    scale.SetColorBands({{1, 2, kRed}});
+    scale.Reset();
+    EXPECT_EQ(std::pair(scale.GetMinValue(), scale.GetMaxValue()), std::pair(FLT_MAX, FLT_MIN));
+    EXPECT_EQ(scale.GetColor(0), kUnset);
     scale.SetColorBands({});
-    EXPECT_EQ(scale.GetMinValue(), FLT_MAX);
-    EXPECT_EQ(scale.GetMaxValue(), -FLT_MAX);
+    EXPECT_EQ(std::pair(scale.GetMinValue(), scale.GetMaxValue()), std::pair(FLT_MAX, -FLT_MAX));
 }
 
 TEST(RenderTextureAttributes, KeepsTheHostsLayout) {

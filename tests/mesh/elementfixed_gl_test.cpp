@@ -107,34 +107,6 @@ protected:
 
 } // namespace
 
-TEST_F(ElementFixed, FactsDecideTheColors) {
-    surface = tiles(6);
-    for (const std::uint32_t hidden : {1, 2, 3, 5})
-        set(facts.visible, hidden, std::uint8_t{0});
-    for (const std::uint32_t neither : {0, 1})
-        set(facts.selection, neither, std::uint8_t{3});
-    set(facts.selection, 2, std::uint8_t{ngl::NglElementHighlighted});
-    set(facts.selection, 3, std::uint8_t{ngl::NglElementSelected});
-    for (const std::uint32_t owner : {3, 4, 5})
-        set(facts.color, owner, std::uint32_t{0x0100FF00});
-    set(facts.color, 0, std::uint32_t{0x0000FF00}); // a colour, but not its own
-    values.values.assign(24, 0.5f);
-    values.scale.SetColorBands({{0, 1, kBlue}});
-    const std::tuple<ElementValues::Kind, std::vector<std::uint32_t>> rows[] = {
-        {ElementValues::None, {kGray, kClear, kPink, kYellow, kGreen, kClear}},
-        {ElementValues::OfNodes, {kBlue, kClear, kPink, kYellow, kBlue, kClear}},
-        {ElementValues::OfElements, {kBlue, kClear, kPink, kYellow, kBlue, kClear}}};
-    for (const auto& [kind, seen] : rows)
-        for (const auto shading : {ngl::NglElementSmooth, ngl::NglElementFlat, ngl::NglElementNormals}) {
-            values.kind = kind;
-            how.shading = shading;
-            const Picture p = draw();
-            for (int x = 0; x < 48; ++x)
-                EXPECT_EQ(hex(p.at(x, 4)), hex(seen[x / 8]))
-                    << kind << ", shading " << shading << ", x " << x;
-        }
-}
-
 TEST_F(ElementFixed, BandsFollowTheRulesOfThePrograms) {
     const auto below = [](float value) { return std::nextafter(value, -kInfinity); };
     const auto above = [](float value) { return std::nextafter(value, kInfinity); };
@@ -373,40 +345,4 @@ TEST_F(ElementFixed, KeepsItsArraysUntilSomethingChanges) {
     surface = sheet();
     route.clear();
     EXPECT_FALSE(samePicture(draw(route, view), last));
-}
-
-TEST_F(ElementFixed, StandsInWhereTheProgramsCannotRun) {
-    const Environment drivers[] = {
-        {{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_shader -GL_ARB_fragment_shader"}},
-        {{"MESA_GL_VERSION_OVERRIDE", "1.4"}, {"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_buffer_object"}},
-        {{"NU_RENDERING_MODE", "1"}}};
-    for (const Environment& driver : drivers) {
-        if (ranInSubprocess(driver))
-            continue;
-        SetRenderingContextActive(true);
-        InitRenderDefaults();
-        NglInitGLExtensions();
-        RenderingInitShaders();
-        ASSERT_FALSE(IsFastRendererEnabled());
-        const double nodes[] = {-0.9, -0.9, 0, 0.8, -0.9, 0.2, 0.9, 0.7, 0, -0.7, 0.9, -0.2};
-        const std::uint32_t quad[] = {0, 1, 2, 3};
-        ngl::NglElementMeshInput input;
-        input.nodeCount = 4;
-        input.nodes = nodes;
-        input.quadCount = 1;
-        input.quads = quad;
-        ngl::NglElementMesh mesh;
-        ASSERT_EQ(mesh.Create(input), 0);
-        EXPECT_EQ(mesh.Draw(), 0);
-        const Picture automatic = read();
-        EXPECT_GT(automatic.countOtherThan(kClear), 2000);
-        clear();
-        how.route = ngl::NglElementRouteFixed;
-        how.color = ngl::NglElementAttributes{}.color;
-        how.lit = true;
-        mesh.SetAttributes(how);
-        EXPECT_EQ(mesh.Draw(), 0);
-        EXPECT_TRUE(samePicture(automatic, read()));
-        return;
-    }
 }

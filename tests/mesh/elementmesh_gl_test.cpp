@@ -4,6 +4,7 @@
 
 #include "tests/mesh/elementsheet.h"
 #include "tests/support/glsnapshot.h"
+#include "tests/support/subprocess.h"
 
 using namespace nrutest;
 using namespace ngl;
@@ -152,6 +153,26 @@ TEST_F(ElementMesh, WhatCannotRunFallsBackToThePicture) {
     mesh1.route = NglElementRouteMesh;
     EXPECT_TRUE(samePicture(draw(unlit), draw(mesh1), 1));
     epoxy_glCreateProgram = createProgram;
+}
+
+TEST_F(ElementMesh, DriversWithoutProgramsDrawByFixedFunction) {
+    const Environment drivers[] = {
+        {{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_shader -GL_ARB_fragment_shader"}},
+        {{"MESA_GL_VERSION_OVERRIDE", "1.4"}, {"MESA_EXTENSION_OVERRIDE", "-GL_ARB_vertex_buffer_object"}},
+        {{"NU_RENDERING_MODE", "1"}}};
+    for (const Environment& driver : drivers) {
+        if (ranInSubprocess(driver))
+            continue;
+        InitRenderDefaults(); // which reads the mode
+        ASSERT_FALSE(IsFastRendererEnabled());
+        nodeContour(mesh);
+        const Picture automatic = draw({});
+        EXPECT_GT(automatic.countOtherThan(kClear), 300);
+        NglElementAttributes fixed;
+        fixed.route = NglElementRouteFixed;
+        EXPECT_TRUE(samePicture(draw(fixed), automatic));
+        return;
+    }
 }
 
 TEST_F(ElementMesh, NumbersBeyondSinglePrecision) {

@@ -1,5 +1,4 @@
-// The names that programs and C++ share: that each is read, on which unit each sampler reads, and what a
-// variant holds as constants.
+// The names that programs and C++ share: that each is read, and on which unit each sampler reads.
 #include <iterator>
 #include <regex>
 #include <set>
@@ -82,36 +81,6 @@ TEST_F(ProgramNames, SamplersAreApartRightAfterStartUp) {
         glGetProgramiv(program, GL_VALIDATE_STATUS, &valid);
         EXPECT_EQ(valid, GL_TRUE);
     }
-}
-
-TEST_F(ProgramNames, VariantsDrawTheSamePictureWithoutTheirUniforms) {
-    const std::vector<FixedSwitch> switches = {{"g_smooth", 1},        {"g_bct", 1}, {"g_ct", 1},
-                                               {"g_use_clr_scale", 1}, {"g_bao", 1}, {"g_usepbrmat", 0}};
-    MeshFacts facts;
-    facts.contour = Contour(2);
-    Lighting lighting;
-    lighting.lights[1] = {1, {0.1f, 0.2f, 0.3f, 1}, {0.3f, 0.2f, 0.1f, 1}, {}, {60, 20, 30, 1}, 1, 0.001f, 0};
-    Vertices v;
-    v.position = {{0, 0, 0}, {64, 0, 5}, {0, 64, 9}, {64, 64, 0}};
-    v.vertexNormal = {{0, 0, 1, 0}, {1, 0, 1, 0}, {0, 1, 1, 0}, {1, 1, 1, 0}};
-    v.texture = {{-0.5f, 0, 0, 1}, {1, 0, 0, 1}, {2, 0, 0, 1}, {3.5f, 0, 0, 1}};
-    const auto drawBy = [&](NShaderProgram& program) {
-        ShaderTest::use(program);
-        set(lighting);
-        set(facts);
-        for (const FixedSwitch& on : switches)
-            set(on.name.c_str(), on.value);
-        return draw(GL_TRIANGLE_STRIP, v);
-    };
-    const auto generic = drawBy(elementMeshProgram());
-    NShaderProgram& fixed = elementMeshProgram({switches});
-    EXPECT_EQ(&elementMeshProgram({switches}), &fixed);
-    EXPECT_EQ(drawBy(fixed), generic);
-    EXPECT_NE(generic[5], generic[64 * 60 + 5]) << "nothing to see";
-    GLint program = 0;
-    glGetIntegerv(GL_CURRENT_PROGRAM, &program);
-    for (const FixedSwitch& gone : switches)
-        EXPECT_EQ(glGetUniformLocation(GLuint(program), gone.name.c_str()), -1) << gone.name;
 }
 
 } // namespace
