@@ -70,6 +70,23 @@ private:
     const MatrixGuard m_matrix{GL_TEXTURE, kIdentity};
 };
 
+// --- the program -------------------------------------------------------------------------------------------
+
+bool build(NShaderProgram& program) {
+    if (program.IsProgramValid())
+        return true;
+    program = NShaderProgram(); // without the locations of the program before
+    const char* fragment[] = {kTextureFragmentMain, kRoundedEdgeLibrary};
+    return program.CompileProgram(kTextureVertexMain, 2, fragment, 0, nullptr, 0);
+}
+
+/// One of the discs' own, which stays when a texture changes its pixels. Null where the driver has none:
+/// asked first, as programs are tried again for each picture.
+NShaderProgram* programOfDiscs() {
+    static NShaderProgram program;
+    return GLeeEnabled(GLeeFragmentShader) && build(program) ? &program : nullptr;
+}
+
 // --- rectangles --------------------------------------------------------------------------------------------
 
 constexpr float kCorners[4][2] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
@@ -96,9 +113,17 @@ void setCornersAndBorder(NShaderProgram& program, const NuTexture::RenderInfo& i
     program.SetVec4UniformValue("g_border_col", color);
 }
 
-void drawQuad(NShaderProgram& program, int width, int height) {
-    const auto w = static_cast<float>(width), h = static_cast<float>(height);
-    const float positions[] = {0, 0, 0, w, 0, 0, w, h, 0, 0, h, 0};
+/// A rectangle of the window's units for a picture of some pixels, or for the disc within a square.
+struct Quad {
+    int from, width, height;
+    int pixelsWide, pixelsHigh;
+    bool disc;
+};
+
+void drawQuad(NShaderProgram& program, const Quad& quad) {
+    const auto from = static_cast<float>(quad.from), right = static_cast<float>(quad.from + quad.width),
+               top = static_cast<float>(quad.from + quad.height);
+    const float positions[] = {from, from, 0, right, from, 0, right, top, 0, from, top, 0};
     const int position = program.GetVertexAttributeLocation(RenderAttribPosition);
     const int coordinate = program.GetVertexAttributeLocation(RenderAttribTexture);
     program.SetVertexAttribute(position, 3, positions);
@@ -108,6 +133,19 @@ void drawQuad(NShaderProgram& program, int width, int height) {
     glDrawArrays(GL_QUADS, 0, 4);
     program.EnableDisableVertexAttribute(position, false);
     program.EnableDisableVertexAttribute(coordinate, false);
+}
+
+void drawByProgram(NShaderProgram& program, const Quad& quad, const NuTexture::RenderInfo& info) {
+    const ClientArraysGuard clientMemory;
+    program.UseProgram(true);
+    setMatrices(program);
+    program.SetUniformValue("g_img_tex", 0);
+    program.SetUniformValue("g_texture_width", quad.pixelsWide);
+    program.SetUniformValue("g_texture_height", quad.pixelsHigh);
+    program.SetUniformValue("g_disc", quad.disc ? 1 : 0);
+    setCornersAndBorder(program, info);
+    drawQuad(program, quad);
+    program.UseProgram(false);
 }
 
 // --- circles -----------------------------------------------------------------------------------------------
@@ -146,6 +184,35 @@ int within(int diameter, int thickness) {
     return std::max(diameter - 2 * std::clamp(thickness, 0, diameter), 0);
 }
 
+void drawDisc(GLuint texture, int centre, int radius) {
+    const bool isOfPixels = radius <= kLargestDiscOfRows && pixelsAreCentres();
+    NShaderProgram* program = isOfPixels ? programOfDiscs() : nullptr;
+    std::optional<PlainFragmentsGuard> fragments;
+    if (!program)
+        fragments.emplace();
+    const TexturedScope textured(texture);
+    const int size = 2 * radius;
+    if (program)
+        drawByProgram(*program, {centre - radius, size, size, size, size, true}, {});
+    else
+        isOfPixels ? drawDiscByRows(centre, radius) : NuTexture::DrawCircle(centre, radius, true);
+}
+
+/// The line about a disc, in the colour of the border.
+void drawRing(int diameter, const NuTexture::RenderInfo& info) {
+    const PlainFragmentsGuard fragments;
+    const DisabledGuard whole({GL_LINE_STIPPLE, GL_LINE_SMOOTH});
+    glColor4f(static_cast<float>(info.borderColor[0]) / 255, static_cast<float>(info.borderColor[1]) / 255,
+              static_cast<float>(info.borderColor[2]) / 255, 1);
+    const int lineWidth = ngl_get_line_width();
+    GLfloat hostsWidth;
+    glGetFloatv(GL_LINE_WIDTH, &hostsWidth);
+    ngl_set_line_width(info.borderThickness);
+    NuTexture::DrawCircle(diameter / 2, within(diameter, info.borderThickness) / 2, false);
+    ngl_set_line_width(lineWidth);
+    glLineWidth(hostsWidth); // which the layer does not know if the host set it itself
+}
+
 } // namespace
 
 void NuTexture::CreateGLTexture() {
@@ -168,11 +235,7 @@ void NuTexture::CreateGLTexture() {
 }
 
 bool NuTexture::BuildProgram() {
-    if (m_ShaderProgram.IsProgramValid())
-        return true;
-    m_ShaderProgram = NShaderProgram(); // without the locations of the program before
-    const char* fragment[] = {kTextureFragmentMain, kRoundedEdgeLibrary};
-    return m_ShaderProgram.CompileProgram(kTextureVertexMain, 2, fragment, 0, nullptr, 0);
+    return build(m_ShaderProgram);
 }
 
 void NuTexture::RenderAsRectangle(int x, int y, int width, int height, const RenderInfo& info) {
@@ -197,16 +260,8 @@ void NuTexture::RenderAsRectangle(int x, int y, int width, int height, const Ren
 bool NuTexture::DrawAsRectangleWithVAMode(int width, int height, const RenderInfo& info) {
     if (!BuildProgram())
         return false;
-    const ClientArraysGuard clientMemory;
-    m_ShaderProgram.UseProgram(true);
-    setMatrices(m_ShaderProgram);
-    m_ShaderProgram.SetUniformValue("g_img_tex", 0);
     // The texture's own pixels: corners and border grow with the picture.
-    m_ShaderProgram.SetUniformValue("g_texture_width", m_width);
-    m_ShaderProgram.SetUniformValue("g_texture_height", m_height);
-    setCornersAndBorder(m_ShaderProgram, info);
-    drawQuad(m_ShaderProgram, width, height);
-    m_ShaderProgram.UseProgram(false);
+    drawByProgram(m_ShaderProgram, {0, width, height, m_width, m_height, false}, info);
     return true;
 }
 
@@ -227,27 +282,10 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
         return;
     diameter = diameter > 0 ? diameter : std::min(m_width, m_height);
     const WindowScope window({x, y, diameter, diameter}, m_pixelFormat == GL_RGBA);
-    const PlainFragmentsGuard fragments;
-    {
-        const TexturedScope textured(m_texture);
-        const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
-        const bool byRows = filled / 2 <= kLargestDiscOfRows && pixelsAreCentres();
-        byRows ? drawDiscByRows(diameter / 2, filled / 2) : DrawCircle(diameter / 2, filled / 2, true);
-    }
-    if (info.border == 0)
-        return;
-    glColor4f(static_cast<float>(info.borderColor[0]) / 255, static_cast<float>(info.borderColor[1]) / 255,
-              static_cast<float>(info.borderColor[2]) / 255, 1);
-    const int lineWidth = ngl_get_line_width();
-    GLfloat hostsWidth;
-    glGetFloatv(GL_LINE_WIDTH, &hostsWidth);
-    ngl_set_line_width(info.borderThickness);
-    {
-        const DisabledGuard whole({GL_LINE_STIPPLE, GL_LINE_SMOOTH});
-        DrawCircle(diameter / 2, within(diameter, info.borderThickness) / 2, false);
-    }
-    ngl_set_line_width(lineWidth);
-    glLineWidth(hostsWidth); // which the layer does not know if the host set it itself
+    const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
+    drawDisc(m_texture, diameter / 2, filled / 2);
+    if (info.border != 0)
+        drawRing(diameter, info);
 }
 
 // Deliberate: the fan starts on the rim, at angle 0, not in the centre.
