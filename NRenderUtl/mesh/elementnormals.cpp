@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <numbers>
 #include <numeric>
 
@@ -33,9 +34,21 @@ void addTo(Vector& sum, const Vector& a, float factor = 1.0f) {
 
 // --- faces -------------------------------------------------------------------------------------------------
 
+/// Calls act(number, corners) for each face, with corners of three or of four: loops over them are unrolled.
+template <class Act>
+void forEachFace(const ElementSurface& surface, const Act& act) {
+    const std::uint32_t* corner = surface.corners.data();
+    std::uint32_t face = 0;
+    for (; face < surface.triangleCount; ++face, corner += 3)
+        act(face, std::span<const std::uint32_t, 3>(corner, 3));
+    for (; face < surface.faceCount(); ++face, corner += 4)
+        act(face, std::span<const std::uint32_t, 4>(corner, 4));
+}
+
 /// Normal of a face as long as twice its area times scale squared, in double precision up to the result.
-Vector areaVector(const double* nodes, std::span<const std::uint32_t> face, double scale) {
-    const bool quad = face.size() == 4;
+template <std::size_t Count>
+Vector areaVector(const double* nodes, std::span<const std::uint32_t, Count> face, double scale) {
+    constexpr bool quad = Count == 4;
     const double* p[4] = {nodes + 3 * std::size_t{face[0]}, nodes + 3 * std::size_t{face[quad ? 2 : 1]},
                           nodes + 3 * std::size_t{face[quad ? 1 : 0]},
                           nodes + 3 * std::size_t{face[quad ? 3 : 2]}};
@@ -50,29 +63,38 @@ Vector areaVector(const double* nodes, std::span<const std::uint32_t> face, doub
 
 /// Brings every length of the surface to about 1 at most, so that areas are single-precision numbers.
 double unitScale(const ElementSurface& surface) {
-    float largest = 0.0f;
+    Vector largest{};
     for (const Vector& p : surface.positions)
-        for (float x : p)
-            largest = std::max(largest, std::abs(x));
-    return largest > 0.0f ? 1.0 / largest : 1.0;
+        for (int k = 0; k < 3; ++k)
+            largest[k] = std::max(largest[k], std::abs(p[k]));
+    const float most = std::max({largest[0], largest[1], largest[2]});
+    return most > 0.0f ? 1.0 / most : 1.0;
 }
 
-std::vector<Vector> areaVectors(const double* nodes, const ElementSurface& surface) {
+/// One for each face.
+using Areas = std::unique_ptr<Vector[]>;
+
+/// Sums up the area vectors about the nodes.
+Areas sumAreas(const double* nodes, ElementSurface& surface) {
     const double scale = unitScale(surface);
-    std::vector<Vector> areas(surface.faceCount());
-    for (std::uint32_t i = 0; i < surface.faceCount(); ++i)
-        areas[i] = areaVector(nodes, surface.face(i), scale);
+    Areas areas = std::make_unique_for_overwrite<Vector[]>(surface.faceCount());
+    surface.normals.assign(surface.nodeCount, Vector{});
+    forEachFace(surface, [&](std::uint32_t i, const auto& face) {
+        areas[i] = areaVector(nodes, face, scale);
+        for (const std::uint32_t node : face)
+            addTo(surface.normals[node], areas[i]);
+    });
     return areas;
 }
 
-/// The means of the nodes; zero where no face has an area.
-void makeMeans(const std::vector<Vector>& areas, ElementSurface& surface) {
-    surface.normals.assign(surface.nodeCount, Vector{});
-    for (std::uint32_t i = 0; i < surface.faceCount(); ++i)
-        for (std::uint32_t node : surface.face(i))
-            addTo(surface.normals[node], areas[i]);
-    for (Vector& normal : surface.normals)
+/// Makes means of the sums; zero where no face has an area. Whether there is such a node.
+bool makeMeans(ElementSurface& surface) {
+    bool lacking = false;
+    for (Vector& normal : surface.normals) {
         normal = unit(normal);
+        lacking |= normal == Vector{};
+    }
+    return lacking;
 }
 
 // --- creases -----------------------------------------------------------------------------------------------
@@ -86,22 +108,27 @@ constexpr std::size_t kMostCompared = 1000;
 /// The nodes about which the faces may not all share a normal, numbered; kNoCrease for all others. Where each
 /// face is within half the crease angle of the mean, any two are within the whole one.
 struct Creases {
-    std::vector<std::uint32_t> numberOf; ///< of each node
+    std::vector<std::uint32_t> numberOf; ///< of each node; empty without any
     std::vector<std::uint32_t> nodes;    ///< of each number
 };
 
-Creases findCreases(const std::vector<Vector>& areas, const ElementSurface& surface, double creaseRad) {
+Creases findCreases(const Areas& areas, const ElementSurface& surface, double creaseRad) {
     const float agree = static_cast<float>(std::cos(creaseRad / 2)) - kCosineSlack;
     Creases creases;
-    creases.numberOf.assign(surface.nodeCount, kNoCrease);
-    for (std::uint32_t i = 0; i < surface.faceCount(); ++i) {
+    const auto add = [&](std::uint32_t node) {
+        if (creases.nodes.empty())
+            creases.numberOf.assign(surface.nodeCount, kNoCrease);
+        if (creases.numberOf[node] != kNoCrease)
+            return;
+        creases.numberOf[node] = static_cast<std::uint32_t>(creases.nodes.size());
+        creases.nodes.push_back(node);
+    };
+    forEachFace(surface, [&](std::uint32_t i, const auto& face) {
         const float least = agree * length(areas[i]);
-        for (std::uint32_t node : surface.face(i))
-            if (!(dot(areas[i], surface.normals[node]) >= least) && creases.numberOf[node] == kNoCrease) {
-                creases.numberOf[node] = static_cast<std::uint32_t>(creases.nodes.size());
-                creases.nodes.push_back(node);
-            }
-    }
+        for (const std::uint32_t node : face)
+            if (!(dot(areas[i], surface.normals[node]) >= least))
+                add(node);
+    });
     return creases;
 }
 
@@ -117,8 +144,7 @@ struct CreaseCorners {
     std::vector<Corner> all;
 };
 
-CreaseCorners gatherCorners(const std::vector<Vector>& areas, const ElementSurface& surface,
-                            const Creases& creases) {
+CreaseCorners gatherCorners(const Areas& areas, const ElementSurface& surface, const Creases& creases) {
     const auto forEachCorner = [&](const auto& act) {
         for (std::uint32_t i = 0; i < surface.faceCount(); ++i)
             for (const std::uint32_t& node : surface.face(i))
@@ -138,8 +164,7 @@ CreaseCorners gatherCorners(const std::vector<Vector>& areas, const ElementSurfa
 
 /// Mean of the faces that meet `own` at the crease angle or less. One that does so turned over, as where
 /// neighbours are wound against each other, counts turned; from 90 degrees on that would be every one.
-Vector meanAbout(std::span<const Corner> corners, const std::vector<Vector>& areas, const Vector& own,
-                 float smooth) {
+Vector meanAbout(std::span<const Corner> corners, const Areas& areas, const Vector& own, float smooth) {
     Vector sum{};
     for (const Corner& other : corners) {
         const float cosine = dot(unit(areas[other.face]), own);
@@ -153,8 +178,7 @@ Vector meanAbout(std::span<const Corner> corners, const std::vector<Vector>& are
 
 /// Gives the corners about a node their normals: the first the node's own vertex, others a copy for each
 /// normal.
-void split(std::span<const Corner> corners, const std::vector<Vector>& areas, float smooth,
-           ElementSurface& surface) {
+void split(std::span<const Corner> corners, const Areas& areas, float smooth, ElementSurface& surface) {
     if (corners.empty())
         return;
     const std::uint32_t node = surface.corners[corners[0].place];
@@ -180,8 +204,7 @@ void split(std::span<const Corner> corners, const std::vector<Vector>& areas, fl
     }
 }
 
-void splitAll(const Creases& creases, const std::vector<Vector>& areas, float smooth,
-              ElementSurface& surface) {
+void splitAll(const Creases& creases, const Areas& areas, float smooth, ElementSurface& surface) {
     const CreaseCorners corners = gatherCorners(areas, surface, creases);
     for (std::size_t i = 0; i < creases.nodes.size(); ++i)
         split(std::span(corners.all).subspan(corners.first[i], corners.first[i + 1] - corners.first[i]),
@@ -193,10 +216,11 @@ void splitAll(const Creases& creases, const std::vector<Vector>& areas, float sm
 void makeElementNormals(const double* nodes, double creaseDeg, ElementSurface& surface) {
     const double creaseRad = std::clamp(creaseDeg, 0.0, 180.0) * std::numbers::pi / 180.0;
     const float smooth = static_cast<float>(std::cos(creaseRad)) - kCosineSlack;
-    const std::vector<Vector> areas = areaVectors(nodes, surface);
-    makeMeans(areas, surface);
+    const Areas areas = sumAreas(nodes, surface);
+    const bool lacking = makeMeans(surface);
     const Creases creases = findCreases(areas, surface, creaseRad);
     if (!creases.nodes.empty())
         splitAll(creases, areas, smooth, surface);
-    std::replace(surface.normals.begin(), surface.normals.end(), Vector{}, Vector{0.0f, 0.0f, 1.0f});
+    if (lacking)
+        std::replace(surface.normals.begin(), surface.normals.end(), Vector{}, Vector{0.0f, 0.0f, 1.0f});
 }
