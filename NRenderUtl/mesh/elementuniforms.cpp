@@ -19,6 +19,11 @@ std::array<float, 4> floatsOf(NgColorLong color) {
     return rgba;
 }
 
+/// As colorOfCode of blocklighting.glsl takes it.
+int codeOf(NgColorLong color) {
+    return static_cast<int>(color & 0xFFFFFF);
+}
+
 template <class T>
 bool sameBytes(const T& a, const T& b) {
     return std::memcmp(&a, &b, sizeof(T)) == 0;
@@ -175,21 +180,38 @@ void ElementUniforms::setScale(const ElementValues& values) {
     }
 }
 
-void ElementUniforms::setLook(const ElementPlan& plan, const ElementScene& scene) {
-    const ngl::NglElementAttributes& how = scene.attributes;
-    if (plan.look != ElementLook::Unlit && !m_memory)
-        setLighting();
+void ElementUniforms::setColors(const ElementPlan& plan, const ngl::NglElementAttributes& how) {
     setColor3(RenderUniformColor, how.color);
     if (plan.facing) {
         setColor4(RenderUniformFrontColor, how.frontColor);
         setColor4(RenderUniformBackColor, how.backColor);
     }
-    set(RenderUniformAlpha, how.opacity > 0.0f ? std::min(how.opacity, 1.0f) : 0.0f);
-    if (plan.contour)
-        setScale(scene.values);
     if (plan.selected) {
         setColor3(RenderUniformSelectionColor, NglGetColorGivenIndex(kSelectionIndex));
         setColor3(RenderUniformHighlightColor, NglGetColorGivenIndex(kHighlightIndex));
     }
+}
+
+void ElementUniforms::setCodes(const ElementPlan& plan, const ngl::NglElementAttributes& how) {
+    std::array<int, 4> codes{codeOf(plan.facing ? how.frontColor : how.color), codeOf(how.backColor),
+                             codeOf(NglGetColorGivenIndex(kSelectionIndex)),
+                             codeOf(NglGetColorGivenIndex(kHighlightIndex))};
+    if (m_memory->codes == codes)
+        return;
+    m_program.SetUniformValue(kSidesUniform, static_cast<int>(codes.size()), codes.data());
+    m_memory->codes = codes;
+}
+
+void ElementUniforms::setLook(const ElementPlan& plan, const ElementScene& scene) {
+    const ngl::NglElementAttributes& how = scene.attributes;
+    if (plan.look != ElementLook::Unlit && !m_memory)
+        setLighting();
+    if (m_memory)
+        setCodes(plan, how);
+    else
+        setColors(plan, how);
+    set(RenderUniformAlpha, how.opacity > 0.0f ? std::min(how.opacity, 1.0f) : 0.0f);
+    if (plan.contour)
+        setScale(scene.values);
     set(RenderUniformFailureLevel, how.failureLevel);
 }

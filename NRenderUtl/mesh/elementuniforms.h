@@ -34,6 +34,7 @@ public:
         std::array<std::optional<std::uint32_t>, RenderUniformCount> plain;
         std::optional<std::array<Matrix, 2>> matrices;
         std::uint64_t scaleNumber = 0;
+        std::optional<std::array<int, 4>> codes; ///< of colours
     };
 
     explicit ElementUniforms(NShaderProgram& program, Memory* memory = nullptr)
@@ -50,6 +51,8 @@ public:
     void setLook(const ElementPlan& plan, const ElementScene& scene);
 
 private:
+    void setColors(const ElementPlan& plan, const ngl::NglElementAttributes& how);
+    void setCodes(const ElementPlan& plan, const ngl::NglElementAttributes& how);
     void setLighting();
     void setScale(const ElementValues& values);
     bool isNew(RenderingShaderUniform uniform, std::uint32_t bits);

@@ -152,5 +152,5 @@ void MeshRendererPrograms::setAlpha(float alpha) {
 void MeshRendererPrograms::setSides(const float* front, const float* back) {
     int codes[] = {codeOf(front), codeOf(back)};
     if (m_readsBlock)
-        m_selected->SetUniformValue("g_sides", 2, codes);
+        m_selected->SetUniformValue(kSidesUniform, 2, codes);
 }

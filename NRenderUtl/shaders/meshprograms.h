@@ -29,7 +29,8 @@ struct MeshProgramVariant {
     std::vector<FixedSwitch> switches{}; ///< in the same order for the same program
     /// Lights, materials and bands come from the buffer of blocklayout.h, bound to kBlockUnit, and the
     /// program has kEntriesUniform in place of their uniforms: vec3 of the last entry, guess factor and guess
-    /// offset.
+    /// offset. Its colours are those of kSidesUniform: ints with a byte each for red, green and blue, of
+    /// front (or both sides) and back, of selected and of highlighted elements.
     bool block = false;
     bool highlights = true; ///< with a block: not all are black
     LightKinds lights{};    ///< with a block
@@ -49,6 +50,7 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant = {});
 
 inline constexpr const char* kElementAttribute = "g_elem_attrib";
 inline constexpr const char* kEntriesUniform = "g_entries";
+inline constexpr const char* kSidesUniform = "g_sides";
 
 /// The defines of blocklighting.glsl for lights.
 void defineLights(std::vector<std::string>& defines, const LightKinds& lights);

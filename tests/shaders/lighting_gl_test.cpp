@@ -55,6 +55,8 @@ Lighting makeLighting(unsigned mask, double strength = 0.25) {
     return lighting;
 }
 
+const dvec4 kBytes = dvec4(102, 51, 204, 255) / 255.0; ///< as programs with a block take colours
+
 /// Grey and not attenuated, on sides that do not emit and shine alike.
 Lighting makePlain(Lighting lighting, bool highlights) {
     for (NglLightParams& light : lighting.lights) {
@@ -152,6 +154,7 @@ TEST_F(ShaderLighting, ClassicModelFollowsTheRules) {
 TEST_F(ShaderLighting, ClassicModelFromABlockFollowsTheRules) {
     constexpr double kTolerance = 2e-5; // as above
     settings.transparent = 1;           // the block lights no alpha
+    facts.vertexColor = kBytes;
     for (const auto& [highlights, known] :
          {std::pair{true, false}, {false, false}, {true, true}, {false, true}})
         for (const unsigned mask : {0u, 1u << 5, 0xC9u, 0xFFu})
@@ -175,6 +178,7 @@ TEST_F(ShaderLighting, ClassicModelFromABlockFollowsTheRules) {
 
 TEST_F(ShaderLighting, PlainLightsFromABlockFollowTheRules) {
     settings.transparent = 1;
+    facts.vertexColor = kBytes;
     for (const dvec3& normal : facts.normals)
         points.vertexNormal.emplace_back(glm::vec3(normal), 0);
     for (const bool highlights : {false, true})

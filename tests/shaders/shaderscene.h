@@ -128,6 +128,10 @@ protected:
     void set(const MeshFacts& facts) {
         set(facts.contour);
         set("g_color", glm::vec3(facts.vertexColor));
+        int code = 0; // for programs that read from a buffer
+        for (int channel = 2; channel >= 0; --channel)
+            code = code << 8 | static_cast<int>(facts.vertexColor[channel] * 255 + 0.5);
+        m_program->SetUniformValue(kSidesUniform, 1, &code);
         set("g_fcolor", glm::vec4(facts.frontColor));
         set("g_bcolor", glm::vec4(facts.backColor));
         set("g_es_col", glm::vec3(facts.selectedColor));

@@ -3,11 +3,6 @@
 
 uniform samplerBuffer g_tbuff; // a value for each element
 
-vec3 unpackColor(float code) {
-    int bits = int(code);
-    return vec3(bits & 255, bits >> 8 & 255, bits >> 16) * (1.0 / 255.0);
-}
-
 #ifdef BAND_CELLS
 // Cells have one width and hold a limit each, so the colour is found at once.
 void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, out vec4 color) {
@@ -20,7 +15,7 @@ void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, ou
     float place = value * map.y + map.z;
     int at = place >= 1.0 ? int(min(place, float(BLOCK_LAST_CELL - BLOCK_CELLS))) : 0;
     vec4 cell = texelFetch(g_block, BLOCK_CELLS + at);
-    color = vec4(unpackColor(value >= cell.x ? cell.z : cell.y), 1.0);
+    color = vec4(colorOfCode(int(value >= cell.x ? cell.z : cell.y)), 1.0);
 }
 #else
 uniform vec3 g_entries; // index of the last; factor and offset from a value to about where its entry is
@@ -50,8 +45,8 @@ void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, ou
         guess = value * g_entries.y + g_entries.z;
     }
     vec4 entry = findEntry(value, guess); // start, end, colour, and to which it is smeared or -1
-    vec3 plain = unpackColor(entry.z);
-    vec3 smeared = mix(plain, unpackColor(entry.w), (value - entry.x) / (entry.y - entry.x));
+    vec3 plain = colorOfCode(int(entry.z));
+    vec3 smeared = mix(plain, colorOfCode(int(entry.w)), (value - entry.x) / (entry.y - entry.x));
     color = vec4(ctype == 1 && entry.w >= 0.0 ? smeared : plain, 1.0);
 }
 #endif

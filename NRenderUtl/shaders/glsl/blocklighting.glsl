@@ -4,6 +4,11 @@
 uniform samplerBuffer g_block; // laid out by blocklayout.h
 uniform int g_lightsOff;
 
+// Of a byte each for red, green and blue.
+vec3 colorOfCode(int code) {
+    return vec3(code & 255, code >> 8 & 255, code >> 16) * (1.0 / 255.0);
+}
+
 const float kAmbientScale = 1.74; // deliberate weights of the classic model
 const float kDiffuseScale = 0.5;
 

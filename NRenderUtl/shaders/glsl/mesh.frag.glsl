@@ -13,8 +13,20 @@ in VertexData {
 #ifdef ELEMENT_ATTRIBUTE
     flat int primitive;
 #endif
+#ifdef PARAMETER_BLOCK
+    float alpha; // without a contour
+#endif
 } VertexIn;
 
+#ifdef PARAMETER_BLOCK
+// Codes of colours of front and back, or the only one, of selected and of highlighted elements. The one that
+// comes first a driver in software need not gather for each fragment.
+uniform int g_sides[4];
+vec3 colorOfCode(int code);
+#else
+uniform vec4 g_fcolor;
+uniform vec4 g_bcolor;
+#endif
 uniform int g_bd;
 uniform int g_nfconn;
 uniform int g_bct;
@@ -23,8 +35,6 @@ uniform int g_use_clr_scale;
 uniform int g_bw;
 uniform int g_bsw;
 uniform int g_bfbcol;
-uniform vec4 g_fcolor;
-uniform vec4 g_bcolor;
 uniform int g_transparent;
 uniform float g_alphavalue;
 uniform int g_smooth;
@@ -42,21 +52,33 @@ vec4 lightColor(vec4 color, vec3 position, vec3 normal);
 void getContourColor(int useColorScale, int primID, int ctype, vec2 texcoord, out vec4 color);
 
 #ifdef PARAMETER_BLOCK
-uniform vec3 g_color;
-#endif
-
 vec4 plainColor() {
-#ifdef PARAMETER_BLOCK
-    return vec4(g_color, 1.0);
-#else
-    return VertexIn.color;
-#endif
+    return vec4(colorOfCode(g_sides[0]), 1.0);
 }
 
+vec4 sideColor() {
+    return vec4(colorOfCode(gl_FrontFacing ? g_sides[0] : g_sides[1]), 1.0);
+}
+
+float alphaValue() {
+    return g_bct == 1 ? g_alphavalue : VertexIn.alpha;
+}
+#else
+vec4 plainColor() {
+    return VertexIn.color;
+}
+
+vec4 sideColor() {
+    return gl_FrontFacing ? g_fcolor : g_bcolor;
+}
+
+float alphaValue() {
+    return g_alphavalue;
+}
+#endif
+
 vec4 surfaceColor() {
-    if (g_bfbcol == 1 && g_bw == 0)
-        return gl_FrontFacing ? g_fcolor : g_bcolor;
-    return plainColor();
+    return g_bfbcol == 1 && g_bw == 0 ? sideColor() : plainColor();
 }
 
 int primitiveNumber() {
@@ -122,6 +144,6 @@ void main() {
         color *= contourColor;
     }
     if (g_transparent == 1)
-        color.a = g_alphavalue;
+        color.a = alphaValue();
     gl_FragColor = color;
 }

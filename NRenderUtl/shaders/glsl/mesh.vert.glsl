@@ -23,6 +23,8 @@ uniform int g_use_clr_scale;
 #ifdef PARAMETER_BLOCK
 uniform vec3 g_entries; // as in blockbands.glsl
 uniform samplerBuffer g_block;
+uniform int g_bct;
+uniform float g_alphavalue;
 #endif
 
 out VertexData {
@@ -35,6 +37,9 @@ out VertexData {
     flat int sharp;
 #ifdef ELEMENT_ATTRIBUTE
     flat int primitive;
+#endif
+#ifdef PARAMETER_BLOCK
+    float alpha;
 #endif
 } VertexOut;
 
@@ -68,6 +73,9 @@ void main() {
 #endif
 #ifndef PARAMETER_BLOCK
     VertexOut.color = vec4(g_color, 1.0);
+#endif
+#ifdef PARAMETER_BLOCK
+    VertexOut.alpha = g_bct == 1 ? 1.0 : g_alphavalue;
 #endif
     VertexOut.texcoord = contourCoordinate();
     VertexOut.normal = g_smooth == 1 ? vertexNormal() : vec3(0.0);

@@ -2,8 +2,8 @@
 // Fragment stage of the mesh renderer: one colour for the mesh, or one for each side.
 
 #ifdef PARAMETER_BLOCK
-// Of front and back, a byte each for red, green and blue. Declared first, where a driver in software need not
-// gather the front's for each fragment; so is the alpha kept out of uniforms.
+// Codes of colours of front and back. They come first, where a driver in software need not gather the one in
+// front for each fragment; for the same reason the alpha is no uniform here.
 uniform int g_sides[2];
 #endif
 
@@ -18,14 +18,14 @@ in VertexData {
 vec4 lightColor(vec4 color, vec3 position, vec3 normal);
 
 #ifdef PARAMETER_BLOCK
+vec3 colorOfCode(int code);
 #ifdef PLAIN_LIGHTS
 const int g_smooth = 1;
 #endif
 
 void main() {
     int code = gl_FrontFacing ? g_sides[0] : g_sides[1];
-    vec4 color = vec4(vec3(code & 255, code >> 8 & 255, code >> 16) * (1.0 / 255.0), VertexIn.alpha);
-    gl_FragColor = lightColor(color, VertexIn.position, VertexIn.normal);
+    gl_FragColor = lightColor(vec4(colorOfCode(code), VertexIn.alpha), VertexIn.position, VertexIn.normal);
 }
 #else
 uniform vec3 g_color;
