@@ -4,12 +4,13 @@
 // markers are signs, not bodies with a material.
 
 in VertexData {
+#ifdef PLAIN_LIGHT
+    vec4 normal;
+    vec4 toLight;
+    flat vec4 facing;
+#else
     vec3 normal;
     vec3 position;
-#ifdef PLAIN_LIGHT
-    flat vec4 even;
-    flat vec3 facing;
-#else
     vec4 color;
     vec2 texCoord;
 #endif
@@ -20,13 +21,15 @@ in VertexData {
 
 #ifdef PLAIN_LIGHT
 
-vec3 toLight(vec3 position);
+uniform int g_transparent;
+uniform float g_alphavalue;
+
 vec3 plainlyLit(vec3 even, vec3 facing, vec3 toLight, vec3 normal);
 
 void main() {
-    vec3 direction = toLight(VertexIn.position);
-    gl_FragColor = vec4(plainlyLit(VertexIn.even.rgb, VertexIn.facing, direction, VertexIn.normal),
-                        VertexIn.even.a);
+    vec3 even = vec3(VertexIn.normal.w, VertexIn.toLight.w, VertexIn.facing.w);
+    gl_FragColor = vec4(plainlyLit(even, VertexIn.facing.rgb, VertexIn.toLight.xyz, VertexIn.normal.xyz),
+                        g_transparent == 1 ? g_alphavalue : 1.0);
 }
 
 #else

@@ -23,12 +23,14 @@ uniform float g_texcoord2;
 #endif
 
 out VertexData {
+#ifdef PLAIN_LIGHT
+    // The even colour fills fourth components: drivers in software set up each vector for each triangle.
+    vec4 normal;
+    vec4 toLight;
+    flat vec4 facing;
+#else
     vec3 normal; // eye space, as the position
     vec3 position;
-#ifdef PLAIN_LIGHT
-    flat vec4 even; // colour by plainlight.glsl
-    flat vec3 facing;
-#else
     vec4 color;
     vec2 texCoord;
 #endif
@@ -38,11 +40,9 @@ out VertexData {
 } VertexOut;
 
 #ifdef PLAIN_LIGHT
-uniform int g_transparent;
-uniform float g_alphavalue;
-
 vec3 evenColor(vec3 color);
 vec3 facingColor(vec3 color);
+vec3 toLight(vec3 position);
 #endif
 
 // The direction of the inverse transpose times p. By cofactors, of a matrix brought near 1: thin markers keep
@@ -62,12 +62,15 @@ void main() {
 
     // The position is the normal: shapes look rounded. The start itself looks back along the axis.
     vec3 outward = g_pos_attrib == vec3(0.0) ? vec3(0.0, 0.0, -1.0) : g_pos_attrib;
-    VertexOut.normal = normalOf(mat3(modelMat), outward);
-    VertexOut.position = eye.xyz;
+    vec3 normal = normalOf(mat3(modelMat), outward);
 #ifdef PLAIN_LIGHT
-    VertexOut.even = vec4(evenColor(g_colorwithalpha.rgb), g_transparent == 1 ? g_alphavalue : 1.0);
-    VertexOut.facing = facingColor(g_colorwithalpha.rgb);
+    vec3 even = evenColor(g_colorwithalpha.rgb);
+    VertexOut.normal = vec4(normal, even.r);
+    VertexOut.toLight = vec4(toLight(eye.xyz), even.g);
+    VertexOut.facing = vec4(facingColor(g_colorwithalpha.rgb), even.b);
 #else
+    VertexOut.normal = normal;
+    VertexOut.position = eye.xyz;
     VertexOut.color = g_colorwithalpha;
     float value = gl_VertexID < g_halfvertcnt ? g_texcoord1 : g_texcoord2;
     VertexOut.texCoord = (g_texmat * vec4(value, 0.0, 0.0, 1.0)).st;

@@ -13,12 +13,13 @@ uniform mat4 g_texmat;
 uniform int g_clipped;
 
 out VertexData {
+#ifdef PLAIN_LIGHT
+    vec4 normal; // in the fourth components the even colour
+    vec4 toLight;
+    flat vec4 facing;
+#else
     vec3 normal;
     vec3 position;
-#ifdef PLAIN_LIGHT
-    flat vec4 even; // colour by plainlight.glsl
-    flat vec3 facing;
-#else
     vec4 color;
     vec2 texCoord;
 #endif
@@ -28,23 +29,23 @@ out VertexData {
 } VertexOut;
 
 #ifdef PLAIN_LIGHT
-uniform int g_transparent;
-uniform float g_alphavalue;
-
 vec3 evenColor(vec3 color);
 vec3 facingColor(vec3 color);
+vec3 toLight(vec3 position);
 #endif
 
 void main() {
     vec4 eye = vec4(g_pos_attrib, 1.0);
     gl_Position = g_projmat * eye;
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
+#ifdef PLAIN_LIGHT
+    vec3 even = evenColor(g_col_attrib.rgb);
+    VertexOut.normal = vec4(g_norm_attrib, even.r);
+    VertexOut.toLight = vec4(toLight(g_pos_attrib), even.g);
+    VertexOut.facing = vec4(facingColor(g_col_attrib.rgb), even.b);
+#else
     VertexOut.normal = g_norm_attrib;
     VertexOut.position = g_pos_attrib;
-#ifdef PLAIN_LIGHT
-    VertexOut.even = vec4(evenColor(g_col_attrib.rgb), g_transparent == 1 ? g_alphavalue : 1.0);
-    VertexOut.facing = facingColor(g_col_attrib.rgb);
-#else
     VertexOut.color = g_col_attrib;
     VertexOut.texCoord = vec2(0.0);
 #endif
