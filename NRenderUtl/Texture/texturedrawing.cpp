@@ -172,7 +172,7 @@ void drawDiscByRows(int centre, int radius) {
     const auto toTexture = [&](int along) {
         return static_cast<float>(along + radius) / static_cast<float>(2 * radius);
     };
-    const BeginEndInColor vertices(GL_QUADS);
+    const BeginEnd vertices(GL_QUADS);
     sendDiscByRows(radius, [&](int x, int y) {
         glTexCoord2f(toTexture(x), toTexture(y));
         glVertex2i(centre + x, centre + y);
@@ -266,7 +266,7 @@ bool NuTexture::DrawAsRectangleWithVAMode(int width, int height, const RenderInf
 }
 
 void NuTexture::DrawAsRectangleWithImmediateMode(int width, int height, const RenderInfo&) {
-    const BeginEndInColor vertices(GL_QUADS);
+    const BeginEnd vertices(GL_QUADS);
     for (const auto& [s, t] : kCorners) {
         glTexCoord2f(s, t);
         glVertex2f(s * static_cast<float>(width), t * static_cast<float>(height));
@@ -291,7 +291,7 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
 // Deliberate: the fan starts on the rim, at angle 0, not in the centre.
 void NuTexture::DrawCircle(int centre, int radius, bool filled) {
     const auto c = static_cast<float>(centre), r = static_cast<float>(radius);
-    const BeginEndInColor vertices(filled ? GL_TRIANGLE_FAN : GL_LINE_STRIP);
+    const BeginEnd vertices(filled ? GL_TRIANGLE_FAN : GL_LINE_STRIP);
     for (const auto& [cosine, sine] : unitCircle()) {
         if (filled)
             glTexCoord2f((cosine + 1) * 0.5f, (sine + 1) * 0.5f);
