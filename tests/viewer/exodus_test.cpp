@@ -82,12 +82,13 @@ TEST(ExodusReader, StorageKindsGiveOneModel) {
     }
 }
 
-// A plane model as old files have it: all coordinates and all variables in one, no numbers.
+// A plane model as old files have it: all coordinates and all variables in one, and no numbers of use.
 TEST(ExodusReader, OldPlaneFiles) {
     ExodusWriter file;
     file.dimensions = {{"num_dim", 2}, {"num_nodes", 4}, {"num_nod_var", 2}, {"time_step", 2}};
     file.real("coord", {"num_dim", "num_nodes"}, {0, 3, 3, 0, 0, 0, 2, 2});
     file.block("QUAD", 4, {1, 2, 3, 4});
+    file.whole("node_num_map", {"num_nodes"}, {7, 8, 9, 7});
     file.texts["name_nod_var"] = {"u_x", "u_y"};
     file.real("vals_nod_var", {"time_step", "num_nod_var", "num_nodes"},
               {1, 2, 3, 4, 5, 6, 7, 8, -1, -2, -3, -4, -5, -6, -7, -8});
@@ -95,6 +96,7 @@ TEST(ExodusReader, OldPlaneFiles) {
     EXPECT_THAT(model.nodes, ElementsAre(Point{0, 0, 0}, Point{3, 0, 0}, Point{3, 2, 0}, Point{0, 2, 0}));
     EXPECT_THAT(model.nodeNumbers, ElementsAre(1, 2, 3, 4));
     EXPECT_THAT(model.cellNumbers, ElementsAre(1));
+    EXPECT_THAT(model.notes, ElementsAre(HasSubstr("nodes are counted from 1")));
     EXPECT_THAT(findField(model, "u", 1).values, ElementsAre(-1, -5, 0, -2, -6, 0, -3, -7, 0, -4, -8, 0));
 }
 
