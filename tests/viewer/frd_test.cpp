@@ -26,67 +26,51 @@ std::string header(const char* name, int count, int form) {
 
 // --- elements ----------------------------------------------------------------------------------------------
 
-/// An element by its corners, "0" to "7", and mid-side nodes, "01" between two of them, in the file's order.
-struct Shape {
-    int number;
-    CellType type;
-    std::vector<const char*> nodes;
+/// Elements by their corners and the pairs of these that the other nodes are between, in the file's order.
+const std::tuple<CellType, int, const char*> kElements[] = {
+    {CellType::Hexa, 8, ""},
+    {CellType::Wedge, 6, ""},
+    {CellType::Tetra, 4, ""},
+    {CellType::Hexa20, 8, "01 12 23 30 04 15 26 37 45 56 67 74"},
+    {CellType::Wedge15, 6, "01 12 20 03 14 25 34 45 53"},
+    {CellType::Tetra10, 4, "01 12 20 03 13 23"},
+    {CellType::Triangle, 3, ""},
+    {CellType::Triangle6, 3, "01 12 20"},
+    {CellType::Quad, 4, ""},
+    {CellType::Quad8, 4, "01 12 23 30"},
+    {CellType::Line, 2, ""},
+    {CellType::Line3, 2, "01"},
 };
-
-const std::vector<Shape> kShapes = {
-    {1, CellType::Hexa, {"0", "1", "2", "3", "4", "5", "6", "7"}},
-    {2, CellType::Wedge, {"0", "1", "2", "4", "5", "6"}},
-    {3, CellType::Tetra, {"0", "1", "2", "4"}},
-    {4, CellType::Hexa20, {"0",  "1",  "2",  "3",  "4",  "5",  "6",  "7",  "01", "12",
-                           "23", "30", "04", "15", "26", "37", "45", "56", "67", "74"}},
-    {5,
-     CellType::Wedge15,
-     {"0", "1", "2", "4", "5", "6", "01", "12", "20", "04", "15", "26", "45", "56", "64"}},
-    {6, CellType::Tetra10, {"0", "1", "2", "4", "01", "12", "20", "04", "14", "24"}},
-    {7, CellType::Triangle, {"0", "1", "2"}},
-    {8, CellType::Triangle6, {"0", "1", "2", "01", "12", "20"}},
-    {9, CellType::Quad, {"0", "1", "2", "3"}},
-    {10, CellType::Quad8, {"0", "1", "2", "3", "01", "12", "23", "30"}},
-    {11, CellType::Line, {"0", "1"}},
-    {12, CellType::Line3, {"0", "1", "01"}},
-};
-
-/// Of a corner, or between two.
-Point place(const std::string& node) {
-    constexpr std::array<Point, 8> kCorners = {
-        {{0, 0, 0}, {3, 0, 0}, {4, 2, 0}, {0, 2, 1}, {0, 0, 5}, {3, 0, 5}, {4, 2, 5}, {0, 2, 6}}};
-    return 0.5 * (kCorners[node.front() - '0'] + kCorners[node.back() - '0']);
-}
 
 /// Every type once, each with nodes of its own and of alternating materials, of which old files have the
 /// name's beginning; elements are numbered from 70.
 std::string zoo(int form) {
+    const bool isBinary = form >= 2;
     const int width = form == 0 ? 5 : 10;
     const std::size_t perLine = form == 0 ? 15 : 10;
     std::string nodes, elements;
-    int node = 0;
-    for (const Shape& shape : kShapes) {
-        const int number = 69 + shape.number, material = 1 + shape.number % 2;
-        elements += form >= 2 ? bytes(number, shape.number, 0, material)
-                              : format(" -1%*d%5d%5d%5s\n", width, number, shape.number, 0,
-                                       form == 0 && material == 1 ? "EL   "
-                                       : material == 1            ? "1"
-                                                                  : "2");
-        for (std::size_t i = 0; i < shape.nodes.size(); ++i) {
-            const Point p = place(shape.nodes[i]);
+    int node = 0, type = 0;
+    for (const auto& [_, corners, middles] : kElements) {
+        const int number = 70 + type++;
+        const char* material = type % 2 != 0 ? "2" : form == 0 ? "EL   " : "1";
+        elements += isBinary ? bytes(number, type, 0, 1 + type % 2)
+                             : format(" -1%*d%5d%5d%5s\n", width, number, type, 0, material);
+        const std::vector<Point> places = nodesAmong(corners, middles);
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            const auto [x, y, z] = places[i];
             ++node;
-            nodes += form == 3   ? bytes(node, p)
-                     : form == 2 ? bytes(node, float(p[0]), float(p[1]), float(p[2]))
-                                 : format(" -1%*d%12.5E%12.5E%12.5E\n", width, node, p[0], p[1], p[2]);
-            const bool isLast = i + 1 == shape.nodes.size() || (i + 1) % perLine == 0;
-            elements += form >= 2 ? bytes(node)
-                                  : (i % perLine == 0 ? " -2" : "") + format("%*d", width, node) +
-                                        (isLast ? "\n" : "");
+            nodes += form == 3   ? bytes(node, x, y, z)
+                     : form == 2 ? bytes(node, float(x), float(y), float(z))
+                                 : format(" -1%*d%12.5E%12.5E%12.5E\n", width, node, x, y, z);
+            const bool isLast = i + 1 == places.size() || (i + 1) % perLine == 0;
+            elements += isBinary ? bytes(node)
+                                 : (i % perLine == 0 ? " -2" : "") + format("%*d", width, node) +
+                                       (isLast ? "\n" : "");
         }
     }
-    const std::string end = form >= 2 ? "" : " -3\n";
+    const std::string end = isBinary ? "" : " -3\n";
     return "    1C\n    1UMAT    2STEEL\n" + header("2C", node, form) + nodes + end +
-           header("3C", static_cast<int>(kShapes.size()), form) + elements + end + " 9999\n";
+           header("3C", type, form) + elements + end + " 9999\n";
 }
 
 class Forms : public testing::TestWithParam<int> {};
@@ -94,11 +78,12 @@ INSTANTIATE_TEST_SUITE_P(Frd, Forms, testing::Range(0, 4));
 
 TEST_P(Forms, ElementsAreInTheModelsOrderAndInPartsByMaterial) {
     const Model model = readText(zoo(GetParam()));
-    ASSERT_EQ(model.cellCount(), kShapes.size());
+    ASSERT_EQ(model.cellCount(), std::size(kElements));
     for (std::size_t cell = 0; cell < model.cellCount(); ++cell) {
-        const Shape& shape = kShapes[static_cast<std::size_t>(model.cellNumbers[cell] - 70)];
-        EXPECT_EQ(model.types[cell], shape.type);
-        EXPECT_EQ(model.nodes[model.cellNodes(cell)[1]], place("1"));
+        const auto& [type, corners, _] = kElements[model.cellNumbers[cell] - 70];
+        EXPECT_EQ(model.types[cell], type);
+        for (int i = 1; i < corners; ++i)
+            EXPECT_EQ(model.cellNodes(cell)[i], model.cellNodes(cell)[0] + i);
         expectMiddles(model, cell);
     }
     EXPECT_EQ(partsOf(model), GetParam() == 0 ? "STEEL 0, EL 6, " : "STEEL 0, material 1 6, ");
