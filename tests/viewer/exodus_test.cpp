@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsNan;
 
-Model read(ExodusWriter file, int mode = 0) {
+Model read(const ExodusWriter& file, int mode = 0) {
     const Folder folder;
     file.write(folder.path("a.e"), mode);
     return readModel(folder.path("a.e"));
@@ -32,16 +32,16 @@ ExodusWriter twoBlocks() {
     file.whole("eb_prop1", {"num_el_blk"}, {7, 9});
     file.whole("node_num_map", {"num_nodes"}, {10, 20, 30, 40, 50});
     file.whole("elem_num_map", {"num_elem"}, {300, 100, 200});
-    file.texts["eb_names"] = {"", "skin of it"};
+    file.texts("eb_names", {"", "skin of it"});
     file.dimensions["time_step"] = 2;
     file.real("time_whole", {"time_step"}, {0.25, 0.5});
-    file.texts["name_nod_var"] = {"DispX", "DispY", "T", "DispZ"};
+    file.texts("name_nod_var", {"DispX", "DispY", "T", "DispZ"});
     for (const char* number : {"1", "2", "3", "4"}) {
         const double value = number[0] - '0';
         file.real(std::string("vals_nod_var") + number, {"time_step", "num_nodes"},
                   {value, 0, 0, 0, 0, 10 * value, 0, 0, 0, -value});
     }
-    file.texts["name_elem_var"] = {"eq ps"};
+    file.texts("name_elem_var", {"eq ps"});
     file.dimensions["num_elem_var"] = 1;
     file.whole("elem_var_tab", {"num_el_blk", "num_elem_var"}, {0, 1});
     file.real("vals_elem_var1eb1", {"time_step", "num_el_in_blk1"}, {5, 5});
@@ -49,7 +49,7 @@ ExodusWriter twoBlocks() {
     file.dimensions["num_node_sets"] = file.dimensions["num_side_sets"] = 1;
     file.dimensions["num_nod_ns1"] = 2;
     file.whole("node_ns1", {"num_nod_ns1"}, {5, 2});
-    file.texts["ns_names"] = {"held"};
+    file.texts("ns_names", {"held"});
     file.dimensions["num_side_ss1"] = 3;
     file.whole("elem_ss1", {"num_side_ss1"}, {1, 2, 3});
     file.whole("side_ss1", {"num_side_ss1"}, {4, 3, 9}); // a face, an edge, none
@@ -89,7 +89,7 @@ TEST(ExodusReader, OldPlaneFiles) {
     file.real("coord", {"num_dim", "num_nodes"}, {0, 3, 3, 0, 0, 0, 2, 2});
     file.block("QUAD", 4, {1, 2, 3, 4});
     file.whole("node_num_map", {"num_nodes"}, {7, 8, 9, 7});
-    file.texts["name_nod_var"] = {"u_x", "u_y"};
+    file.texts("name_nod_var", {"u_x", "u_y"});
     file.real("vals_nod_var", {"time_step", "num_nod_var", "num_nodes"},
               {1, 2, 3, 4, 5, 6, 7, 8, -1, -2, -3, -4, -5, -6, -7, -8});
     const Model model = read(file);
@@ -197,13 +197,15 @@ TEST(ExodusReader, SidesOfElements) {
         ExodusWriter file = oneElement(element);
         const auto count = std::count(sides, sides + std::strlen(sides), ':');
         file.dimensions["num_side_sets"] = static_cast<std::size_t>(count);
+        std::vector<std::string> names;
         for (int i = 1; i <= count; ++i) {
             const std::string number = std::to_string(i);
             file.dimensions["num_side_ss" + number] = 1;
             file.whole("elem_ss" + number, {"num_side_ss" + number}, {1});
             file.whole("side_ss" + number, {"num_side_ss" + number}, {1.0 * i});
-            file.texts["ss_names"].push_back(number);
+            names.push_back(number);
         }
+        file.texts("ss_names", names);
         EXPECT_EQ(setsOf(read(file)), sides) << element.type;
     }
 }
@@ -263,7 +265,7 @@ TEST(ExodusReader, BadFilesGetOneReason) {
         {oneElement({"", 8, 8, "", {}}), 0, noElements + "without a type"},
     };
     const Folder folder;
-    for (auto [file, mode, reason] : rows) {
+    for (const auto& [file, mode, reason] : rows) {
         file.write(folder.path("a.e"), mode);
         EXPECT_EQ(folder.refusal("a.e").substr(0, reason.size()), reason);
     }
