@@ -2,12 +2,10 @@
 #include <signal.h>
 #include <sys/wait.h>
 
-#include <array>
-#include <cmath>
-
 #include "tests/support/subprocess.h"
 #include "tests/viewer/files.h"
 #include "tests/viewer/pngfile.h"
+#include "viewer/model/vectors.h"
 
 namespace {
 
@@ -45,18 +43,14 @@ private:
 };
 
 /// The position that a pick's line tells.
-std::array<double, 3> placeIn(const std::string& text) {
-    std::array<double, 3> place{};
+nruview::Point placeIn(const std::string& text) {
+    nruview::Point place{};
     const std::size_t at = text.find(" at ");
     std::istringstream in(at == std::string::npos ? "" : text.substr(at + 4));
     for (double& coordinate : place)
         in >> coordinate;
     EXPECT_TRUE(in) << text;
     return place;
-}
-
-double distance(const std::array<double, 3>& a, const std::array<double, 3>& b) {
-    return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
 }
 
 class ViewerWindow : public ::testing::Test, public nrutest::Folder {
@@ -103,8 +97,7 @@ TEST_F(ViewerWindow, ShowsWhatIsDrawnWithoutOneAndThePanelLeavesNoTrace) {
 }
 
 TEST_F(ViewerWindow, KeepsWhatIsUnderTheMouseThereWhileItPansAndZooms) {
-    constexpr double kNear =
-        1.0; // a node or an edge within a few pixels, of 0.2 each, is picked in its place
+    constexpr double kNear = 1.0; // a few pixels of 0.2: a node or an edge near by is picked in their place
     const std::vector<std::string> motions = {"press middle\nmove 300 170\nrelease\npick 300 170",
                                               "press left shift\nmove 300 170\nrelease\npick 300 170",
                                               "wheel 5\npick 280 200",
@@ -123,7 +116,7 @@ TEST_F(ViewerWindow, KeepsWhatIsUnderTheMouseThereWhileItPansAndZooms) {
             std::getline(told, before);
             std::getline(told, after);
             std::getline(told, cameras.emplace_back());
-            EXPECT_LT(distance(placeIn(before), placeIn(after)), kNear) << before << "\n" << after;
+            EXPECT_LT(length(placeIn(before) - placeIn(after)), kNear) << before << "\n" << after;
         }
         EXPECT_EQ(cameras[0], cameras[1]);
         std::sort(cameras.begin(), cameras.end());

@@ -1,9 +1,8 @@
 // The state behind window, panel and scripts, driven by the commands of scripts.
-#include "tests/support/gltest.h"
 #include "tests/viewer/elements.h"
 #include "tests/viewer/files.h"
+#include "tests/viewer/scenetest.h"
 #include "viewer/model/samples.h"
-#include "viewer/scene/frame.h"
 #include "viewer/workspace/script.h"
 
 using namespace nruview;
@@ -60,18 +59,14 @@ std::vector<std::string> commandsOf(const std::string& text) {
     return commands;
 }
 
-class Workspaces : public nrutest::GlTest, public nrutest::Folder, public CommandPlace {
+class Workspaces : public nrutest::SceneTest, public nrutest::Folder, public CommandPlace {
 protected:
-    void SetUp() override {
-        GlTest::SetUp();
-        m_session.emplace();
-    }
     void TearDown() override {
         m_workspace.reset();
-        m_session.reset();
-        GlTest::TearDown();
+        SceneTest::TearDown();
     }
-    void start(const Model& model, const char* view = "iso") {
+    void open(const Model& model, const char* view = "iso") {
+        start();
         Options options;
         options.view = parseView(view);
         options.width = options.height = kSize;
@@ -97,7 +92,6 @@ protected:
         return answer;
     }
 
-    std::optional<LibrarySession> m_session;
     std::optional<Workspace> m_workspace;
     std::vector<Picture> m_pictures;
 };
@@ -120,7 +114,7 @@ TEST_F(Workspaces, ChangesGiveThePictureThatAStartWithThemGives) {
         "select none; set body-color auto; set field T; set range 0,3;"
         "set supports fixed; symbols off; set background 808080";
     const Model model = mixedModel();
-    start(model);
+    open(model);
     Picture before = drawn();
     EXPECT_GT(before.countOtherThan(0xFFFFFFFF), 200);
     for (const std::string& command : commandsOf(changes)) {
@@ -155,7 +149,7 @@ TEST_F(Workspaces, WrongCommandsNameTheirPlaceAndChangeNothing) {
         {"hide", {"1-"}},
         {"size", {"0 5"}},
     };
-    start(mixedModel());
+    open(mixedModel());
     run("set field T; set deform auto; select 1; turn 20 10");
     const Picture before = drawn();
     const auto runAll = [&] {
@@ -173,7 +167,7 @@ TEST_F(Workspaces, WrongCommandsNameTheirPlaceAndChangeNothing) {
 }
 
 TEST_F(Workspaces, ZoomsPansAndFitsByWhatIsAskedFor) {
-    start(layers(), "xy");
+    open(layers(), "xy");
     const double size = m_workspace->camera().halfHeight;
     run("zoom 3 25 33");
     EXPECT_NEAR(m_workspace->camera().halfHeight, size / 3.0, 1e-12);
@@ -208,7 +202,7 @@ TEST_F(Workspaces, SelectsByPixelBoxAndBlock) {
     };
     for (const auto& [commands, expected] : rows)
         for (const char* projection : {"persp off", "persp on"}) {
-            start(layers(), "xy");
+            open(layers(), "xy");
             run(projection);
             run(commands);
             EXPECT_EQ(run("print selection"), expected) << commands << ", " << projection;
@@ -216,7 +210,7 @@ TEST_F(Workspaces, SelectsByPixelBoxAndBlock) {
 }
 
 TEST_F(Workspaces, AnimationsKeepColorsAndViewAndLeaveAllAsItWas) {
-    start(mixedModel());
+    open(mixedModel());
     run("set field T; step 0");
     const Picture before = drawn();
     m_pictures.clear();
