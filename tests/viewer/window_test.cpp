@@ -11,6 +11,7 @@ namespace {
 
 using nrutest::Picture;
 using nrutest::readPng;
+using namespace nruview;
 
 /// An X server of the case's own.
 class Display {
@@ -43,8 +44,8 @@ private:
 };
 
 /// The position that a pick's line tells.
-nruview::Point placeIn(const std::string& text) {
-    nruview::Point place{};
+Point placeIn(const std::string& text) {
+    Point place{};
     const std::size_t at = text.find(" at ");
     std::istringstream in(at == std::string::npos ? "" : text.substr(at + 4));
     for (double& coordinate : place)
