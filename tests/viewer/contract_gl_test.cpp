@@ -13,14 +13,7 @@ using namespace nruview;
 
 namespace {
 
-struct Kind {
-    const char* name;
-    FamilyKind kind;
-};
-
-std::ostream& operator<<(std::ostream& out, const Kind& kind) {
-    return out << kind.name;
-}
+using Kind = std::pair<const char*, FamilyKind>;
 
 class ContractKinds : public GlTest, public ::testing::WithParamInterface<Kind> {
 protected:
@@ -35,7 +28,7 @@ TEST_P(ContractKinds, TakeWhatTheTableSaysAndNothingElse) {
     Contract contract;
     std::map<StateGroup, int> taken;
     for (const Family& family : families()) {
-        if (family.kind != GetParam().kind)
+        if (family.kind != GetParam().second)
             continue;
         const std::vector<Cell> cells = contract.check(family);
         for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -45,7 +38,7 @@ TEST_P(ContractKinds, TakeWhatTheTableSaysAndNothingElse) {
         }
     }
     for (const auto& [group, pictures] : taken)
-        EXPECT_TRUE(pictures > 0 || !takesGroup(GetParam().kind, group)) << static_cast<int>(group);
+        EXPECT_TRUE(pictures > 0 || !takesGroup(GetParam().second, group)) << static_cast<int>(group);
     EXPECT_FALSE(taken.empty());
 }
 
@@ -65,7 +58,7 @@ constexpr Kind kKinds[] = {{"Primitives", Primitives},
                            {"Background", Background},
                            {"HostDraws", HostDraws}};
 INSTANTIATE_TEST_SUITE_P(Of, ContractKinds, ::testing::ValuesIn(kKinds),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& info) { return std::string(info.param.first); });
 
 void drawTriangle() {
     glBegin(GL_TRIANGLES);

@@ -71,7 +71,7 @@ struct BadFile {
     std::string content, reason;
 };
 
-/// A folder of the case's own, gone with this.
+/// A folder of its own, gone with this.
 class Folder {
 public:
     Folder() { std::filesystem::create_directories(m_path); }
@@ -128,8 +128,10 @@ public:
     }
 
 private:
+    static inline int made = 0;
     const std::filesystem::path m_path =
-        std::filesystem::temp_directory_path() / ("nruview_test_" + std::to_string(getpid()));
+        std::filesystem::temp_directory_path() /
+        ("nruview_" + std::to_string(getpid()) + "_" + std::to_string(++made));
 };
 
 inline nruview::Model readText(const std::string& content) {
