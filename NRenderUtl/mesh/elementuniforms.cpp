@@ -42,7 +42,7 @@ struct ProgramKey {
     std::array<int, std::tuple_size_v<ElementSwitches>> switches;
     bool highlights = false;
     LightKinds lights{};
-    bool cells = false;
+    bool cells = false, flatShade = false;
     auto operator<=>(const ProgramKey&) const = default;
 };
 
@@ -50,6 +50,7 @@ ProgramKey keyOf(const ElementPlan& plan, const ElementSwitches& switches) {
     ProgramKey key;
     std::ranges::transform(switches, key.switches.begin(), &ElementSwitch::value);
     key.cells = plan.celled;
+    key.flatShade = plan.needsElements() && !plan.contour;
     if (plan.look != ElementLook::Unlit) {
         key.highlights = hasHighlights(blockLighting());
         key.lights = kindsOfLights(blockLighting());
@@ -66,6 +67,7 @@ MeshProgramVariant variantOf(const ElementSwitches& switches, const ProgramKey& 
     variant.highlights = key.highlights;
     variant.lights = key.lights;
     variant.cells = key.cells;
+    variant.flatShade = key.flatShade;
     variant.windingNormals = true;
     return variant;
 }

@@ -29,6 +29,8 @@ NShaderProgram& elementMeshProgram(const MeshProgramVariant& variant) {
         defineLights(changes.defines, variant.lights);
         if (variant.cells)
             changes.defines.push_back("BAND_CELLS");
+        if (variant.flatShade && variant.lights.plain && !variant.highlights)
+            changes.defines.push_back("FLAT_SHADE");
         if (variant.windingNormals)
             changes.defines.push_back("WINDING_NORMALS");
         entry.program.build(RenderShaderMesh, changes);

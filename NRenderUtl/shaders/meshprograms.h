@@ -35,6 +35,7 @@ struct MeshProgramVariant {
     bool highlights = true; ///< with a block: not all are black
     LightKinds lights{};    ///< with a block
     bool cells = false;     ///< with a block: colours are those of the scale's cells
+    bool flatShade = false; ///< with a block: vertices that carry numbers carry what plain lights share too
     /// Normals that the program derives point to the side that the winding says, as those of geometry stages
     /// do, rather than away from the viewer.
     bool windingNormals = false;

@@ -35,7 +35,11 @@ vec4 lightColor(vec4 color, vec3 position, vec3 normal) {
     if (g_lightsOff != 0)
         return color;
     float normal2 = dot(normal, normal);
+#ifdef FLAT_SHADE
+    vec4 plain = VertexIn.shade.xxxy;
+#else
     vec4 plain = texelFetch(g_block, BLOCK_PLAIN);
+#endif
 #if LIGHTS == 1
     vec3 toLight = g_smooth == 1 ? position : texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - position;
 #ifdef NO_HIGHLIGHTS

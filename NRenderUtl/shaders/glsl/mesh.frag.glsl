@@ -13,6 +13,9 @@ in VertexData {
 #ifdef ELEMENT_ATTRIBUTE
     flat int primitive;
 #endif
+#ifdef FLAT_SHADE
+    flat vec2 shade; // ambient and diffuse of plain lights, beside the number at no cost
+#endif
 #ifdef PARAMETER_BLOCK
     float alpha; // without a contour
 #endif

@@ -38,6 +38,9 @@ out VertexData {
 #ifdef ELEMENT_ATTRIBUTE
     flat int primitive;
 #endif
+#ifdef FLAT_SHADE
+    flat vec2 shade; // ambient and diffuse of plain lights, beside the number at no cost
+#endif
 #ifdef PARAMETER_BLOCK
     float alpha;
 #endif
@@ -73,6 +76,9 @@ void main() {
 #endif
 #ifndef PARAMETER_BLOCK
     VertexOut.color = vec4(g_color, 1.0);
+#endif
+#ifdef FLAT_SHADE
+    VertexOut.shade = texelFetch(g_block, BLOCK_PLAIN).xw;
 #endif
 #ifdef PARAMETER_BLOCK
     VertexOut.alpha = g_bct == 1 ? 1.0 : g_alphavalue;
