@@ -170,9 +170,13 @@ bool glHasModelViewOfRecord() {
     return std::equal(&gl[0][0], &gl[0][0] + 16, &record[0][0]);
 }
 
-/// Whether single precision places points of a part in model space as it does in the part's own, to
-/// hundredths of a pixel.
-bool isPrecise(const NgMatrix& part) {
+/// Whether points of a part can be sent in model space: it has no perspective of its own, and single
+/// precision places them there as in the part's own space, to hundredths of a pixel.
+bool fitsModelSpace(const NgMatrix& part) {
+    const double projects =
+        std::abs(part[0][3]) + std::abs(part[1][3]) + std::abs(part[2][3]) + std::abs(part[3][3] - 1);
+    if (!(projects < 1e-9)) // beyond what inverting leaves
+        return false;
     constexpr double kMostPixels = 32768; // 1/512 pixel is left
     const double most = kMostPixels * symbolState().orthoScale;
     const double* at = part[3];
@@ -193,7 +197,7 @@ void SymbolDrawer::useRecord() {
 void SymbolDrawer::enter(const SymbolPlace& part) {
     if (!std::exchange(m_ready, true))
         readState();
-    if (m_anySpace && !m_fromRecord && isPrecise(part.matrix())) {
+    if (m_anySpace && !m_fromRecord && fitsModelSpace(part.matrix())) {
         m_part = &part;
         return;
     }

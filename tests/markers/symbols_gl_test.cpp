@@ -381,13 +381,16 @@ TEST_F(Symbols, ArePickedWhereTheyAreDrawn) {
 TEST_F(Symbols, LookAlikeByMatricesOfTheirOwn) {
     // Generated coordinates of a texture that is off: nothing but the way changes.
     const _NgPoint3Str at{0.5, 0.5, -2}, p{1.5, -2.2, 1}, q{-1.5, 1.2, 2};
-    for (const bool perspective : {false, true}) {
-        setLiveView(perspective, 37);
+    const GLdouble twice[16] = {2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2, 0, 0, 0, 0, 2}; // the same view
+    for (const std::string view : {"parallel", "perspective", "in other homogeneous coordinates"}) {
+        setLiveView(view == "perspective", 37);
+        if (view == "in other homogeneous coordinates")
+            glMultMatrixd(twice);
         NglUpdateNglInfo();
         glRotated(10, 0, 0, 1); // GL's own, which the record does not know
         for (const Call& call :
              {lineCall(p, q, 1), lineCall(p, q, 12), pointCall(at, 8), axisCall(at, 4, 0)}) {
-            SCOPED_TRACE(call.name);
+            SCOPED_TRACE(call.name + ", " + view);
             const Points points = drawn(call.draw);
             EXPECT_GE(points.size(), 2u);
             glEnable(GL_TEXTURE_GEN_S);
