@@ -277,9 +277,10 @@ void NImageBasedLightHandler::CapturePreFilterMap() {
 /// a time. Texels side by side then read what the processor's caches still have.
 void NImageBasedLightHandler::ConvolveFaces(Program& program, int step, unsigned int cube, int level,
                                             int size, const LightSamples& samples) {
-    constexpr int kPieceSamples = 4096 * kIrradianceSize * kIrradianceSize; // of all texels of a face
+    constexpr int kPieceSamples = 2048 * kIrradianceSize * kIrradianceSize; // of all texels of a face
+    constexpr int kLeast = 256; // for a texel, which each piece blends
     const int count = static_cast<int>(samples.list.size());
-    const int pieceCount = std::clamp(kPieceSamples / (size * size), 2, count);
+    const int pieceCount = std::min(std::max(kPieceSamples / (size * size), kLeast), count);
     const FaceStrip strip(size);
     const SampleBuffer buffer(program);
     const SummingGuard sums;
