@@ -70,9 +70,11 @@ void main() {
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
 
     VertexOut.position = g_usepbrmat == 1 ? g_pos_attrib : eye.xyz;
-#if defined(PLAIN_LIGHTS) && LIGHTS == 1
+#ifdef PLAIN_LIGHTS
+#if LIGHTS == 1
     if (g_smooth == 1)
         VertexOut.position = texelFetch(g_block, BLOCK_PLAIN_LIGHTS).xyz - eye.xyz;
+#endif
 #endif
 #ifndef PARAMETER_BLOCK
     VertexOut.color = vec4(g_color, 1.0);
