@@ -13,7 +13,14 @@ using namespace nruview;
 
 namespace {
 
-using Kind = std::pair<const char*, FamilyKind>;
+struct Kind {
+    const char* name;
+    FamilyKind kind;
+};
+
+std::ostream& operator<<(std::ostream& out, const Kind& kind) {
+    return out << kind.name;
+}
 
 class ContractKinds : public GlTest, public ::testing::WithParamInterface<Kind> {
 protected:
@@ -28,7 +35,7 @@ TEST_P(ContractKinds, TakeWhatTheTableSaysAndNothingElse) {
     Contract contract;
     std::map<StateGroup, int> taken;
     for (const Family& family : families()) {
-        if (family.kind != GetParam().second)
+        if (family.kind != GetParam().kind)
             continue;
         const std::vector<Cell> cells = contract.check(family);
         for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -38,7 +45,7 @@ TEST_P(ContractKinds, TakeWhatTheTableSaysAndNothingElse) {
         }
     }
     for (const auto& [group, pictures] : taken)
-        EXPECT_TRUE(pictures > 0 || !takesGroup(GetParam().second, group)) << static_cast<int>(group);
+        EXPECT_TRUE(pictures > 0 || !takesGroup(GetParam().kind, group)) << static_cast<int>(group);
     EXPECT_FALSE(taken.empty());
 }
 
@@ -58,7 +65,7 @@ constexpr Kind kKinds[] = {{"Primitives", Primitives},
                            {"Background", Background},
                            {"HostDraws", HostDraws}};
 INSTANTIATE_TEST_SUITE_P(Of, ContractKinds, ::testing::ValuesIn(kKinds),
-                         [](const auto& info) { return std::string(info.param.first); });
+                         [](const auto& info) { return std::string(info.param.name); });
 
 void drawTriangle() {
     glBegin(GL_TRIANGLES);
