@@ -356,7 +356,7 @@ TEST_F(ViewerLabels, TheAxesTurnWithTheView) {
     constexpr NgColorLong kAxisColors[] = {0xFF3C3CDC, 0xFF3CA03C, 0xFFF07846};
     using Places = std::array<std::array<int, 2>, 3>; // of x, y, z, in pixels from the middle
     const int size = triadSize_px(20), middle = 100 + size / 2;
-    for (const auto& [view, places] : {std::pair{"xy", Places{{{20, 0}, {0, 20}, {-3, -3}}}},
+    for (const auto& [view, places] : {std::pair{"xy", Places{{{20, 0}, {0, 20}, {3, 0}}}},
                                        {"0,0,-1", {{{-20, 0}, {0, 20}, {3, -3}}}},
                                        {"iso", {{{14, -8}, {0, 16}, {-14, -8}}}}}) {
         beginEmpty(kWhite);
