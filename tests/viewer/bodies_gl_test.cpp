@@ -7,8 +7,7 @@
 #include "viewer/app/messages.h"
 #include "viewer/app/options.h"
 
-using namespace nruview;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
@@ -49,12 +48,12 @@ int colorFrom(const Point& direction) {
 
 /// The directions' colours as a picture with y upward.
 std::string environmentPicture() {
-    return nrutest::radianceFile(64, 32, [](int column, int row) {
+    return radianceFile(64, 32, [](int column, int row) {
         const double turn = 2.0 * M_PI * ((column + 0.5) / 64 - 0.5), rise = M_PI * (0.5 - (row + 0.5) / 32);
         const int color =
             colorFrom({std::cos(rise) * std::cos(turn), std::sin(rise), std::cos(rise) * std::sin(turn)});
         const auto lit = [&](int bit) { return color & bit ? 2.0f : 0.0f; };
-        return nrutest::Radiance{lit(1), lit(2), lit(4)};
+        return Radiance{lit(1), lit(2), lit(4)};
     });
 }
 
@@ -64,7 +63,7 @@ int bitsOf(NgColorLong color) {
     return (rgb.red > 90 ? 1 : 0) + (rgb.green > 90 ? 2 : 0) + (rgb.blue > 90 ? 4 : 0);
 }
 
-class ViewerBodies : public nrutest::SceneTest {
+class ViewerBodies : public SceneTest {
 protected:
     void SetUp() override {
         SceneTest::SetUp();
@@ -99,7 +98,7 @@ void expectMostly(const Rgb& color, char channel, const std::string& name) {
 TEST_F(ViewerBodies, FlatFacesAreLitAlikeFromEverySide) {
     m_legacy = true;
     for (const char* view : {"0,0,1", "0,0,-1", "1,0,0", "-1,0,0", "0,1,0", "0,-1,0"}) {
-        const Rgb shade = middle(nrutest::hexahedra(2, 2, 2), {.color = 0xFFC8C8C8}, view);
+        const Rgb shade = middle(hexahedra(2, 2, 2), {.color = 0xFFC8C8C8}, view);
         EXPECT_NEAR(shade.red, 243, 2) << view; // 200 x (0.5 / 1.74 + 1 / 1.078), the lamp's cosine
         EXPECT_EQ(shade.red, shade.blue) << view;
     }
@@ -150,7 +149,7 @@ TEST_F(ViewerBodies, MetalHasNoLightOfItsOwnColorBesideTheLamps) {
 }
 
 TEST_F(ViewerBodies, LampsStandAboutTheAxisOfThePicture) {
-    const ShownModel shown = showModel(nrutest::hexahedra(2, 2, 2), {});
+    const ShownModel shown = showModel(hexahedra(2, 2, 2), {});
     const Picture drawn =
         picture(shown, {}, {"0,0,1", true}, {.physical = true, .material = "Steel Polished"});
     int left = 0, right = 0, lower = 0, upper = 0;
@@ -175,10 +174,10 @@ TEST(ViewerEnvironment, StandsUprightInTheView) {
 
 // What is seen behind the model lies in the direction of sight, what its faces mirror behind the viewer.
 TEST_F(ViewerBodies, StandInTheirEnvironmentTheRightWayUp) {
-    nrutest::takeFewSamples();
-    const nrutest::Folder folder;
+    takeFewSamples();
+    const Folder folder;
     folder.write("around.hdr", environmentPicture());
-    const ShownModel shown = showModel(nrutest::hexahedra(2, 2, 2), {});
+    const ShownModel shown = showModel(hexahedra(2, 2, 2), {});
     start();
     for (const ImageUp up : {ImageUp::Y, ImageUp::Z}) {
         const auto inImage = [&](const Point& p) { return up == ImageUp::Y ? p : Point{p[0], p[2], -p[1]}; };

@@ -4,7 +4,7 @@
 #include "tests/viewer/elements.h"
 #include "viewer/bodies/bodymesh.h"
 
-using namespace nruview;
+using namespace nrutest;
 
 namespace {
 
@@ -115,8 +115,8 @@ TEST(BodyMesh, GivesEachPartItsFacesAndSmoothsFromPartToPart) {
 // Two squares of one strip, bent by 20 degrees along the y axis.
 TEST(BodyMesh, TakesTheFilesNormalsAndLeavesHiddenFacesOut) {
     const double angle = std::numbers::pi / 9, x = std::cos(angle), z = std::sin(angle);
-    Model model = nrutest::modelOf({{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}, {x, 0, z}, {x, 1, z}},
-                                   {{CellType::Quad, {0, 1, 2, 3}}, {CellType::Quad, {1, 4, 5, 2}}});
+    Model model = modelOf({{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}, {x, 0, z}, {x, 1, z}},
+                          {{CellType::Quad, {0, 1, 2, 3}}, {CellType::Quad, {1, 4, 5, 2}}});
     const Point mean = {-std::sin(angle / 2), 0, std::cos(angle / 2)};
     const std::array<float, 3> given = {0.6f, 0.0f, 0.8f};
 

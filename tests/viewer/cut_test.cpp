@@ -6,10 +6,9 @@
 
 #include "tests/viewer/elements.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
+
+namespace {
 
 Plane planeThrough(const Point& at, const Point& normal) {
     return {unit(normal), dot(unit(normal), at)};

@@ -8,14 +8,9 @@
 #include "viewer/model/fields.h"
 #include "viewer/readers/exoduscomponents.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::IsNan;
+
+namespace {
 
 Model read(const ExodusWriter& file, int mode = 0) {
     const Folder folder;

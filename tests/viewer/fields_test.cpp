@@ -1,19 +1,14 @@
 // Components, invariants and steps of fields, against closed formulas.
 #include "viewer/model/fields.h"
 
-#include <gmock/gmock.h>
-
 #include <cmath>
 
-#include "viewer/error.h"
+#include "tests/viewer/files.h"
 #include "viewer/model/numbering.h"
 
-namespace {
+using namespace nrutest;
 
-using namespace nruview;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::ThrowsMessage;
+namespace {
 
 constexpr auto kNode = FieldLocation::Node;
 constexpr auto kCell = FieldLocation::Cell;

@@ -17,6 +17,10 @@
 
 namespace nrutest {
 
+using namespace nruview;
+using testing::DoubleNear, testing::ElementsAre, testing::HasSubstr, testing::IsEmpty, testing::IsNan;
+using testing::StartsWith, testing::ThrowsMessage;
+
 template <class T>
 std::string bytesOf(const T& value, bool bigEndian) {
     std::string bytes(reinterpret_cast<const char*>(&value), sizeof(T));
@@ -36,28 +40,28 @@ inline std::string replaced(std::string text, const std::string& from, const std
 }
 
 /// Everything of a model as text; no list in it is longer than what is printed in full.
-inline std::string dump(const nruview::Model& m) {
+inline std::string dump(const Model& m) {
     std::string text = testing::PrintToString(
         std::tuple(m.nodes, m.types, m.offsets, m.connectivity, m.nodeNumbers, m.cellNumbers, m.notes));
-    for (const nruview::ModelPart& part : m.parts)
+    for (const ModelPart& part : m.parts)
         text += testing::PrintToString(std::tuple(part.name, part.firstCell, part.cellCount));
-    for (const nruview::Field& f : m.fields)
+    for (const Field& f : m.fields)
         text += testing::PrintToString(std::tuple(f.name, f.location, f.components, f.step, f.values));
     return text;
 }
 
 /// Each part with its first cell, such as "left 0, right 4, ".
-inline std::string partsOf(const nruview::Model& model) {
+inline std::string partsOf(const Model& model) {
     std::ostringstream text;
-    for (const nruview::ModelPart& part : model.parts)
+    for (const ModelPart& part : model.parts)
         text << part.name << ' ' << part.firstCell << ", ";
     return text.str();
 }
 
 /// Each node set with its nodes, such as "held: 0 1, loaded: 4, ".
-inline std::string setsOf(const nruview::Model& model) {
+inline std::string setsOf(const Model& model) {
     std::ostringstream text;
-    for (const nruview::NodeSet& set : model.nodeSets) {
+    for (const NodeSet& set : model.nodeSets) {
         text << set.name << ":";
         for (const std::uint32_t node : set.nodes)
             text << ' ' << node;
@@ -89,15 +93,15 @@ public:
         return text.str();
     }
 
-    nruview::Model parse(const std::string& content, const std::string& name = "model") const {
+    Model parse(const std::string& content, const std::string& name = "model") const {
         write(name, content);
-        return nruview::readModel(path(name));
+        return readModel(path(name));
     }
     /// The one line with which a file is refused, without the file's name.
     std::string refusal(const std::string& name) const {
         try {
-            nruview::readModel(path(name));
-        } catch (const nruview::ViewerError& error) {
+            readModel(path(name));
+        } catch (const ViewerError& error) {
             const std::string text = error.what(), start = path(name) + ": ";
             EXPECT_TRUE(text.starts_with(start) && text.find('\n') == text.npos) << text;
             return text.substr(std::min(start.size(), text.size()));
@@ -107,12 +111,11 @@ public:
     void expectRefused(const std::vector<BadFile>& files, const std::string& name = "model") const {
         for (const auto& [content, reason] : files) {
             write(name, content);
-            EXPECT_THAT(refusal(name), testing::HasSubstr(reason));
+            EXPECT_THAT(refusal(name), HasSubstr(reason));
         }
     }
     /// A file cut short is refused, or gives the whole mesh where only fields or ends are missing.
-    void expectRefusedWhenCutShort(const std::string& content, const nruview::Model& whole,
-                                   std::size_t step) const {
+    void expectRefusedWhenCutShort(const std::string& content, const Model& whole, std::size_t step) const {
         std::size_t refused = 0;
         for (std::size_t length = 0; length < content.size(); length += step) {
             write("model", content.substr(0, length));
@@ -120,7 +123,7 @@ public:
                 ++refused;
                 continue;
             }
-            const nruview::Model model = nruview::readModel(path("model"));
+            const Model model = readModel(path("model"));
             ASSERT_EQ(model.nodes, whole.nodes) << length;
             ASSERT_EQ(model.connectivity, whole.connectivity) << length;
         }
@@ -134,7 +137,7 @@ private:
         ("nruview_" + std::to_string(getpid()) + "_" + std::to_string(++made));
 };
 
-inline nruview::Model readText(const std::string& content) {
+inline Model readText(const std::string& content) {
     return Folder().parse(content);
 }
 

@@ -6,12 +6,9 @@
 #include "tests/viewer/files.h"
 #include "viewer/model/fields.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::ElementsAre;
-using testing::IsNan;
+
+namespace {
 
 template <class... Args>
 std::string format(const char* form, Args... args) {

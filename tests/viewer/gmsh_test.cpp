@@ -5,13 +5,9 @@
 #include "tests/viewer/files.h"
 #include "tests/viewer/gmshwriter.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+
+namespace {
 
 const std::string kText = MshWriter{}.write();
 

@@ -2,13 +2,9 @@
 // one reason for what is not read.
 #include "tests/viewer/files.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::DoubleNear;
-using testing::ElementsAre;
-using testing::HasSubstr;
+
+namespace {
 
 std::string nodes(int count) {
     std::string text = "*NODE\n";

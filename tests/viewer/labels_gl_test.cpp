@@ -7,8 +7,7 @@
 #include "viewer/labels/legend.h"
 #include "viewer/model/samples.h"
 
-using namespace nruview;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
@@ -38,7 +37,7 @@ Ink inkOn(const Picture& picture, NgColorLong background) {
     return inkWhere([&](int x, int y) { return (picture.at(x, y) & kRgb) != (background & kRgb); });
 }
 
-class ViewerLabels : public nrutest::SceneTest {
+class ViewerLabels : public SceneTest {
 protected:
     void SetUp() override {
         SceneTest::SetUp();
@@ -104,9 +103,8 @@ bool shows(const Picture& picture, const std::string& text) {
 
 /// A triangle with the extremes at two nodes close to each other, in a large one.
 Model closeExtremes() {
-    Model model =
-        nrutest::modelOf({{-3, -2, 0}, {3, -2, 0}, {0, 2, 0}, {0, 0, 0}, {0.15, 0, 0}, {0, 0.15, 0}},
-                         {{CellType::Triangle, {0, 1, 2}}, {CellType::Triangle, {3, 4, 5}}});
+    Model model = modelOf({{-3, -2, 0}, {3, -2, 0}, {0, 2, 0}, {0, 0, 0}, {0.15, 0, 0}, {0, 0.15, 0}},
+                          {{CellType::Triangle, {0, 1, 2}}, {CellType::Triangle, {3, 4, 5}}});
     model.fields = {{"T", FieldLocation::Node, 1, {0.5, 0.5, 0.5, 4e-17, 1, 0.5}}}; // round-off for 0
     return model;
 }
@@ -164,10 +162,10 @@ TEST_F(ViewerLabels, TextsLeaveTheStateAndAskForNothing) {
     glPixelStorei(GL_UNPACK_SKIP_PIXELS, 3);
     glMatrixMode(GL_TEXTURE);
     glScalef(3, 3, 3);
-    const auto before = nrutest::GlSnapshot::take();
+    const auto before = GlSnapshot::take();
     draw();
-    EXPECT_TRUE(nrutest::GlSnapshot::take().equals(before));
-    EXPECT_TRUE(nrutest::samePicture(read(), expected));
+    EXPECT_TRUE(GlSnapshot::take().equals(before));
+    EXPECT_TRUE(samePicture(read(), expected));
 }
 
 TEST_F(ViewerLabels, TextsOfManyLinesAtADepthOrWithoutAHost) {

@@ -8,13 +8,13 @@
 #include "viewer/labels/legend.h"
 #include "viewer/model/extremes.h"
 
-using namespace nruview;
+using namespace nrutest;
 
 namespace {
 
 /// With a node that no element has.
 const Model kTriangle =
-    nrutest::modelOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}}, {{CellType::Triangle, {0, 1, 2}}});
+    modelOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}}, {{CellType::Triangle, {0, 1, 2}}});
 
 } // namespace
 

@@ -6,18 +6,15 @@
 #include "viewer/scene/colorbands.h"
 #include "viewer/scene/sight.h"
 
-using namespace nruview;
-using nrutest::differenceInHue;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
 /// A quad from (-2, -2) to (2, 2) with a tensor, and before it a line, which is not shown, with a vector and
 /// values at its ends.
 Model sheet() {
-    Model model =
-        nrutest::modelOf({{-2, -2, 0}, {2, -2, 0}, {2, 2, 0}, {-2, 2, 0}, {-1, -1, 0.5}, {1, 1, 0.5}},
-                         {{CellType::Quad, {0, 1, 2, 3}}, {CellType::Line, {4, 5}}});
+    Model model = modelOf({{-2, -2, 0}, {2, -2, 0}, {2, 2, 0}, {-2, 2, 0}, {-1, -1, 0.5}, {1, 1, 0.5}},
+                          {{CellType::Quad, {0, 1, 2, 3}}, {CellType::Line, {4, 5}}});
     Field force{"F", FieldLocation::Node, 3, std::vector<double>(18, 0.0)};
     force.values[12] = 3.0; // along x from node 4
     force.values[13] = 1.5;
@@ -67,10 +64,9 @@ Change changeOf(const Picture& before, const Picture& after) {
     return change;
 }
 
-class ViewerMarkers : public nrutest::SceneTest {
+class ViewerMarkers : public SceneTest {
 protected:
-    Picture drawn(ShownModel shown, const Markers& markers, const nrutest::View& view = {},
-                  double opacity = 1.0) {
+    Picture drawn(ShownModel shown, const Markers& markers, const View& view = {}, double opacity = 1.0) {
         shown.bounds.low[2] -= 1.0; // room for markers, in depth alone
         shown.bounds.high[2] += 1.0;
         return picture(shown, {.edges = EdgeMode::None, .opacity = opacity}, view, {}, &markers);

@@ -1,12 +1,9 @@
 // Reading models: every encoding gives the same model, and bad files get one clear reason.
 #include "tests/viewer/vtkwriter.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::ElementsAre;
-using testing::HasSubstr;
+
+namespace {
 
 const std::string kAscii = XmlWriter{}.write();
 const std::string kRaw = XmlWriter{Storage::AppendedRaw}.write();

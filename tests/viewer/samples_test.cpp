@@ -7,7 +7,7 @@
 #include "viewer/model/fields.h"
 #include "viewer/model/samples.h"
 
-using namespace nruview;
+using namespace nrutest;
 
 namespace {
 
@@ -81,7 +81,7 @@ TEST(Samples, MeshesHaveTheSizesAskedForAndTurnTheRightWay) {
         EXPECT_EQ(model.nodes.size(), nodes);
         EXPECT_NO_THROW(checkModel(model, selector));
         double sum = 0.0;
-        for (const auto& [a, b, c] : nrutest::piecesOf(model, extractSurface(model)))
+        for (const auto& [a, b, c] : piecesOf(model, extractSurface(model)))
             sum += model.types[0] == CellType::Hexa ? dot(a, cross(b - a, c - a)) / 6
                                                     : cross(b - a, c - a)[2] / 2;
         EXPECT_NEAR(sum, measure, 1e-6);
@@ -130,7 +130,7 @@ TEST(Samples, TheFlangeIsClosedAndFacesOutward) {
                     sides.emplace(model.cellNodes(cell)[i], model.cellNodes(cell)[(i + 1) % 4]).second);
         for (const auto& [from, to] : sides)
             EXPECT_TRUE(sides.contains({to, from})) << selector;
-        const double volume = nrutest::volumeOf(nrutest::piecesOf(model, extractSurface(model)));
+        const double volume = volumeOf(piecesOf(model, extractSurface(model)));
         EXPECT_NEAR(volume, 155770.0, selector == std::string_view("flange") ? 400.0 : 10000.0)
             << "turned bodies by Guldin's rule";
     }

@@ -4,16 +4,13 @@
 #include "viewer/error.h"
 #include "viewer/scene/blockcolors.h"
 
-using namespace nruview;
-using nrutest::differenceInHue;
-using nrutest::isDark;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
 /// Six hexahedra, 3 x 2 x 1, with the node field x + y and the cells' numbers.
 Model boxes() {
-    Model model = nrutest::hexahedra(3, 2, 1);
+    Model model = hexahedra(3, 2, 1);
     Field sum{"sum", FieldLocation::Node, 1, {}};
     for (const Point& node : model.nodes)
         sum.values.push_back(node[0] + node[1]);
@@ -31,7 +28,7 @@ ShownSettings cut(const char* field, const SectionPlane& plane) {
 
 const SectionPlane kMiddle = {Point{1.5, 1, 0.5}, {1, 0, 0}};
 
-class SectionScene : public nrutest::SceneTest {};
+class SectionScene : public SceneTest {};
 
 } // namespace
 

@@ -4,10 +4,10 @@
 
 #include "tests/viewer/elements.h"
 
+using namespace nrutest;
+
 namespace {
 
-using namespace nrutest;
-using namespace nruview;
 using testing::ElementsAre;
 
 /// Twice its area long.

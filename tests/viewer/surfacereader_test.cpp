@@ -9,12 +9,9 @@
 #include "viewer/model/surface.h"
 #include "viewer/readers/apart.h"
 
-namespace {
-
 using namespace nrutest;
-using namespace nruview;
-using testing::ElementsAre;
-using testing::StartsWith;
+
+namespace {
 
 // --- a box of 2 x 3 x 5 about (10, 0, 0) -------------------------------------------------------------------
 
@@ -282,5 +279,5 @@ TEST(ReadApart, FaultsOfAReaderAreRefusals) {
                              "takes longer", "on purpose"};
     for (std::size_t i = 0; i < std::size(rows); ++i)
         EXPECT_THAT([&] { readApart(rows[i], 100); },
-                    testing::ThrowsMessage<Refusal>(testing::ContainsRegex(reasons[i])));
+                    ThrowsMessage<Refusal>(testing::ContainsRegex(reasons[i])));
 }

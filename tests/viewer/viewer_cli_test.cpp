@@ -3,12 +3,11 @@
 #include "tests/viewer/files.h"
 #include "tests/viewer/pngfile.h"
 
+using namespace nrutest;
+
 namespace {
 
 namespace fs = std::filesystem;
-using nrutest::Picture;
-using nrutest::readPng;
-using testing::HasSubstr;
 
 const std::string kTwoCells = R"(# vtk DataFile Version 3.0
 two cells
@@ -31,31 +30,30 @@ SCALARS T double 1
 -1.5 2.25
 )";
 
-class ViewerProgram : public ::testing::Test, public nrutest::Folder {
+class ViewerProgram : public ::testing::Test, public Folder {
 protected:
     ViewerProgram() {
         write("two.vtk", kTwoCells);
         write("flat.vtk", kTwoCells.substr(0, kTwoCells.find("VECTORS")));
     }
     /// Runs nruview; words beginning with @ are files in the case's folder, '' is an empty word.
-    nrutest::ProcessResult nruview(const std::string& words,
-                                   const nrutest::Environment& environment = {}) const {
+    ProcessResult nruview(const std::string& words, const Environment& environment = {}) const {
         std::vector<std::string> command = {NRUVIEW_PROGRAM};
         std::istringstream in(words);
         for (std::string word; in >> word;)
             command.push_back(word[0] == '@' ? path(word.substr(1)) : word == "''" ? "" : word);
-        return nrutest::runProgram(command, environment);
+        return runProgram(command, environment);
     }
 
     /// Status 2 and one line that names the program and holds a word.
-    static void expectError(const nrutest::ProcessResult& result, const std::string& word) {
+    static void expectError(const ProcessResult& result, const std::string& word) {
         EXPECT_EQ(result.exitCode, 2) << result.output;
         EXPECT_TRUE(result.output.starts_with("nruview: ")) << result.output;
         EXPECT_EQ(std::count(result.output.begin(), result.output.end(), '\n'), 1) << result.output;
         EXPECT_THAT(result.output, HasSubstr(word));
     }
     /// Runs what has nothing to say.
-    void draw(const std::string& words, const nrutest::Environment& environment = {}) const {
+    void draw(const std::string& words, const Environment& environment = {}) const {
         EXPECT_EQ(nruview(words, environment).output, "") << words;
     }
 };
@@ -127,7 +125,7 @@ TEST_F(ViewerProgram, WhatCannotBeShownOrWrittenIsAnError) {
         expectError(nruview(std::string("@two.vtk -o ") + output), output[0] == '/' ? output : "");
     expectError(nruview("@two.vtk", {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}}),
                 "no display; -o FILE.png draws without one");
-    expectError(nrutest::runProgram({"/bin/sh", "-c", NRUVIEW_PROGRAM " --sample hole:3 --list > /dev/full"}),
+    expectError(runProgram({"/bin/sh", "-c", NRUVIEW_PROGRAM " --sample hole:3 --list > /dev/full"}),
                 "standard output: cannot be written");
     write("a.png", "old");
     fs::create_directory(path("a.png.part")); // stands in the way of the new one
@@ -206,7 +204,7 @@ TEST_F(ViewerProgram, KnowsTheMaterialsOfTheFolderThatIsSet) {
     write("own/Resources/NuStudio/Rendering/RenderMaterialApperance.xml",
           R"(<All><Material Name="Soap"><Appearance Metalness="0" Roughness="0.5" Reflectivity="0.04"
              AmbientOcclusion="1"/></Material></All>)");
-    const nrutest::Environment own = {{"NU_COMMON_PATH", path("own")}};
+    const Environment own = {{"NU_COMMON_PATH", path("own")}};
     EXPECT_EQ(nruview("--materials", own).output,
               "material  metalness  roughness  reflectivity  ambient occlusion\n"
               "Soap      0          0.5        0.04          1\n");
@@ -219,7 +217,7 @@ TEST_F(ViewerProgram, KnowsTheMaterialsOfTheFolderThatIsSet) {
 TEST_F(ViewerProgram, LabelsItsPictureAsFarAsThereIsAFontAndAWish) {
     const std::string command = "@two.vtk --field T --size 400x300 -o @";
     draw(command + "all.png");
-    const nrutest::Environment none = {{"NRUVIEW_FONT", path("none.ttf")}};
+    const Environment none = {{"NRUVIEW_FONT", path("none.ttf")}};
     const auto [exitCode, output] = nruview(command + "silent.png", none);
     EXPECT_EQ(exitCode, 0);
     EXPECT_EQ(output, "nruview: font " + path("none.ttf") + ": cannot be read; the picture has no text\n");
@@ -281,7 +279,7 @@ TEST_F(ViewerProgram, ShowsSurfacesWithTheirPartsAndWithoutTheirTriangles) {
 }
 
 TEST_F(ViewerProgram, RunsScriptsAndDrawsMotionsWithoutADisplay) {
-    const nrutest::Environment noDisplay = {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}};
+    const Environment noDisplay = {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}};
     write("good.txt",
           "set field T\nset deform 2\nset hide 0\nset hide none\nview xy\nsize 80 60\nprint step\n"
           "shot '" +

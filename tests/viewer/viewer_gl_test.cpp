@@ -5,9 +5,7 @@
 #include "tests/viewer/scenetest.h"
 #include "viewer/model/samples.h"
 
-using namespace nruview;
-using nrutest::isDark;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
@@ -49,7 +47,7 @@ double difference(NgColorLong found, NgColorLong expected, double shade = 1.0) {
     return largest;
 }
 
-class ViewerScene : public nrutest::SceneTest {
+class ViewerScene : public SceneTest {
 protected:
     bool shows(const Picture& picture, const Point& p, NgColorLong color, double shade = 1.0) const {
         return difference(colorAt(picture, p), color, shade) < 1.5;
@@ -194,7 +192,7 @@ TEST_F(ViewerScene, FarHugeAndTinyModelsKeepTheirShape) {
             node = size * node + Point{shift, shift, 0};
         model.nodes.push_back({shift, 1e9 * size, 0}); // no element's
         const ShownModel shown = showModel(model, {});
-        EXPECT_TRUE(nrutest::samePicture(picture(shown, inBands(1, EdgeMode::All), {"iso", true}), expected))
+        EXPECT_TRUE(samePicture(picture(shown, inBands(1, EdgeMode::All), {"iso", true}), expected))
             << "size " << size;
     }
 }
@@ -233,9 +231,8 @@ TEST_F(ViewerScene, FacesOfABoxHaveShadesOfTheirOwnAndNoneIsBlack) {
 }
 
 TEST_F(ViewerScene, BeamsAndPointsShowTheirColorsAndArePicked) {
-    Model model =
-        nrutest::modelOf({{0, 0, 0}, {4, 0, 0}, {2, 2, 0}, {0, 1, 0}, {4, 1, 0}},
-                         {{CellType::Line, {0, 1}}, {CellType::Vertex, {2}}, {CellType::Line, {3, 4}}});
+    Model model = modelOf({{0, 0, 0}, {4, 0, 0}, {2, 2, 0}, {0, 1, 0}, {4, 1, 0}},
+                          {{CellType::Line, {0, 1}}, {CellType::Vertex, {2}}, {CellType::Line, {3, 4}}});
     model.fields = {{"c", FieldLocation::Cell, 1, {1, 2, 1}}};
     const ShownModel shown = byField(model, "c");
     const Picture drawn = picture(shown, inBands(2));

@@ -7,11 +7,9 @@
 #include "tests/viewer/pngfile.h"
 #include "viewer/model/vectors.h"
 
-namespace {
+using namespace nrutest;
 
-using nrutest::Picture;
-using nrutest::readPng;
-using namespace nruview;
+namespace {
 
 /// An X server of the case's own.
 class Display {
@@ -54,7 +52,7 @@ Point placeIn(const std::string& text) {
     return place;
 }
 
-class ViewerWindow : public ::testing::Test, public nrutest::Folder {
+class ViewerWindow : public ::testing::Test, public Folder {
 protected:
     /// What the commands print in a window of 480 x 360 without smoothed edges; @NAME is a file of the
     /// case's.
@@ -69,10 +67,10 @@ protected:
         if (!extra.empty())
             command.push_back(extra);
         // The driver is gone before leaks are looked for, so that its own have no module to leave out.
-        const nrutest::ProcessResult result =
-            nrutest::runProgram(command, {{"DISPLAY", m_display.name()},
-                                          {"WAYLAND_DISPLAY", ""},
-                                          {"ASAN_OPTIONS", "intercept_tls_get_addr=0:detect_leaks=0"}});
+        const ProcessResult result =
+            runProgram(command, {{"DISPLAY", m_display.name()},
+                                 {"WAYLAND_DISPLAY", ""},
+                                 {"ASAN_OPTIONS", "intercept_tls_get_addr=0:detect_leaks=0"}});
         EXPECT_EQ(result.exitCode, 0) << result.output;
         return result.output;
     }
@@ -85,16 +83,16 @@ protected:
 TEST_F(ViewerWindow, ShowsWhatIsDrawnWithoutOneAndThePanelLeavesNoTrace) {
     const std::string commands = "set deform auto\nturn 30 10\nzoom 1.5 200 200\nselect 3-9\n";
     write("common.txt", commands + "shot " + path("file.png") + "\n");
-    const auto drawn = nrutest::runProgram({NRUVIEW_PROGRAM, "--sample", "cantilever:20", "--field", "S:xx",
-                                            "--size", "480x360", "--script", path("common.txt")});
+    const auto drawn = runProgram({NRUVIEW_PROGRAM, "--sample", "cantilever:20", "--field", "S:xx", "--size",
+                                   "480x360", "--script", path("common.txt")});
     ASSERT_EQ(drawn.exitCode, 0) << drawn.output;
     runScript(commands + "shot @panel.png");
     runScript(commands + "shot @alone.png", "--no-panel");
     const Picture file = readPng(path("file.png"));
     ASSERT_EQ(file.width(), 480);
     EXPECT_GT(file.countOtherThan(0xFFFFFFFF), 10000);
-    EXPECT_TRUE(nrutest::samePicture(file, readPng(path("panel.png"))));
-    EXPECT_TRUE(nrutest::samePicture(file, readPng(path("alone.png"))));
+    EXPECT_TRUE(samePicture(file, readPng(path("panel.png"))));
+    EXPECT_TRUE(samePicture(file, readPng(path("alone.png"))));
 }
 
 TEST_F(ViewerWindow, KeepsWhatIsUnderTheMouseThereWhileItPansAndZooms) {
@@ -168,5 +166,5 @@ TEST_F(ViewerWindow, DrawsTheRubberBandOnThePictureAndTakesItAway) {
             EXPECT_TRUE(isSide || isEdge) << x << " " << y;
         }
     EXPECT_GT(changed, 2 * (100 + 120));
-    EXPECT_TRUE(nrutest::samePicture(before, readPng(path("after.png"))));
+    EXPECT_TRUE(samePicture(before, readPng(path("after.png"))));
 }

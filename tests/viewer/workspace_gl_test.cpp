@@ -5,8 +5,7 @@
 #include "viewer/model/samples.h"
 #include "viewer/workspace/script.h"
 
-using namespace nruview;
-using nrutest::Picture;
+using namespace nrutest;
 
 namespace {
 
@@ -59,7 +58,7 @@ std::vector<std::string> commandsOf(const std::string& text) {
     return commands;
 }
 
-class Workspaces : public nrutest::SceneTest, public nrutest::Folder, public CommandPlace {
+class Workspaces : public SceneTest, public Folder, public CommandPlace {
 protected:
     void TearDown() override {
         m_workspace.reset();
@@ -123,8 +122,8 @@ TEST_F(Workspaces, ChangesGiveThePictureThatAStartWithThemGives) {
         Workspace fresh(model, m_workspace->options());
         fresh.setCamera(m_workspace->camera());
         fresh.draw(kSize, kSize);
-        EXPECT_TRUE(nrutest::samePicture(read(), found)) << command;
-        EXPECT_NE(nrutest::compare(found, before).pixels, 0) << command << " changes nothing";
+        EXPECT_TRUE(samePicture(read(), found)) << command;
+        EXPECT_NE(compare(found, before).pixels, 0) << command << " changes nothing";
         before = found;
     }
 }
@@ -160,9 +159,8 @@ TEST_F(Workspaces, WrongCommandsNameTheirPlaceAndChangeNothing) {
         for (const std::string& words : wrong) {
             SCOPED_TRACE(command + " " + words);
             write("s.txt", "# a comment\n\nstep 1 # another\n" + command + " " + words + "\n");
-            EXPECT_THAT(runAll,
-                        testing::ThrowsMessage<ViewerError>(testing::StartsWith(path("s.txt") + ":4: ")));
-            EXPECT_TRUE(nrutest::samePicture(drawn(), before));
+            EXPECT_THAT(runAll, ThrowsMessage<ViewerError>(StartsWith(path("s.txt") + ":4: ")));
+            EXPECT_TRUE(samePicture(drawn(), before));
         }
 }
 
@@ -218,12 +216,12 @@ TEST_F(Workspaces, AnimationsKeepColorsAndViewAndLeaveAllAsItWas) {
     ASSERT_EQ(m_pictures.size(), 4u);
     EXPECT_TRUE(std::filesystem::exists(path("swing-000.png")) &&
                 std::filesystem::exists(path("swing-003.png")));
-    EXPECT_TRUE(nrutest::samePicture(m_pictures[1], m_pictures[3])) << "both ways through the middle";
-    EXPECT_GT(nrutest::compare(m_pictures[0], m_pictures[2]).pixels, 50) << "a full swing";
+    EXPECT_TRUE(samePicture(m_pictures[1], m_pictures[3])) << "both ways through the middle";
+    EXPECT_GT(compare(m_pictures[0], m_pictures[2]).pixels, 50) << "a full swing";
     m_pictures.clear();
     run("animate 2 " + path("step%d.png"));
     ASSERT_EQ(m_pictures.size(), 2u);
-    EXPECT_TRUE(nrutest::samePicture(drawn(), before));
+    EXPECT_TRUE(samePicture(drawn(), before));
     run("set range -18,6; step 0");
-    EXPECT_TRUE(nrutest::samePicture(m_pictures[0], drawn())) << "the range of both steps";
+    EXPECT_TRUE(samePicture(m_pictures[0], drawn())) << "the range of both steps";
 }
