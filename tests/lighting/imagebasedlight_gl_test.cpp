@@ -257,6 +257,7 @@ TEST_F(ImageBasedLight, BuildsTheSameMapsUnderAnyStateOfTheHostAndLeavesIt) {
                 state.set(objects);
         glActiveTexture(GL_TEXTURE1);
         glBindTexture(GL_TEXTURE_BUFFER, texture);
+        glClampColor(GL_CLAMP_FRAGMENT_COLOR, GL_TRUE);
         const GlSnapshot before = GlSnapshot::take();
         Handler::CleanUpBuffers();
         EXPECT_EQ(initialize(), 1);
