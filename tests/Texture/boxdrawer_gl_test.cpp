@@ -5,9 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include <glm/glm.hpp>
-
 #include "NRenderUtl/Texture/ntexture.h"
+#include "tests/Texture/roundedbox.h"
 #include "tests/shaders/testprogram.h"
 #include "tests/support/subprocess.h"
 
@@ -17,28 +16,17 @@ namespace {
 
 using Info = N2DBoxDrawer::RenderInfo;
 
-glm::vec4 unpacked(std::uint32_t color) {
-    return glm::vec4(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF, color >> 24) / 255.0f;
-}
-
 /// Colour of a box at a point in pixels from its lower left corner.
 glm::vec4 colorOfBox(const Info& box, const glm::vec2& p) {
-    glm::vec4 color = unpacked(box.fillColor);
+    const glm::vec4 fill = unpacked(box.fillColor);
     if (!box.roundedCorners && !box.border)
-        return color;
+        return fill;
     const glm::vec2 half = glm::vec2(box.width, box.height) / 2.0f, c = p - half;
     const float border = box.border ? static_cast<float>(box.borderThickness) : 0;
     const float radius = box.roundedCorners ? box.cornerRadii[(c.x > 0 ? 0 : 2) + (c.y > 0 ? 0 : 1)] : 0;
-    const glm::vec2 q = glm::abs(c) - (half - border / 2 - 1.0f) + radius;
-    const float d = std::min(std::max(q.x, q.y), 0.0f) + glm::length(glm::max(q, 0.0f)) - radius;
-    const float inside = 1 - glm::smoothstep(color.a, 2.0f, d);
-    if (box.roundedCorners)
-        color.a = std::min(color.a, inside);
-    if (!box.border)
-        return color;
-    const float edge = 1 - glm::smoothstep(border - 2, border, std::abs(d));
     const glm::vec4 ink(glm::vec3(box.borderColor[0], box.borderColor[1], box.borderColor[2]) / 255.0f, 1);
-    return glm::mix(color, ink, std::min(edge, inside));
+    return colorAtEdge(fill, c, half - border / 2 - 1.0f,
+                       {box.roundedCorners != 0, radius, box.border ? border : -1, ink});
 }
 
 class Box : public GlTest {

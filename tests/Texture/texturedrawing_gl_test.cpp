@@ -6,6 +6,7 @@
 
 #include "NRenderUtl/NRenderUtl.h"
 #include "tests/Texture/pictures.h"
+#include "tests/Texture/roundedbox.h"
 #include "tests/host/testfiles.h"
 #include "tests/support/librarytest.h"
 
@@ -19,30 +20,18 @@ constexpr std::uint32_t kBorder = 0xFF1E140A; // of kBordered
 constexpr Info kPlain{}, kRounded{1, 6, 0, 0, {}}, kBordered{0, 6, 1, 4, {10, 20, 30}},
     kBoth{1, 6, 1, 4, {10, 20, 30}};
 
-float channel(std::uint32_t color, int i) {
-    return float(color >> 8 * i & 0xFF) / 255;
-}
-
-float step(float from, float to, float x) {
-    const float t = std::clamp((x - from) / (to - from), 0.0f, 1.0f);
-    return t * t * (3 - 2 * t);
-}
-
 /// What the program makes of a sample at u, v, blended over the cleared window.
 std::uint32_t expected(std::uint32_t sample, float u, float v, float width, float height, const Info& info) {
-    const float r = info.roundedCorners ? float(info.cornerRadius) : 0;
-    const float x = std::abs(u - 0.5f) * width - width / 2 + r,
-                y = std::abs(v - 0.5f) * height - height / 2 + r;
-    const float d = std::min(std::max(x, y), 0.0f) + std::hypot(std::max(x, 0.0f), std::max(y, 0.0f)) - r;
-    const float inside = 1 - step(channel(sample, 3), 2, d), t = float(info.borderThickness);
-    const float alpha = info.roundedCorners ? std::min(channel(sample, 3), inside) : channel(sample, 3);
-    const float border = info.border ? std::min(1 - step(t - 2, t, std::abs(d)), inside) : 0;
-    const float a = std::lerp(alpha, 1.0f, border);
+    const glm::vec2 size(width, height);
+    const glm::vec4 ink(glm::vec3(info.borderColor[0], info.borderColor[1], info.borderColor[2]) / 255.0f, 1);
+    const glm::vec4 color =
+        colorAtEdge(unpacked(sample), (glm::vec2(u, v) - 0.5f) * size, size / 2.0f,
+                    {info.roundedCorners != 0, info.roundedCorners ? float(info.cornerRadius) : 0,
+                     info.border ? float(info.borderThickness) : -1, ink});
+    const glm::vec4 blended = glm::mix(unpacked(0xFF332211), color, color.a) * 255.0f;
     std::uint32_t result = 0xFF000000;
-    for (int i = 0; i < 3; ++i) {
-        const float color = std::lerp(channel(sample, i), float(info.borderColor[i]) / 255, border);
-        result |= std::uint32_t(std::lround(255 * std::lerp(channel(0xFF332211, i), color, a))) << 8 * i;
-    }
+    for (int i = 0; i < 3; ++i)
+        result |= std::uint32_t(std::lround(blended[i])) << 8 * i;
     return result;
 }
 

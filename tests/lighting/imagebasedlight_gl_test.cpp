@@ -8,6 +8,7 @@
 #include "NRenderUtl/host/hostmath.h"
 #include "NRenderUtl/lighting/nlighting.h"
 #include "tests/host/testfiles.h"
+#include "tests/shaders/testprogram.h"
 #include "tests/support/fewsamples.h"
 #include "tests/support/glsnapshot.h"
 #include "tests/support/librarytest.h"
@@ -74,17 +75,8 @@ std::vector<float> allMaps() {
 using NameCounts = std::array<int, 7>;
 
 NameCounts countNames() {
-    constexpr GLuint kMost = 2000;
-    NameCounts counts{};
-    for (GLuint name = 1; name < kMost; ++name) {
-        const bool alive[] = {glIsTexture(name) != 0,      glIsBuffer(name) != 0,
-                              glIsVertexArray(name) != 0,  glIsFramebuffer(name) != 0,
-                              glIsRenderbuffer(name) != 0, glIsProgram(name) != 0,
-                              glIsShader(name) != 0};
-        for (std::size_t kind = 0; kind < counts.size(); ++kind)
-            counts[kind] += alive[kind];
-    }
-    return counts;
+    return {living(glIsTexture),      living(glIsBuffer),  living(glIsVertexArray), living(glIsFramebuffer),
+            living(glIsRenderbuffer), living(glIsProgram), living(glIsShader)};
 }
 
 class ImageBasedLight : public LibraryTest {

@@ -133,12 +133,6 @@ protected:
         renderer.SetRenderMaterial(L"Satin");
         renderer.SetColor(70);
     }
-    static Picture flat(std::uint32_t color) {
-        Picture picture(kSize, kSize);
-        for (int i = 0; i < kSize * kSize; ++i)
-            picture.at(i % kSize, i / kSize) = color;
-        return picture;
-    }
     /// From the first draw on no other program can be built, but for those that it needs beside.
     void refuseFastPrograms(int others = 0) {
         if (!GetParam())
@@ -176,7 +170,7 @@ protected:
                     worst = std::max(worst, std::abs(channel(picture.at(x, y), c) -
                                                      255 * std::min(1.0, expected(rules, x, y)[c])));
         EXPECT_LT(worst, 0.75) << "of 255; half of it is rounding to bytes";
-        EXPECT_FALSE(samePicture(picture, flat(centre(picture)), 8));
+        EXPECT_NE(picture.at(5, 5), picture.at(60, 60)) << "as lights and normals change";
         renderer.RenderBegin(kOpaque);
         // The fast ones have no alpha of the model's.
         EXPECT_EQ(doesAll(), GetParam() || record.frontMaterial.emission[3] == 0);

@@ -28,7 +28,7 @@ inline GLint integer(GLenum query) {
 template <class IsAlive>
 int living(IsAlive isAlive) {
     int count = 0;
-    for (GLuint name = 1; name < 64; ++name)
+    for (GLuint name = 1; name < 2000; ++name)
         count += isAlive(name);
     return count;
 }
