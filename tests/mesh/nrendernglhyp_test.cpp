@@ -47,7 +47,7 @@ struct Shape {
     int n, resolution;
 };
 
-TEST(HyperEllipsoid, ObeysItsEquationWithTheGradientAsNormal) {
+TEST(HyperEllipsoid, IsClosedAndObeysItsEquationWithTheGradientAsNormal) {
     const Shape shapes[] = {{1, 1, 1, 2, 8},    {3, 2, 0.5, 2, 32},    {100, 50, 25, 3, 20}, {1, 2, 3, 5, 17},
                             {-2, 3, -4, 8, 12}, {1e-3, 1e3, 1, 4, 64}, {7, 7, 7, 200, 24}};
     for (const Shape& s : shapes) {
@@ -56,6 +56,10 @@ TEST(HyperEllipsoid, ObeysItsEquationWithTheGradientAsNormal) {
         const int q = std::max(s.resolution / 4, 2), count = (2 * q - 1) * 4 * q + 2;
         ASSERT_TRUE(mesh);
         ASSERT_EQ(mesh->vertexCount, count);
+        const auto edges = edgesOf(*mesh);
+        for (const auto& [edge, times] : edges)
+            ASSERT_TRUE(times == 1 && edges.contains({edge.second, edge.first})) << "open";
+        EXPECT_EQ(count - edges.size() / 2 + elementsOf(*mesh).size(), 2u);
         const double axes[3] = {std::abs(s.a), std::abs(s.b), std::abs(s.c)};
         for (int v = 0; v < count; ++v) {
             const double *p = mesh->coords + 3 * v, *normal = mesh->normals + 3 * v;
