@@ -48,10 +48,11 @@ TEST_F(Spheres, KeepTheirSizeAndLight) {
     glShadeModel(GL_FLAT);
     glEnable(GL_PRIMITIVE_RESTART);
     glPrimitiveRestartIndex(1);
-    for (const double halfHeight : {4.0, 1.5}) {
+    for (const auto& [halfHeight, turnDeg] : {std::pair{4.0, 0}, {1.5, 180}, {1.5, 90}}) {
         SCOPED_TRACE(halfHeight);
         zoom(halfHeight);
         glLoadIdentity();
+        glRotated(turnDeg, 0, 1, 0);
         glTranslatef(-1, 0.5f, -2);
         clear();
         glMatrixMode(GL_TEXTURE);
@@ -67,6 +68,7 @@ TEST_F(Spheres, KeepTheirSizeAndLight) {
                 outermost = std::max(outermost, r);
             // Position and normal of a corner are one, so the light is the height in units of the radius.
             const double height = (9 - 18 * depths[i]) / (radius * halfHeight / 32);
+            EXPECT_TRUE(r > 0.8 || picture.at(x, y) != kClear) << "a hole at " << x << ", " << y;
             EXPECT_TRUE(r > 0.5 || std::abs(blue / 255.0 - height) < 0.01) << x << ", " << y;
         }
         EXPECT_NEAR(outermost, 1, 0.05);
