@@ -378,6 +378,19 @@ TEST_F(MeshRenderer, DrawsUnderTheMatrixAndAttributesOfEachCall) {
     EXPECT_EQ(picture.at(24, 32), kClear);
 }
 
+TEST_F(MeshRenderer, LeavesTheTextureBufferOfItsUnit) {
+    GLuint texture, buffer;
+    glGenTextures(1, &texture);
+    glGenBuffers(1, &buffer);
+    glActiveTexture(GL_TEXTURE0 + kBlockUnit);
+    glBindTexture(GL_TEXTURE_BUFFER, texture);
+    glBindBuffer(GL_TEXTURE_BUFFER, buffer);
+    glActiveTexture(GL_TEXTURE3);
+    const GlSnapshot before = GlSnapshot::take();
+    draw(tile(8, 56));
+    EXPECT_TRUE(before.equals(GlSnapshot::take()));
+}
+
 // --- failures ----------------------------------------------------------------------------------------------
 
 TEST_F(MeshRenderer, DrawsNothingOutsideBeginAndEnd) {

@@ -166,6 +166,11 @@ TEST_F(NRenderNgMesh, ColorsByFacing) {
 TEST_F(NRenderNgMesh, DrawsWithTheCallersOwnArrays) {
     const std::vector<float> vertices{-1, -1, 0, 0, -1, 0, 0, 1, 0, -1, 1, 0, 1, -1, 0, 1, 1, 0};
     glInterleavedArrays(GL_V3F, 0, vertices.data());
+    GLuint buffer;
+    glGenBuffers(1, &buffer);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, buffer); // which has no indices
+    glEnable(GL_PRIMITIVE_RESTART);
+    glPrimitiveRestartIndex(2);
     const BoundaryMesh mesh({kLeft, kRight}, kTilted);
     EXPECT_EQ(picture([&] { Renderer::DrawMesh(&mesh); }).countOtherThan(kClear), 32 * 32);
 }
