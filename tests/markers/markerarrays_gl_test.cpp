@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "NRenderUtl/host/nhost.h"
 #include "NRenderUtl/markers/nmarkers.h"
+#include "tests/shaders/testprogram.h"
 #include "tests/support/glsnapshot.h"
 #include "tests/support/librarytest.h"
 #include "tests/support/subprocess.h"
@@ -123,16 +123,7 @@ protected:
         const float textureMatrix[4][4] = {{.9f}, {0, 1}, {0, 0, 1}, {.05f, .5f, 0, 1}};
         std::copy_n(&textureMatrix[0][0], 16, &info.textureMatrix[0][0]);
         glDisable(GL_DITHER);
-        NHostServices services{};
-        services.context = &m_log;
-        services.diagnostic = [](void* log, int level, const char* text) {
-            *static_cast<std::string*>(log) += std::to_string(level) + " " + text + "\n";
-        };
-        NHostSetServices(&services);
-    }
-    void TearDown() override {
-        NHostSetServices(nullptr);
-        LibraryTest::TearDown();
+        captureHostLog();
     }
     /// Of the square -2..2, turned; near and far planes cut some of what is strewn.
     static void setView(bool perspective) {
@@ -197,10 +188,8 @@ protected:
                 set(GL_BLEND, false);
             }
     }
-    std::string takeLog() { return std::exchange(m_log, ""); }
-
-private:
-    std::string m_log;
+    /// Diagnostics have negative numbers.
+    static std::string takeLog() { return std::exchange(hostLog(), ""); }
 };
 
 // What GL's loader has in place once a function was called.

@@ -151,8 +151,11 @@ TEST_P(StartUpRow, DecidesOnce) {
     EXPECT_EQ(takeGlErrors() > 0, refused) << "only a driver that refuses what it claims may complain";
 
     hostLog().clear();
+    SetUserDefinedFastRenderingMode(7);
+    InitRenderDefaults(); // once only: the host's own stays
     EXPECT_EQ(RenderingInitShaders(), 0);
     EXPECT_EQ(hostLog(), "");
+    EXPECT_EQ(IsFastRendererEnabled(), 7);
 }
 
 INSTANTIATE_TEST_SUITE_P(Driver, StartUpRow, ::testing::ValuesIn(kRows),
