@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "NRenderUtl/host/hostgl.h"
 #include "NRenderUtl/markers/markersection.h"
 #include "NRenderUtl/shaders/shadercatalogue.h"
 
@@ -23,7 +24,8 @@ struct Variant {
     bool contoured;
     int onlyLight; ///< -1 for none or several
     bool highlights;
-    bool plain; ///< no values, and the only light neither fades nor shines, on opaque colours
+    bool plain;   ///< the only light neither fades nor shines, on opaque colours
+    bool blended; ///< what Single takes by a uniform, as values
     auto operator<=>(const Variant&) const = default;
 };
 
@@ -52,15 +54,17 @@ bool isPlain(const NglLightParams& light) {
 }
 
 Variant variantOf(MarkerProgramKind kind, bool contoured) {
-    Variant variant{kind, contoured, onlyLight(), hasHighlights(), false};
-    if (!contoured && kind != MarkerProgramKind::Single && variant.onlyLight >= 0 && !variant.highlights &&
-        isPlain(markerSection().lights[variant.onlyLight]))
-        return {kind, false, -1, false, true};
+    const bool isSingle = kind == MarkerProgramKind::Single || kind == MarkerProgramKind::SingleColor;
+    const bool blended = !isSingle && glIsEnabled(GL_BLEND);
+    const Variant variant{kind, contoured, onlyLight(), hasHighlights(), false, blended};
+    if (variant.onlyLight >= 0 && !variant.highlights && isPlain(markerSection().lights[variant.onlyLight]))
+        return {kind, contoured, -1, false, true, blended};
     return variant;
 }
 
 void sendPlainly(NShaderProgram& program) {
     setSectionView(program);
+    program.SetUniformValue(RenderUniformContourTexture, 0);
     MarkerSection section = markerSection(); // programs take pointers to what they only read
     NglLightParams& light = section.lights[onlyLight()];
     float emission[4];
@@ -81,8 +85,10 @@ void build(ComposedProgram& program, const Variant& variant) {
         changes.defines.push_back("NO_HIGHLIGHTS");
     if (variant.contoured)
         changes.defines.push_back("VALUES_BY_MARKER");
-    else if (variant.kind != MarkerProgramKind::Single && variant.kind != MarkerProgramKind::SingleColor)
+    else if (variant.kind != MarkerProgramKind::Single)
         changes.switches.push_back({"g_bct", 0});
+    if (variant.kind != MarkerProgramKind::Single && !variant.blended)
+        changes.switches.push_back({"g_transparent", 0});
     switch (variant.kind) {
     case MarkerProgramKind::Single:
     case MarkerProgramKind::SingleColor:
@@ -125,6 +131,7 @@ NShaderProgram* useMarkerProgram(MarkerProgramKind kind, bool contoured) {
     if (std::exchange(entry.section, markerSection().number) != markerSection().number) {
         variant.plain ? sendPlainly(entry.program) : setSectionUniforms(entry.program);
     }
-    setBlendingUniforms(entry.program);
+    if (kind == MarkerProgramKind::Single || variant.blended)
+        setBlendingUniforms(entry.program, glIsEnabled(GL_BLEND));
     return &entry.program;
 }

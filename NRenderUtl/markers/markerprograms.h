@@ -4,8 +4,8 @@
 #include "NRenderUtl/shaders/nshaders.h"
 
 enum class MarkerProgramKind {
-    Single,      ///< contoured or not by a uniform
-    SingleColor, ///< in colours alone, with a plain light: none for others
+    Single,      ///< contoured or not, and blended or not, by uniforms
+    SingleColor, ///< in opaque colours alone, with a plain light: none for others
     Instances,
     Triangles,
     CylinderRays,

@@ -15,12 +15,12 @@ struct MarkerSection {
 };
 
 const MarkerSection& markerSection();
-/// Whether a program draws in colours alone.
+/// Whether a program draws in opaque colours alone.
 bool drawsColorsAlone(const NShaderProgram& program);
 /// Sends the section to the program in use, or its view alone.
 void setSectionUniforms(NShaderProgram& program);
 void setSectionView(NShaderProgram& program);
-void setBlendingUniforms(NShaderProgram& program);
+void setBlendingUniforms(NShaderProgram& program, bool blended);
 
 /// The renderer of the open section if it has shapes of the kind, or none; else null, with a diagnostic.
 N3DMarkerRenderer* openMarkerRenderer(bool spheres);

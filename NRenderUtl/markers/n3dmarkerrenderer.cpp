@@ -132,11 +132,11 @@ NShaderProgram* useColorProgram() {
 }
 
 /// The program that draws a marker of the open section, in use.
-NShaderProgram& programOfMarker(bool contoured) {
+NShaderProgram& programOfMarker(bool inOpaqueColor) {
     RendererState& s = state();
-    if (!contoured && !s.forColors)
+    if (inOpaqueColor && !s.forColors)
         s.forColors = useColorProgram();
-    NShaderProgram* wanted = !contoured && *s.forColors ? *s.forColors : s.program;
+    NShaderProgram* wanted = inOpaqueColor && *s.forColors ? *s.forColors : s.program;
     if (std::exchange(s.inUse, wanted) != wanted)
         wanted->UseProgram(true);
     return *wanted;
@@ -167,8 +167,7 @@ void setSectionUniforms(NShaderProgram& program) {
     program.SetLightUniforms(static_cast<int>(std::size(section.lights)), section.lights);
 }
 
-void setBlendingUniforms(NShaderProgram& program) {
-    const bool blended = glIsEnabled(GL_BLEND);
+void setBlendingUniforms(NShaderProgram& program, bool blended) {
     program.SetUniformValue(RenderUniformTransparent, blended);
     if (blended)
         program.SetUniformValue(RenderUniformAlpha,
@@ -276,8 +275,10 @@ int N3DMarkerRenderer::Draw(const _NgFPoint3Str* start, const _NgFPoint3Str* vec
         glGetFloatv(GL_CURRENT_COLOR, rgba);
     NShaderProgram* program = nullptr;
     if (m_bShaderActive && m_pShader) { // not parked
-        program = &programOfMarker(contoured);
-        setBlendingUniforms(*program);
+        const bool blended = glIsEnabled(GL_BLEND);
+        program = &programOfMarker(!contoured && !blended);
+        if (!drawsColorsAlone(*program))
+            setBlendingUniforms(*program, blended);
     }
     // The shapes' interface takes pointers to what they only read.
     m_pMarker->Draw(program, const_cast<_NgFPoint3Str*>(start), const_cast<_NgFPoint3Str*>(vector),

@@ -411,13 +411,15 @@ TEST_F(MarkerArrays, ALightThatDoesNotFadeIsOneThatHardlyFades) {
         if (gpu)
             pretendGpu();
         for (const auto type : {kCylinder, kSphere})
-            for (const char* way : {"singly", "exact", "other", "other perspective", "singly blended"}) {
+            for (const char* way : {"singly", "exact", "other", "other perspective", "singly blended",
+                                    "singly values", "exact values", "other values"}) {
                 SCOPED_TRACE(testing::Message() << "shape " << type << " " << way << gpu);
                 const auto has = [&](const char* word) { return std::strstr(way, word) != nullptr; };
                 setView(has("perspective"));
                 has("blended") ? glEnable(GL_BLEND) : glDisable(GL_BLEND);
                 Markers markers = strew(40, has("other") ? .3f : 1.4f, true);
                 markers.exact = !has("other");
+                markers.contoured = has("values");
                 if (has("other") && type == kSphere) // round, so that rays find them
                     for (_NgFPoint3Str& d : markers.vectors)
                         d.y = d.z = d.x = std::fabs(d.x);

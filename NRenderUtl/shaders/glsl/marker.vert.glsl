@@ -32,8 +32,8 @@ out VertexData {
     vec3 normal; // eye space, as the position
     vec3 position;
     vec4 color;
-    vec2 texCoord;
 #endif
+    vec2 texCoord;
 #ifdef VALUES_BY_MARKER
     flat float values;
 #endif
@@ -64,17 +64,18 @@ void main() {
     vec3 outward = g_pos_attrib == vec3(0.0) ? vec3(0.0, 0.0, -1.0) : g_pos_attrib;
     vec3 normal = normalOf(mat3(modelMat), outward);
 #ifdef PLAIN_LIGHT
-    vec3 even = evenColor(g_colorwithalpha.rgb);
+    vec3 color = g_bct == 1 ? vec3(1.0) : g_colorwithalpha.rgb; // instances bring the white of values
+    vec3 even = evenColor(color);
     VertexOut.normal = vec4(normal, even.r);
     VertexOut.toLight = vec4(toLight(eye.xyz), even.g);
-    VertexOut.facing = vec4(facingColor(g_colorwithalpha.rgb), even.b);
+    VertexOut.facing = vec4(facingColor(color), even.b);
 #else
     VertexOut.normal = normal;
     VertexOut.position = eye.xyz;
     VertexOut.color = g_colorwithalpha;
+#endif
     float value = gl_VertexID < g_halfvertcnt ? g_texcoord1 : g_texcoord2;
     VertexOut.texCoord = (g_texmat * vec4(value, 0.0, 0.0, 1.0)).st;
-#endif
 #ifdef VALUES_BY_MARKER
     VertexOut.values = g_values;
 #endif

@@ -93,14 +93,12 @@ void main() {
     gl_FragDepth = (gl_FragCoord.z + step * RayIn.along.w) / (1.0 + step * RayIn.through.w);
 #ifdef PLAIN_LIGHT
     vec4 color = vec4(plainlyLit(RayIn.even, RayIn.facing, toLight(position), hit.normal), 1.0);
-#elif defined(VALUES_BY_MARKER)
-    bool values = RayIn.values == 1.0;
-    vec4 base = values ? vec4(1.0) : RayIn.color;
-    vec4 color = computeFragmentColorStandard(position, normalize(hit.normal), base);
-    if (values)
-        color *= texture(g_ctt, mix(RayIn.texCoords.xy, RayIn.texCoords.zw, hit.z));
-#else
+#else // white where values show
     vec4 color = computeFragmentColorStandard(position, normalize(hit.normal), RayIn.color);
+#endif
+#ifdef VALUES_BY_MARKER
+    if (RayIn.values == 1.0)
+        color *= texture(g_ctt, mix(RayIn.texCoords.xy, RayIn.texCoords.zw, hit.z));
 #endif
     gl_FragColor = color;
 }

@@ -21,8 +21,8 @@ out VertexData {
     vec3 normal;
     vec3 position;
     vec4 color;
-    vec2 texCoord;
 #endif
+    vec2 texCoord;
 #ifdef VALUES_BY_MARKER
     flat float values;
 #endif
@@ -39,7 +39,7 @@ void main() {
     gl_Position = g_projmat * eye;
     gl_ClipVertex = g_clipped == 1 ? eye : vec4(0.0); // zero lies on every plane: never clipped
 #ifdef PLAIN_LIGHT
-    vec3 even = evenColor(g_col_attrib.rgb);
+    vec3 even = evenColor(g_col_attrib.rgb); // white where values show
     VertexOut.normal = vec4(g_norm_attrib, even.r);
     VertexOut.toLight = vec4(toLight(g_pos_attrib), even.g);
     VertexOut.facing = vec4(facingColor(g_col_attrib.rgb), even.b);
@@ -47,10 +47,11 @@ void main() {
     VertexOut.normal = g_norm_attrib;
     VertexOut.position = g_pos_attrib;
     VertexOut.color = g_col_attrib;
-    VertexOut.texCoord = vec2(0.0);
 #endif
 #ifdef VALUES_BY_MARKER
     VertexOut.texCoord = (g_texmat * vec4(g_values.x, 0.0, 0.0, 1.0)).st;
     VertexOut.values = g_values.y;
+#else
+    VertexOut.texCoord = vec2(0.0);
 #endif
 }
