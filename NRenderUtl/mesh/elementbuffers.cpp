@@ -17,6 +17,24 @@ bool makeFrom(RenderGLBuffer& buffer, GLenum target, const std::vector<T>& data)
     return make(buffer, target, data.data(), data.size() * sizeof(T), GL_STATIC_DRAW);
 }
 
+bool showsAll(const ElementScene& scene, const std::optional<ElementLeavingOut>& leavingOut) {
+    return !leavingOut || (leavingOut == ElementLeavingOut{} && scene.facts.visible.isInitial());
+}
+
+/// Of some faces, without what is left out.
+std::vector<std::uint32_t> shownIndices(const ElementScene& scene, const FaceSpan& faces,
+                                        const std::optional<ElementLeavingOut>& leavingOut) {
+    const ElementFacts& facts = scene.facts;
+    if (showsAll(scene, leavingOut))
+        return triangleIndices(scene.surface, faces, [](std::uint32_t) { return true; });
+    if (leavingOut == ElementLeavingOut{} && facts.selection.isInitial())
+        return triangleIndices(scene.surface, faces,
+                               [&](std::uint32_t element) { return facts.visible[element] != 0; });
+    return triangleIndices(scene.surface, faces, [&](std::uint32_t element) {
+        return isElementShown(facts, element, scene.attributes);
+    });
+}
+
 /// Data of the surface's vertices, with those of the copies behind.
 bool makeOfVertices(RenderGLBuffer& buffer, const std::vector<ElementSurface::Vector>& data,
                     const std::vector<std::uint32_t>& copies) {
@@ -74,17 +92,14 @@ bool ElementBuffers::updateTriangles(const ElementScene& scene,
     const bool anew = !triangles.IsValid() || leavingOut != m_leavingOut;
     if (!anew && (!leavingOut || m_shownChanged.empty()))
         return true;
-    const bool all = !leavingOut || (leavingOut == ElementLeavingOut{} && scene.facts.visible.isInitial());
     const FaceSpan faces =
         anew ? FaceSpan{0, surface.faceCount()} : facesOf(surface, m_shownChanged.first, m_shownChanged.end);
     m_leavingOut = leavingOut;
     if (leavingOut)
         m_shownChanged = {};
-    if (!triangles.IsValid() && all && surface.quadCount == 0)
+    if (!triangles.IsValid() && showsAll(scene, leavingOut) && surface.quadCount == 0)
         return makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, surface.corners);
-    const std::vector<std::uint32_t> indices = triangleIndices(surface, faces, [&](std::uint32_t element) {
-        return all || isElementShown(scene.facts, element, scene.attributes);
-    });
+    const std::vector<std::uint32_t> indices = shownIndices(scene, faces, leavingOut);
     if (!triangles.IsValid())
         return makeFrom(triangles, GL_ELEMENT_ARRAY_BUFFER, indices);
     constexpr std::size_t triangleBytes = 3 * sizeof(std::uint32_t);

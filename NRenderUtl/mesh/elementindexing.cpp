@@ -121,21 +121,6 @@ std::size_t trianglesBefore(const ElementSurface& surface, std::uint32_t face) {
     return face <= surface.triangleCount ? face : 2 * std::size_t{face} - surface.triangleCount;
 }
 
-std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface, const FaceSpan& faces,
-                                           const std::function<bool(std::uint32_t element)>& shown) {
-    std::vector<std::uint32_t> indices;
-    if (faces.first >= faces.end)
-        return indices;
-    indices.reserve(3 * (trianglesBefore(surface, faces.end) - trianglesBefore(surface, faces.first)));
-    for (std::uint32_t face = faces.first; face < faces.end; ++face) {
-        const Corners c = surface.face(face);
-        const bool seen = shown(surface.elementOf(face));
-        for (std::size_t last = 2; last < c.size(); ++last)
-            indices.insert(indices.end(), {c[0], seen ? c[last - 1] : c[0], seen ? c[last] : c[0]});
-    }
-    return indices;
-}
-
 ElementIndexing makeElementIndexing(const ElementSurface& surface, ElementNumbering numbering) {
     return IndexingMaker(surface, numbering).make();
 }

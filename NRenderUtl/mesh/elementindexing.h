@@ -2,8 +2,6 @@
 // vertex, the provoking one.
 #pragma once
 
-#include <functional>
-
 #include "NRenderUtl/mesh/elementsurface.h"
 
 /// What the number of a primitive, as it reaches a fragment, counts.
@@ -23,9 +21,26 @@ FaceSpan facesOf(const ElementSurface& surface, std::uint32_t firstElement, std:
 /// How many triangles the faces before this one make.
 std::size_t trianglesBefore(const ElementSurface& surface, std::uint32_t face);
 /// Three vertices for each triangle of some faces, in their order and quads as two triangles. Those of
-/// elements that `shown` refuses have no area.
+/// elements that shown(element) refuses have no area.
+template <class Shown>
 std::vector<std::uint32_t> triangleIndices(const ElementSurface& surface, const FaceSpan& faces,
-                                           const std::function<bool(std::uint32_t element)>& shown);
+                                           const Shown& shown) {
+    if (faces.first >= faces.end)
+        return {};
+    const std::size_t count = trianglesBefore(surface, faces.end) - trianglesBefore(surface, faces.first);
+    std::vector<std::uint32_t> indices(3 * count);
+    std::uint32_t* next = indices.data();
+    for (std::uint32_t face = faces.first; face < faces.end; ++face) {
+        const std::span<const std::uint32_t> c = surface.face(face);
+        const bool seen = shown(surface.elementOf(face));
+        for (std::size_t last = 2; last < c.size(); ++last) {
+            *next++ = c[0];
+            *next++ = seen ? c[last - 1] : c[0];
+            *next++ = seen ? c[last] : c[0];
+        }
+    }
+    return indices;
+}
 
 /// The same triangles, each turned so that its last vertex carries its number. A vertex carries one number;
 /// where all of a face are taken by others, a copy of one does.
