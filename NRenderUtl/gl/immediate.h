@@ -34,14 +34,17 @@ void sendVertex(const Point* p) {
 
 /// Begin and end around vertices that have the current colour. It is sent with them: of one that is set
 /// before, fixed function makes a constant of its fragments, and drivers take over all of their state for
-/// each draw for which a constant changed.
+/// each draw for which a constant changed. A display list keeps to the colour that is current at its call.
 class BeginEndInColor {
 public:
     explicit BeginEndInColor(GLenum primitive) {
+        GLint list;
         GLfloat color[4];
+        glGetIntegerv(GL_LIST_INDEX, &list);
         glGetFloatv(GL_CURRENT_COLOR, color);
         glBegin(primitive);
-        glColor4fv(color);
+        if (list == 0)
+            glColor4fv(color);
     }
     ~BeginEndInColor() { glEnd(); }
     BeginEndInColor(const BeginEndInColor&) = delete;

@@ -11,14 +11,17 @@
 /// by r / 26000 and that grid.
 constexpr int kLargestDiscOfRows = 40;
 
-/// Whether a polygon shows the pixels of which it covers the centres, and these alone.
+/// Whether a polygon shows the pixels of which it covers the centres, and these alone. Feedback shows its
+/// corners, and a display list knows nothing of the state at its call.
 inline bool pixelsAreCentres() {
-    GLint modes[2], samples = 0;
+    GLint modes[2], mode, list, samples = 0;
     glGetIntegerv(GL_POLYGON_MODE, modes);
+    glGetIntegerv(GL_RENDER_MODE, &mode);
+    glGetIntegerv(GL_LIST_INDEX, &list);
     if (glVersion() >= 13)
         glGetIntegerv(GL_SAMPLES, &samples);
-    return modes[0] == GL_FILL && modes[1] == GL_FILL && samples == 0 && !glIsEnabled(GL_POLYGON_SMOOTH) &&
-           !glIsEnabled(GL_POLYGON_STIPPLE);
+    return mode == GL_RENDER && list == 0 && modes[0] == GL_FILL && modes[1] == GL_FILL && samples == 0 &&
+           !glIsEnabled(GL_POLYGON_SMOOTH) && !glIsEnabled(GL_POLYGON_STIPPLE);
 }
 
 /// Half the pixels of the disc in a row of pixels, counted from its centre.

@@ -58,6 +58,29 @@ TEST_F(Overlay, ShapesHaveTheirPixels) {
     expectChain([&] { ngl_draw_circle_on_screen(&center, -20.25f, false, false, &at); }, circle);
 }
 
+TEST_F(Overlay, AreInListsAndFeedbackWhatTheyAreInPolygons) {
+    const GLuint list = glGenLists(1);
+    glNewList(list, GL_COMPILE);
+    ngl_draw_poly_on_screen(4, kChain.data(), true, false, nullptr);
+    glEndList();
+    glColor4ub(0x12, 0x34, 0x56, 0xFF); // of the host's when it calls
+    glCallList(list);
+    EXPECT_EQ(hex(read().at(kX, kY)), "0xFF563412");
+    const _NgPoint2Str center{32, 32};
+    std::vector<_NgPoint2Str> rim;
+    for (int deg = 0; deg <= 360; ++deg)
+        rim.push_back({32 + 9 * std::cos(deg * M_PI / 180), 32 + 9 * std::sin(deg * M_PI / 180)});
+    std::vector<GLfloat> fed(1 << 14);
+    const auto count = [&](const auto& draw) {
+        glFeedbackBuffer(1 << 14, GL_2D, fed.data());
+        glRenderMode(GL_FEEDBACK);
+        draw();
+        return glRenderMode(GL_RENDER);
+    };
+    EXPECT_EQ(count([&] { ngl_draw_circle_on_screen(&center, 9, true, false, nullptr); }),
+              count([&] { ngl_draw_poly_on_screen(361, rim.data(), true, false, nullptr); }));
+}
+
 TEST_F(Overlay, CirclesShowThePixelsOfTheirPolygons) {
     const _NgPoint2Str centers[] = {{32, 32}, {20, 41}, {0, 3}, {32.5, 30}};
     for (int row = 0; row < 4 * 41; ++row) {
