@@ -184,9 +184,10 @@ int within(int diameter, int thickness) {
     return std::max(diameter - 2 * std::clamp(thickness, 0, diameter), 0);
 }
 
-void drawDisc(GLuint texture, int centre, int radius) {
+/// By fixed function where the texture has no alpha: its fragments have that of the current colour.
+void drawDisc(GLuint texture, bool hasAlpha, int centre, int radius) {
     const bool isOfPixels = radius <= kLargestDiscOfRows && pixelsAreCentres();
-    NShaderProgram* program = isOfPixels ? programOfDiscs() : nullptr;
+    NShaderProgram* program = isOfPixels && hasAlpha ? programOfDiscs() : nullptr;
     std::optional<PlainFragmentsGuard> fragments;
     if (!program)
         fragments.emplace();
@@ -281,9 +282,10 @@ void NuTexture::RenderAsCircle(int x, int y, int diameter, const RenderInfo& inf
     if (m_texture == 0)
         return;
     diameter = diameter > 0 ? diameter : std::min(m_width, m_height);
-    const WindowScope window({x, y, diameter, diameter}, m_pixelFormat == GL_RGBA);
+    const bool hasAlpha = m_pixelFormat == GL_RGBA;
+    const WindowScope window({x, y, diameter, diameter}, hasAlpha);
     const int filled = info.border == 1 ? within(diameter, info.borderThickness) : diameter;
-    drawDisc(m_texture, diameter / 2, filled / 2);
+    drawDisc(m_texture, hasAlpha, diameter / 2, filled / 2);
     if (info.border != 0)
         drawRing(diameter, info);
 }

@@ -96,6 +96,10 @@ TEST_F(TextureDrawing, OpaqueFormatsIgnoreAlphaAndTheHostsBlendingStays) {
     glEnable(GL_BLEND);
     glBlendFunc(GL_ZERO, GL_ONE); // of the host's, under which nothing shows
     EXPECT_EQ(drawn(bitmap, 0, 0, 8, 8, kPlain).countOtherThan(kClear), 0);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    ngl_set_blending_value(51); // a fifth, of the colour that is current
+    for (const int diameter : {kSize, 2 * kSize})
+        EXPECT_EQ(hex(circle(bitmap, 0, 0, diameter, kPlain).at(30, 30)), "0xFF291B0E");
     glDisable(GL_BLEND);
     ASSERT_FALSE(bitmap.CreateFromBitmap(nullptr, 0)); // now with its alpha
     EXPECT_EQ(drawn(bitmap, 0, 0, 8, 8, kPlain).countOtherThan(kClear), 0);
