@@ -240,6 +240,9 @@ TEST_F(ViewerLabels, TheBarShowsTheScalesOwnColorsAndLimits) {
                 }
                 EXPECT_TRUE(room.contains(inkOn(drawn, kWhite).box));
             }
+    const ColorBands flat(4, {2.5, 2.5}, false);
+    const auto one = layOutLegend({flat, "x"}, {10, 20, 150, 340}, 11, {host.font(11), kBlack});
+    EXPECT_TRUE(one && one->labels.size() == 1 && one->labels[0].text == "2.5");
 }
 
 TEST_F(ViewerLabels, MarksStandWhereTheFieldIsSmallestAndLargest) {
