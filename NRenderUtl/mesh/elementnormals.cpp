@@ -77,8 +77,8 @@ using Areas = std::unique_ptr<Vector[]>;
 /// Sums up the area vectors about the nodes.
 Areas sumAreas(const double* nodes, ElementSurface& surface) {
     const double scale = unitScale(surface);
+    surface.normals.assign(surface.nodeCount, Vector{}); // first, so that what is freed does not lie between
     Areas areas = std::make_unique_for_overwrite<Vector[]>(surface.faceCount());
-    surface.normals.assign(surface.nodeCount, Vector{});
     forEachFace(surface, [&](std::uint32_t i, const auto& face) {
         areas[i] = areaVector(nodes, face, scale);
         for (const std::uint32_t node : face)
