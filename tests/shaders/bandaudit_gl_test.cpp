@@ -160,8 +160,6 @@ TEST_P(BandAuditByProgram, PixelsFollowTheShadersRules) {
                                         std::to_string(values[i]);
                              });
             }
-    exact.report("band colours");
-    mixed.report("smeared bands");
     EXPECT_GT(exact.compared, GetParam() == std::string("Cells") ? 2000 : 5000);
     // A block's bytes are multiplied with a reciprocal.
     EXPECT_LE(exact.largest, GetParam() == std::string("Uniforms") ? 0 : 6e-8) << exact.worst;
@@ -211,6 +209,5 @@ TEST_F(BandAudit, TextureColorsFollowTheRules) {
                     });
                 }
             }
-    audit.report("contour texture");
     EXPECT_EQ(audit.largest, 0) << audit.worst;
 }

@@ -109,14 +109,9 @@ Elements makeElements(int corners) {
         const auto fragmentIn = [&](const glm::mat4& space) {
             const glm::dmat3 turn(space);
             const dvec3 position(space * kToModel * glm::vec4(pixelCentre(i, i % 11), 1));
-            return Fragment{i,
-                            front,
-                            position,
-                            turn * facet,
-                            turn * dvec3(vertexNormal),
-                            turn * dvec3(normal),
-                            vertexNormal.w != 0,
-                            texture};
+            const dvec3 vertex = turn * dvec3(vertexNormal), withoutSharp = turn * dvec3(normal);
+            const bool sharp = vertexNormal.w != 0;
+            return Fragment{i, front, position, turn * facet, vertex, withoutSharp, sharp, texture};
         };
         elements.fragments.push_back(fragmentIn(kModelView));
         elements.inModel.push_back(fragmentIn(glm::mat4(1)));
@@ -129,7 +124,7 @@ using Rule = decltype(meshFragment);
 class ElementShading : public ShaderTest {
 protected:
     /// Draws the elements under settings spread evenly over their product and compares every pixel.
-    void audit(const char* name, GLenum mode, int corners, Rule& rule) {
+    void audit(GLenum mode, int corners, Rule& rule) {
         const MeshFacts facts = makeFacts();
         const Elements elements = makeElements(corners);
         Lighting lighting = makeLighting();
@@ -151,9 +146,6 @@ protected:
                             [&] { return describe(settings) + "primitive " + std::to_string(f.primitive); });
             }
         }
-        lit.report(name);
-        physical.report((std::string(name) + ", physical").c_str());
-        unlit.report((std::string(name) + ", unlit").c_str());
         EXPECT_GT(drawn, 100000);
         EXPECT_GT(lit.compared + physical.compared + unlit.compared - drawn, 100000) << "left out";
         // Slopes are differences of positions interpolated in float over a target of 64 pixels.
@@ -166,24 +158,24 @@ protected:
 } // namespace
 
 TEST_F(ElementShading, MeshProgram) {
-    use(*RenderingGetShaderProgram(RenderShaderMesh), kModelView);
-    audit("mesh program", GL_TRIANGLES, 3, meshFragment);
-    use(elementMeshProgram(), kModelView);
-    audit("mesh program, elements by attribute", GL_TRIANGLES, 3, meshFragment);
+    for (NShaderProgram* program : {RenderingGetShaderProgram(RenderShaderMesh), &elementMeshProgram()}) {
+        use(*program, kModelView);
+        audit(GL_TRIANGLES, 3, meshFragment);
+    }
 }
 
 TEST_F(ElementShading, ProgramsWithAGeometryStage) {
     use(*RenderingGetShaderProgram(RenderShaderMeshTriangles), kModelView);
-    audit("triangle program", GL_TRIANGLES, 3, geometryFragment);
+    audit(GL_TRIANGLES, 3, geometryFragment);
     use(*RenderingGetShaderProgram(RenderShaderMeshQuads), kModelView);
-    audit("quad program", GL_LINES_ADJACENCY, 4, geometryFragment);
+    audit(GL_LINES_ADJACENCY, 4, geometryFragment);
 }
 
 TEST_F(ElementShading, ClipPlanesCutOnlyWhenAskedTo) {
     const double plane[] = {-1, 0, 0, 32}; // keeps x < 32
     glEnable(GL_CLIP_PLANE0);
     glClipPlane(GL_CLIP_PLANE0, plane);
-    const std::pair<_RenderingShaderType, GLenum> programs[] = {{RenderShaderMesh, GL_TRIANGLE_STRIP},
+    const std::pair<_RenderingShaderType, GLenum> programs[] = {{RenderShaderMesh, GL_TRIANGLES},
                                                                 {RenderShaderMeshTriangles, GL_TRIANGLES},
                                                                 {RenderShaderMeshQuads, GL_LINES_ADJACENCY},
                                                                 {RenderShaderPoints, GL_POINTS}};
@@ -195,8 +187,6 @@ TEST_F(ElementShading, ClipPlanesCutOnlyWhenAskedTo) {
             set("g_clipped", clipped);
             Vertices v;
             v.position = {{0, 0, 0}, {64, 0, 0}, {64, 64, 0}, {0, 64, 0}};
-            if (mode == GL_TRIANGLE_STRIP)
-                std::swap(v.position[2], v.position[3]);
             if (mode == GL_TRIANGLES)
                 v.position[2] = {64, 128, 0}, v.position.pop_back();
             if (mode == GL_POINTS)

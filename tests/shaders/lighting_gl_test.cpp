@@ -112,7 +112,6 @@ protected:
                 color.a = facts.alpha;
             audit.add(color, pixels[i], [i] { return "pixel " + std::to_string(i); });
         }
-        audit.report(name);
         EXPECT_LE(audit.largest, tolerance) << audit.worst;
     }
     NShaderProgram* program = nullptr;
@@ -258,6 +257,5 @@ TEST_F(ShaderLighting, PointsFollowTheRules) {
                 });
             }
         }
-    audit.report("points");
     EXPECT_LE(audit.largest, 2e-5) << audit.worst; // sums of lights in float, and the driver's power
 }

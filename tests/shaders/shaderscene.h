@@ -2,7 +2,6 @@
 // pixels of its own, in model units of one pixel, and a record of how far the pixels are from the rules.
 #pragma once
 
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -40,9 +39,6 @@ struct Audit {
             return;
         largest = difference;
         worst = describe() + ": " + glm::to_string(pixel) + " against the rules' " + glm::to_string(wanted);
-    }
-    void report(const char* what) const {
-        std::printf("[ compared ] %s: %ld pixels, largest difference %.3g\n", what, compared, largest);
     }
 };
 
