@@ -1,9 +1,7 @@
-// Boxes pixel by pixel against the signed distance in C++, by the program and by fixed function, and what
-// they leave of the host's state.
+// Boxes pixel by pixel against the signed distance in C++, by the program and by fixed function.
 #include <epoxy/egl.h>
 
 #include <utility>
-#include <vector>
 
 #include "NRenderUtl/Texture/ntexture.h"
 #include "tests/Texture/roundedbox.h"

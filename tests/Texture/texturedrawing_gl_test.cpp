@@ -1,5 +1,5 @@
-// Textures on the window: their pixels one by one, corners and border against the same formula in C++,
-// circles by area, and the host's GL state.
+// Textures on the window: their pixels one by one, corners and border against the same formula in C++, and
+// circles by area.
 #include <cmath>
 #include <cstring>
 #include <numbers>

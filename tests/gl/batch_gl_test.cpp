@@ -1,5 +1,5 @@
-// Batches of points and lines: what they draw and by which way, when they flush, what they allocate and what
-// they leave behind; and the batch of vertices.
+// Batches of points and lines: what they draw and by which way, when they flush and what they allocate; and
+// the batch of vertices.
 #include <cstdlib>
 #include <functional>
 #include <tuple>

@@ -1,4 +1,4 @@
-// Arcs against their closed form; the polyhedron of spheres, their size on the screen, light and colours.
+// Arcs against their closed form; spheres by their size on the screen, light and colours.
 #include <cmath>
 
 #include "NRenderUtl/host/hostmath.h"

@@ -1,13 +1,11 @@
 // The shared library exports what the public headers mark with NRENDERUTL_API: nothing leaks, nothing is
 // missing.
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// 3D markers in sections, by their pixels: placed and coloured by the program and by fixed function, what
-// begins, parks and ends, and the host's state around them.
+// 3D markers in sections, by their pixels: placed and coloured by the program and by fixed function, and what
+// begins, parks and ends.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>

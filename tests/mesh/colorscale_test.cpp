@@ -1,5 +1,4 @@
 // Which colour a value has, and what the host's texture attributes make of a scale.
-#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <limits>

@@ -4,8 +4,6 @@
 #include <functional>
 #include <limits>
 #include <map>
-#include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 

@@ -1,4 +1,4 @@
-// Element meshes through all routes: one picture, whatever the host's state, the coordinates and the driver.
+// Element meshes through all routes: one picture, whatever the coordinates and the driver.
 #include <functional>
 #include <tuple>
 

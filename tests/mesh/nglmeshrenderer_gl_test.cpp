@@ -1,4 +1,4 @@
-// The mesh renderer: its pixels against the shading rules, its passes and messages, and the host's GL state.
+// The mesh renderer: its pixels against the shading rules, its passes and messages.
 #define GLM_ENABLE_EXPERIMENTAL
 #include <glm/gtc/matrix_transform.hpp>
 #include <glm/gtx/rotate_vector.hpp>

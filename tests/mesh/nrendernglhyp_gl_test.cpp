@@ -1,6 +1,5 @@
 // Drawing of glyphs: the planar ones by mode, by their outline in the window and by pixels.
 #include <cmath>
-#include <cstring>
 
 #include "NRenderUtl/gl/nglrecord.h"
 #include "NRenderUtl/host/nhost.h"

@@ -1,6 +1,5 @@
 // Which elements are drawn, in which colour and with which normal: every program that shades elements against
 // the rules, one pixel for each of 653 elements, over settings taken evenly from all combinations.
-#include <tuple>
 
 #include "tests/shaders/shaderscene.h"
 

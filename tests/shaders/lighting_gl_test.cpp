@@ -1,5 +1,5 @@
-// Lighting by its fragments: both models against the rules and what holds for any light, whether what faces
-// the viewer is lit, and the points, which are lit as spheres.
+// Lighting by its fragments: both models against the rules, from uniforms and from a block, and the points,
+// which are lit as spheres.
 #include <algorithm>
 #include <random>
 

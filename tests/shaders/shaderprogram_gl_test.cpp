@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cmath>
 #include <sstream>
-#include <tuple>
 #include <utility>
 
 #include "NRenderUtl/gl/ngl.h"

@@ -3,7 +3,6 @@
 #include <epoxy/egl.h>
 
 #include <cstring>
-#include <tuple>
 
 #include "NRenderUtl/gl/ngl.h"
 #include "NRenderUtl/shaders/texturebufferprobe.h"
