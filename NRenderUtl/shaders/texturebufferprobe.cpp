@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "NRenderUtl/gl/ngl.h"
+#include "NRenderUtl/gl/stateguards.h"
 #include "NRenderUtl/shaders/programinuse.h"
 #include "NRenderUtl/shaders/shadersources.h"
 
@@ -164,6 +165,8 @@ void TextureBufferProbe::draw(GLenum format) {
 bool TextureBufferProbe::drawsGreen(GLenum format, const _NglFBOInfoStr& target) {
     const auto width = static_cast<GLsizei>(target.width), height = static_cast<GLsizei>(target.height);
     neutralizeState();
+    const NoRestartGuard wholeIndices;
+    const PlainTransferGuard plainColors;
     glViewport(0, 0, width, height); // the framebuffer holds the viewport, wherever that lies
     glShadeModel(GL_FLAT);
     glClearColor(0, 0, 0, 1);
