@@ -37,8 +37,10 @@ struct CaptureState {
     const UnpackGuard unpack;
 };
 
+/// Samples come from a texture buffer.
 bool canBuildMaps() {
-    return glContextIsCurrent() && epoxy_gl_version() >= 30;
+    const int version = glContextIsCurrent() ? glVersion() : 0;
+    return version >= 31 || (version == 30 && epoxy_has_gl_extension("GL_ARB_texture_buffer_object"));
 }
 
 } // namespace

@@ -318,7 +318,10 @@ TEST_F(ImageBasedLight, ABackgroundThatFailsDrawsNothing) {
 TEST_F(ImageBasedLight, OldDriversHaveNoMaps) {
     if (ranInSubprocess({{"MESA_GL_VERSION_OVERRIDE", "2.1"}, {"MESA_GLSL_VERSION_OVERRIDE", "120"}}) &&
         ranInSubprocess(
-            {{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_framebuffer_object -GL_EXT_framebuffer_object"}}))
+            {{"MESA_EXTENSION_OVERRIDE", "-GL_ARB_framebuffer_object -GL_EXT_framebuffer_object"}}) &&
+        ranInSubprocess(
+            {{"MESA_GL_VERSION_OVERRIDE", "3.0COMPAT"},
+             {"MESA_EXTENSION_OVERRIDE", "-GL_ARB_texture_buffer_object -GL_EXT_texture_buffer_object"}}))
         return;
     takeGlErrors();
     Handler::Initialize();
