@@ -163,6 +163,13 @@ bool onlyPositionsCount() {
     return !glIsEnabled(GL_LIGHTING) && !glIsEnabled(GL_TEXTURE_GEN_S) && !usesProgram();
 }
 
+/// Into a display list, which knows nothing of the state at its call.
+bool drawsIntoList() {
+    GLint list;
+    glGetIntegerv(GL_LIST_INDEX, &list);
+    return list != 0;
+}
+
 bool glHasModelViewOfRecord() {
     float record[4][4], gl[4][4];
     NglToFloat(nglRecord().live.modelView, record);
@@ -186,12 +193,12 @@ bool fitsModelSpace(const NgMatrix& part) {
 } // namespace
 
 void SymbolDrawer::readState() {
-    m_anySpace = onlyPositionsCount();
+    m_anySpace = onlyPositionsCount() && !drawsIntoList();
     m_dashed = glIsEnabled(GL_LINE_STIPPLE);
 }
 
 void SymbolDrawer::useRecord() {
-    m_fromRecord = !glHasModelViewOfRecord();
+    m_fromRecord = drawsIntoList() || !glHasModelViewOfRecord();
 }
 
 void SymbolDrawer::enter(const SymbolPlace& part) {

@@ -189,6 +189,18 @@ TEST_F(Symbols, KindsNameTheirSlots) {
     }
 }
 
+TEST_F(Symbols, PointsStayWhereTheRecordHasThemWhenAListIsCalled) {
+    list[6] = symbolOf(coil); // of lines alone
+    const Call call = pointCall({5, -3, 9}, 8);
+    const Points wanted = drawn(call.draw);
+    const GLuint compiled = glGenLists(1);
+    glNewList(compiled, GL_COMPILE);
+    call.draw();
+    glEndList();
+    glTranslated(4, 4, 0); // of the host's, where it calls the list
+    expectPoints(drawn([&] { return glCallList(compiled), 0; }), wanted);
+}
+
 TEST_F(Symbols, PartsAddUpTheirOffsetsInTheUnitBefore) {
     UtlSymSetOrthoScale(0.5);
     const double parameters[] = {2, 1, 3};
