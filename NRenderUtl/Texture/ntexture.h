@@ -97,7 +97,7 @@ private:
     void (*m_freeImage)(void* context, void* pixels); ///< null: the library's own memory
     void* m_freeContext;
 
-    static NShaderProgram& m_ShaderProgram; ///< draws all textures; deleted when any changes its pixels
+    static NShaderProgram& m_ShaderProgram; ///< draws rectangles; deleted when any changes its pixels
 };
 
 // --- image files -------------------------------------------------------------------------------------------

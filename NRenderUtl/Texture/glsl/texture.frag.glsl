@@ -1,6 +1,7 @@
 #version 150 compatibility
 #extension GL_EXT_gpu_shader4 : enable
-// Fragment stage of textures in a rectangle of the window, in pixels of the texture.
+// Fragment stage of textures in a rectangle of the window, or in the disc within a square, in pixels of the
+// texture.
 
 in vec2 uv;
 in vec2 size_px;
