@@ -160,7 +160,8 @@ bool usesProgram() {
 /// Whether only the positions of vertices in the window count: light goes by normals, generated texture
 /// coordinates by the vertices as they are sent, and programs by what they like.
 bool onlyPositionsCount() {
-    return !glIsEnabled(GL_LIGHTING) && !glIsEnabled(GL_TEXTURE_GEN_S) && !usesProgram();
+    return !glIsEnabled(GL_LIGHTING) && !glIsEnabled(GL_TEXTURE_GEN_S) && !glIsEnabled(GL_TEXTURE_GEN_T) &&
+           !usesProgram();
 }
 
 /// Into a display list, which knows nothing of the state at its call.

@@ -110,7 +110,7 @@ class ArraysDrawing {
 class NoIndexBufferGuard {
 public:
     NoIndexBufferGuard() {
-        if (epoxy_gl_version() >= 15)
+        if (glVersion() >= 15)
             glGetIntegerv(GL_ELEMENT_ARRAY_BUFFER_BINDING, &m_buffer);
         if (m_buffer != 0)
             glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);

@@ -27,7 +27,8 @@ public:
         m_made.factor = static_cast<float>(factor);
         m_made.offset = static_cast<float>(0.5 - low * factor);
         m_made.cells.assign(count, {limits.front().limit, limits.front().below, limits.front().below});
-        m_usable = m_made.factor > 0 && std::fabs(low * factor) + count < kLargestTerm;
+        m_usable = m_made.factor > 0 && std::isfinite(m_made.factor) &&
+                   std::fabs(low * factor) + count < kLargestTerm;
     }
 
     std::optional<ScaleCells> make() {

@@ -6,14 +6,13 @@ out vec4 color;
 uniform samplerBuffer g_samples; // half vectors, row by row: x, z and 1 / z
 uniform int g_first;             // row with which they begin
 uniform int g_count;             // of them in a row
-const uint SAMPLES = 1024u;      // at most
 
 void main() {
     float cosEye = max(texCoord.x, 0.001);
     float sinEye = sqrt(1.0 - cosEye * cosEye);
     float k = texCoord.y * texCoord.y / 2.0; // the one for environment light (Karis, 2013)
     int first = (int(gl_FragCoord.y) - g_first) * g_count;
-    int last = first + int(min(SAMPLES, uint(g_count)));
+    int last = first + g_count;
     vec2 sum = vec2(0.0);
     for (int i = first; i < last; ++i) {
         vec3 halfway = texelFetch(g_samples, i).xyz;

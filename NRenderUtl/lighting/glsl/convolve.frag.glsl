@@ -9,7 +9,6 @@ uniform samplerBuffer g_samples; // direction about the normal, level
 uniform int g_first;
 uniform int g_count;
 uniform float g_scale;
-const uint SAMPLES = 65536u; // at most
 
 /// Columns: two tangents, the normal.
 mat3 frameOf(vec3 normal) {
@@ -23,7 +22,7 @@ mat3 frameOf(vec3 normal) {
 void main() {
     mat3 frame = frameOf(normalize(direction));
     vec3 sum = vec3(0.0);
-    int last = g_first + int(min(SAMPLES, uint(g_count)));
+    int last = g_first + g_count;
     for (int i = g_first; i < last; i += 2) { // two, so that one can wait for memory together with the other
         vec4 light = texelFetch(g_samples, i), next = texelFetch(g_samples, i + 1);
         vec3 radiance = textureLod(g_environmentmap, frame * light.xyz, light.w).rgb;
